@@ -1,0 +1,49 @@
+# One shared object per x86-64 level, from the same sources. The baseline lies in lib/, the others below
+# lib/glibc-hwcaps/, where the dynamic loader looks for the best one that the processor can run.
+
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(KELS_LEVELS "base;v3;v4" CACHE STRING "Levels to build: base, v3, v4")
+else()
+  set(KELS_LEVELS "base" CACHE STRING "Levels to build: 32-bit x86 has one")
+endif()
+
+set(KELS_FLAGS_base "")
+set(KELS_FLAGS_v3 -march=x86-64-v3)
+# Without the preference the compilers stop at 256 bits for this level.
+set(KELS_FLAGS_v4 -march=x86-64-v4 -mprefer-vector-width=512)
+
+# What every object of the library is compiled with, whatever its level.
+set(KELS_COMPILE_OPTIONS
+  -fno-math-errno -fno-trapping-math -ffp-contract=off
+  -fno-exceptions -fno-rtti
+  -Wall -Wextra -Wshadow -Werror=missing-declarations
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
+
+# kels_add_level(<target> <level> <output directory> <sources...>)
+function(kels_add_level target level directory)
+  add_library(${target} SHARED ${ARGN})
+  target_compile_options(${target} PRIVATE ${KELS_COMPILE_OPTIONS} ${KELS_FLAGS_${level}})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  if(NOT KELS_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
+  endif()
+  set_target_properties(${target} PROPERTIES
+    OUTPUT_NAME kels VERSION 2 SOVERSION 2
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${directory})
+endfunction()
+
+# kels_add_library(<sources...>): target `kels`, which programs link, and one more target for each further level.
+function(kels_add_library)
+  list(GET KELS_LEVELS 0 first)
+  kels_add_level(kels ${first} lib ${ARGN})
+  add_library(kels::kels ALIAS kels)
+  foreach(level IN LISTS KELS_LEVELS)
+    if(NOT level STREQUAL first)
+      kels_add_level(kels-${level} ${level} lib/glibc-hwcaps/x86-64-${level} ${ARGN})
+      add_dependencies(kels kels-${level})
+    endif()
+  endforeach()
+endfunction()

@@ -1,0 +1,16 @@
+/** @file
+ *  The whole library in one include.
+ */
+#ifndef KELS_H
+#define KELS_H
+
+#include "kels/types.h"
+#include "kels/status.h"
+#include "kels/services.h"
+#include "kels/movement.h"
+#include "kels/arithmetic.h"
+#include "kels/fft.h"
+#include "kels/spectrum.h"
+#include "kels/fir.h"
+
+#endif

@@ -1,0 +1,120 @@
+/** @file
+ *  Fast Fourier transforms of N = 2^order points.
+ *
+ *  A transform runs from a plan: make one with `kelsFFTInitAlloc_*`, run it any number of times, release it with
+ *  `kelsFFTFree_*`. The forward transform is X[k] = sum over n of x[n] exp(-2 pi i n k / N), the inverse has the other
+ *  sign; neither divides by N unless the plan's flag says so.
+ *
+ *  **Statuses** of the transforms, in the order of the checks: `kelStatusNullPtr` (no plan), `kelStatusContextMismatch`
+ *  (a plan of another kind), `kelStatusNullPtr` (a data pointer), `kelStatusNoMemory`. Not a value has been stored when
+ *  one of them is returned. NaN and infinity pass through the arithmetic.
+ *
+ *  **Work buffer.** `pBuffer` is null or at least as long as `kelsFFTGetBufSize_*` says, at any address. With a null
+ *  pointer a transform that needs memory allocates it and frees it before it returns.
+ *
+ *  **Aliasing.** Every transform runs in place (`pSrc` equal to `pDst`) or between disjoint arrays, with the same bits.
+ *  Data may stand at any address.
+ *
+ *  **Accuracy.** Relative RMS error at most 0.6 eps sqrt(log2 N), eps being 2^-23 or 2^-52.
+ *
+ *  **Threads.** A finished plan is only read: threads may share it, each with its own data and buffer.
+ */
+#ifndef KELS_FFT_H
+#define KELS_FFT_H
+
+#include "kels/status.h"
+
+/** Where a plan divides. Exactly one of these is passed as `flag`. */
+enum {
+    kelFftNormFwd  = 1, /**< the forward transform multiplies by 1/N */
+    kelFftNormInv  = 2, /**< the inverse transform multiplies by 1/N */
+    kelFftNormSqrt = 4, /**< both multiply by 1/sqrt(N) */
+    kelFftNormNone = 8  /**< neither multiplies: a round trip gives N times the input */
+};
+
+/** Hints for the fixed-point plans; floating-point plans take any value and read none. */
+enum {
+    kelHintDefault   = 0, /**< fixed point for short transforms, floating point for long ones */
+    kelHintWideFixed = 1, /**< fixed point up to longer transforms */
+    kelHintFloat     = 2  /**< floating point at every length */
+};
+
+typedef struct KelsFftPlan_32f KelsFftPlan_32f; /**< Plan over single-precision data. */
+typedef struct KelsFftPlan_64f KelsFftPlan_64f; /**< Plan over double-precision data. */
+
+/** @name Making a plan
+ *  `C` plans transform complex data, `R` plans real data; `order` counts points of the sequence that is transformed.
+ *
+ *  @param ppPlan receives the plan, on success only; it belongs to the caller, who gives it to the matching Free
+ *  @param order  0 to 30
+ *  @param flag   one of kelFftNormFwd, kelFftNormInv, kelFftNormSqrt, kelFftNormNone
+ *  @param hint   not read by these plans
+ *  @return `kelStatusNullPtr`, `kelStatusBadFftOrder`, `kelStatusBadFftFlag`, `kelStatusNoMemory` or `kelStatusOk`
+ *  @{ */
+KELS_API KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
+/** @} */
+
+/** @name Releasing a plan
+ *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` (another kind of plan, which stays usable) or `kelStatusOk`
+ *  @{ */
+KELS_API KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* pPlan);
+KELS_API KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* pPlan);
+KELS_API KelStatus kelsFFTFree_R_32f (KelsFftPlan_32f* pPlan);
+KELS_API KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* pPlan);
+/** @} */
+
+/** @name Size of the work buffer
+ *  Stores the bytes that a transform of this plan wants as `pBuffer`; 0 means that none is used. The size allows for
+ *  any alignment of the buffer.
+ *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` or `kelStatusOk`
+ *  @{ */
+KELS_API KelStatus kelsFFTGetBufSize_C_32fc(const KelsFftPlan_32f* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_R_32f (const KelsFftPlan_32f* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_R_64f (const KelsFftPlan_64f* pPlan, int* pSize);
+/** @} */
+
+/** @name Complex transforms
+ *  N complex points to N complex points, both in natural order.
+ *  @{ */
+KELS_API KelStatus kelsFFTFwd_CToC_32fc(const Kel32fc* pSrc, Kel32fc* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_CToC_64fc(const Kel64fc* pSrc, Kel64fc* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_32fc(const Kel32fc* pSrc, Kel32fc* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_64fc(const Kel64fc* pSrc, Kel64fc* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+/** @} */
+
+/** @name Real forward transforms
+ *  N real samples to half of a conjugate-symmetric spectrum. With R(k), I(k) the parts of X[k]:
+ *
+ *  | Layout | Content                                                 | Values |
+ *  |--------|---------------------------------------------------------|--------|
+ *  | Perm   | R(0), R(N/2), R(1), I(1), ..., R(N/2 - 1), I(N/2 - 1)   | N      |
+ *  | Pack   | R(0), R(1), I(1), ..., R(N/2 - 1), I(N/2 - 1), R(N/2)   | N      |
+ *  | CCS    | R(0), 0, R(1), I(1), ..., R(N/2 - 1), I(N/2 - 1), R(N/2), 0 | N + 2 |
+ *
+ *  One point is R(0) in Perm and Pack, and R(0), 0 in CCS. In place, CCS needs room for N + 2 values.
+ *  @{ */
+KELS_API KelStatus kelsFFTFwd_RToPerm_32f(const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToPerm_64f(const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToPack_32f(const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToPack_64f(const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToCCS_32f (const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToCCS_64f (const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+/** @} */
+
+/** @name Real inverse transforms
+ *  From the layouts above to N real samples. The imaginary parts of bins 0 and N/2 that CCS stores are not read; in
+ *  place, the two values of CCS beyond the N samples stay as they were.
+ *  @{ */
+KELS_API KelStatus kelsFFTInv_PermToR_32f(const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_PermToR_64f(const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_PackToR_32f(const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_PackToR_64f(const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CCSToR_32f (const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CCSToR_64f (const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+/** @} */
+
+#endif
