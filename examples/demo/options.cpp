@@ -1,0 +1,52 @@
+#include "options.h"
+
+#include "failure.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+
+namespace demo {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* default_recording = "sounds/alsa/Front_Center.wav";
+
+/// The recording that comes with Debian's alsa-utils, wherever this system keeps its shared data.
+fs::path find_default_recording() {
+    const char* listed = std::getenv("XDG_DATA_DIRS");
+    std::istringstream directories(listed && *listed ? listed : "/usr/local/share:/usr/share");
+    for (std::string directory; std::getline(directories, directory, ':');)
+        if (fs::path file = fs::path(directory) / default_recording; fs::exists(file)) return file;
+    throw Failure(std::string("No --input was given, and the recording ") + default_recording +
+                  " of the package alsa-utils is not installed.");
+}
+
+} // namespace
+
+std::optional<Options> parse_options(int argc, char** argv) {
+    Options options;
+    CLI::App app("Filters a WAV recording with a band-pass, checks the result, and draws the spectra before and after.",
+                 "kels-demo");
+    const CLI::Option* input =
+        app.add_option("--input", options.input, "the recording (default: the spoken one of alsa-utils)");
+    app.add_option("--low", options.band.low, "lower edge of the pass band in Hz")->capture_default_str();
+    app.add_option("--high", options.band.high, "upper edge of the pass band in Hz")->capture_default_str();
+    app.add_option("--taps", options.band.taps, "length of the filter, odd")->capture_default_str();
+    app.add_option("--out", options.out, "directory for the filtered WAV and the PNG")->capture_default_str();
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        std::cout << app.help();
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        throw Failure(std::string(error.what()) + " (see --help).");
+    }
+    if (input->count() == 0) options.input = find_default_recording();
+    return options;
+}
+
+} // namespace demo

@@ -1,0 +1,20 @@
+// The command line.
+#pragma once
+
+#include "band_pass.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace demo {
+
+struct Options {
+    std::filesystem::path input;
+    BandPass band{.low = 300, .high = 3400, .taps = 511}; // the band of a telephone line
+    std::filesystem::path out = "demo";
+};
+
+/// Nothing when the user asked for the help text, which has been printed then.
+std::optional<Options> parse_options(int argc, char** argv);
+
+} // namespace demo
