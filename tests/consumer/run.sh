@@ -1,0 +1,85 @@
+#!/bin/bash
+# One step of the consumer tests.
+#   run.sh install <scratch directory> <build tree>    installs the build tree, then moves what was installed
+#   run.sh cmake <scratch directory>                   builds and runs the consumers by find_package
+#   run.sh pkg_config <scratch directory>              the same from the command line
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+scratch=$2
+prefix=$scratch/prefix
+loader=/lib64/ld-linux-x86-64.so.2
+
+fail() {
+    echo "FAILED: $1" >&2
+    exit 1
+}
+
+# The move shows that nothing in an installed tree names the prefix it was installed to.
+install() {
+    rm -rf "$scratch"
+    mkdir -p "$scratch"
+    "$CMAKE" --install "$1" --prefix "$scratch/first"
+    mv "$scratch/first" "$prefix"
+    [ -e "$prefix/include/kels.h" ] || fail "kels.h was not installed"
+    [ "$(readlink "$prefix/lib/libkels.so")" = libkels.so.2 ] || fail "the link name libkels.so does not lead to libkels.so.2"
+    ! find "$prefix/lib/glibc-hwcaps" -name libkels.so 2>/dev/null | grep . || fail "a level has a link name of its own"
+}
+
+cmake() {
+    local build=$scratch/cmake
+    rm -rf "$build"
+    "$CMAKE" -G "$GENERATOR" -S "$here/project" -B "$build" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX"
+    "$CMAKE" --build "$build"
+    runs_at_every_level "$build/consumer_c"
+    runs_at_every_level "$build/consumer_cpp"
+}
+
+pkg_config() {
+    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+    local flags
+    flags="-Wall -Wextra -pedantic -Werror $(pkg-config --cflags --libs kels) -Wl,-rpath,$(pkg-config --variable=libdir kels)"
+    # shellcheck disable=SC2086
+    {
+        "$CC" -std=c11 "$here/project/consumer.c" -o "$scratch/consumer_c" $flags
+        "$CXX" -std=c++11 "$here/project/consumer.cpp" -o "$scratch/consumer_cpp" $flags
+        "$CC" -std=c11 "$here/../../examples/first.c" -o "$scratch/first" $flags
+    }
+    runs_at_every_level "$scratch/consumer_c"
+    runs_at_every_level "$scratch/consumer_cpp"
+    runs_at_every_level "$scratch/first"
+}
+
+# The levels that are installed and that this processor runs, best first; then the one that every processor runs.
+levels() {
+    local level
+    for level in x86-64-v4 x86-64-v3; do
+        [ -d "$prefix/lib/glibc-hwcaps/$level" ] && "$loader" --help | grep -q "$level (supported" && echo "$level"
+    done
+    echo none
+}
+
+object_of() {
+    if [ "$1" = none ]; then echo "$prefix/lib/libkels.so.2"; else echo "$prefix/lib/glibc-hwcaps/$1/libkels.so.2"; fi
+}
+
+# loaded <program> <loader option...>: the library that the loader would take
+loaded() {
+    local program=$1
+    shift
+    realpath "$("$loader" "$@" --list "$program" | sed -n 's/.*libkels\.so\.2 => \(.*\) (.*/\1/p')"
+}
+
+runs_at_every_level() {
+    local program=$1 level
+    [ "$(loaded "$program")" = "$(object_of "$(levels | head -1)")" ] || fail "$program does not load the best level"
+    "$program"
+    for level in $(levels); do
+        [ "$(loaded "$program" --glibc-hwcaps-mask "$level")" = "$(object_of "$level")" ] ||
+            fail "$program does not load the object of level $level"
+        "$loader" --glibc-hwcaps-mask "$level" "$program"
+    done
+}
+
+"$1" "${@:3}"
