@@ -1,0 +1,129 @@
+// Vector types for the kernels that earn more than a plain loop: compiler vector extensions of a width that the level
+// chooses, with loads, stores, shuffles and the fused multiply-add. Intrinsics stand in this file only.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include <immintrin.h>
+
+/// For the bodies of lambdas inside kernels: a call left standing would send a register file through memory.
+#define KELS_INLINE __attribute__((always_inline))
+
+namespace kels {
+
+/// Bytes of the widest vector of this level.
+#if defined(__AVX512F__)
+inline constexpr int vector_bytes = 64;
+#elif defined(__AVX2__)
+inline constexpr int vector_bytes = 32;
+#else
+inline constexpr int vector_bytes = 16;
+#endif
+
+template <class T>
+inline constexpr int max_lanes = vector_bytes / static_cast<int>(sizeof(T));
+
+template <class T, int Lanes>
+struct VectorOf {
+    typedef T type __attribute__((vector_size(Lanes * sizeof(T))));
+};
+template <class T>
+struct VectorOf<T, 1> {
+    using type = T;
+};
+
+/// `Lanes` elements side by side; one lane is the plain scalar, so that a kernel's template serves both.
+template <class T, int Lanes = max_lanes<T>>
+using Vec = typename VectorOf<T, Lanes>::type;
+
+template <class V>
+struct ElementOf {
+    using type = std::remove_cvref_t<decltype(std::declval<V&>()[0])>;
+};
+template <class V>
+requires std::is_arithmetic_v<V>
+struct ElementOf<V> {
+    using type = V;
+};
+
+template <class V>
+using Element = typename ElementOf<V>::type;
+
+template <class V>
+inline constexpr int lanes = static_cast<int>(sizeof(V) / sizeof(Element<V>));
+
+template <class V>
+[[gnu::always_inline]] inline V load(const void* p) {
+    V v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+template <class V>
+[[gnu::always_inline]] inline void store(void* p, V v) {
+    std::memcpy(p, &v, sizeof v);
+}
+
+template <class V>
+[[gnu::always_inline]] inline V splat(Element<V> x) {
+    return V{} + x;
+}
+
+/// a b + c, fused where the level has the instruction. The C library's function is never called: without the
+/// instruction it is slow, and with singles in double arithmetic the product is exact either way.
+template <class V>
+[[gnu::always_inline]] inline V fma(V a, V b, V c) {
+#if defined(__FMA__)
+    if constexpr (std::is_same_v<V, float>)
+        return __builtin_fmaf(a, b, c);
+    else if constexpr (std::is_same_v<V, double>)
+        return __builtin_fma(a, b, c);
+    else if constexpr (std::is_same_v<V, Vec<float, 4>>)
+        return _mm_fmadd_ps(a, b, c);
+    else if constexpr (std::is_same_v<V, Vec<double, 2>>)
+        return _mm_fmadd_pd(a, b, c);
+    else if constexpr (std::is_same_v<V, Vec<float, 8>>)
+        return _mm256_fmadd_ps(a, b, c);
+    else if constexpr (std::is_same_v<V, Vec<double, 4>>)
+        return _mm256_fmadd_pd(a, b, c);
+#if defined(__AVX512F__)
+    else if constexpr (std::is_same_v<V, Vec<float, 16>>)
+        return _mm512_fmadd_ps(a, b, c);
+    else if constexpr (std::is_same_v<V, Vec<double, 8>>)
+        return _mm512_fmadd_pd(a, b, c);
+#endif
+    else
+        return a * b + c;
+#else
+    return a * b + c;
+#endif
+}
+
+/// Calls f(0), f(1), ... f(N - 1) with the index as a constant, so that arrays of vectors stay in registers.
+template <int N, class F>
+[[gnu::always_inline]] inline void unrolled(F&& f) {
+    [&]<int... I>(std::integer_sequence<int, I...>) KELS_INLINE { (f(std::integral_constant<int, I>{}), ...); }
+    (std::make_integer_sequence<int, N>{});
+}
+
+/// Lane i of the result is lane Index(i) of a, or of b from `lanes` on.
+template <auto Index, class V>
+[[gnu::always_inline]] inline V shuffle(V a, V b) {
+    return [&]<int... I>(std::integer_sequence<int, I...>) KELS_INLINE {
+        return __builtin_shufflevector(a, b, Index(I)...);
+    }
+    (std::make_integer_sequence<int, lanes<V>>{});
+}
+
+template <class V>
+[[gnu::always_inline]] inline V reverse(V a) {
+    if constexpr (lanes<V> == 1)
+        return a;
+    else
+        return shuffle<[](int i) { return lanes<V> - 1 - i; }>(a, a);
+}
+
+} // namespace kels

@@ -1,0 +1,226 @@
+// Plans: made whole or not at all, read by every transform, released once.
+//
+// What a caller sees of a plan are its normalisation and the size of its work buffer. Both follow from order, flag and
+// element type alone. The kernels here keep their scratch on the stack and use no work buffer.
+
+#include "transforms/fft_plan.h"
+
+#include "transforms/fft_large.h"
+#include "transforms/real_recombination.h"
+
+#include <cmath>
+#include <new>
+
+namespace kels {
+namespace {
+
+template <class T>
+inline constexpr bool single = sizeof(T) == 4;
+
+/// Complex orders up to this one ask for no work buffer.
+template <class T>
+inline constexpr int base_order = single<T> ? 10 : 9;
+
+/// Order of the column transforms of a large plan of this order; 0 where it is not split.
+template <class T>
+int split(int order) {
+    static constexpr Kel8u single_split[] = {5, 6, 7, 8, 8, 8, 10, 10, 10, 10, 8, 8}; // orders 13 to 24
+    static constexpr Kel8u double_split[] = {4, 5, 6, 7, 7, 8, 9, 9, 9, 8, 8};        // orders 12 to 22
+    constexpr int first = single<T> ? 13 : 12;
+    if (order < first) return 0;
+    if constexpr (single<T>) return order > 24 ? 10 : single_split[order - first];
+    return order > 22 ? 9 : double_split[order - first];
+}
+
+/// Bytes of work buffer that a transform of this complex order may use: four columns of the longest split, and slack to
+/// align them.
+template <class T>
+Kel32s work_bytes(int order) {
+    if (order <= base_order<T>) return 0;
+    int columns = 0;
+    for (int left = order; split<T>(left) != 0; left -= split<T>(left))
+        columns = std::max(columns, int(4 * 2 * sizeof(T)) << split<T>(left));
+    return columns + 16;
+}
+
+/// Whether the points of a large transform are beyond what a table may hold: 2^31 bytes.
+template <class T>
+bool too_large(int order) {
+    return (std::size_t{2} * sizeof(T) << order) > std::size_t{INT_MAX};
+}
+
+template <class T>
+void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
+    with_radices<T>(
+        plan.complex_order, [&]<int... R>(Radices<R...> radices) {
+            T* table = space.take<T>(pass_table_size({R...}));
+            if (table) make_pass_table<T, pass_lanes<T>(Radices<R...>{})>(table, {R...});
+            plan.twiddles = table;
+            (void)radices;
+        });
+}
+
+template <class T>
+void lay_roots(TableSpace& space, const Kel64f*& roots, int entries_order, std::size_t step, std::size_t points) {
+    const std::size_t entries = std::size_t{1} << entries_order;
+    Kel64f* table = space.take<Kel64f>(2 * entries);
+    for (std::size_t i = 0; table && i < entries; ++i) write_root(table + 2 * i, i * step, points);
+    roots = table;
+}
+
+template <class T>
+const T* lay_column_table(TableSpace& space, int order) {
+    return with_column_radices(
+        order, [&]<int... R>(Radices<R...>)->const T* {
+            T* table = space.take<T>(column_table_size({R...}));
+            if (table) make_column_table<T>(table, {R...});
+            return table;
+        });
+}
+
+template <class T>
+void lay_large(FftPlan<T>& plan, TableSpace& space) {
+    const int order = plan.complex_order;
+    const LargeShape shape = large_shape(order);
+    const std::size_t points = std::size_t{1} << order, rows = std::size_t{1} << shape.outer;
+    plan.twiddles = lay_column_table<T>(space, shape.outer);
+    if (shape.middle > 0) plan.middle_twiddles = lay_column_table<T>(space, shape.middle);
+    lay_roots<T>(space, plan.fine_roots, order / 2, 1, points);
+    lay_roots<T>(space, plan.coarse_roots, order - order / 2, std::size_t{1} << (order / 2), points);
+
+    constexpr int V = Strip<T>::lanes_of_vector;
+    T* table = space.take<T>(2 * strip_lanes<T> * rows);
+    plan.lane_twiddles = table;
+    for (std::size_t k = 0; table && k < rows; ++k)
+        for (std::size_t group = 0; group < Strip<T>::groups; ++group, table += 2 * V)
+            for (int lane = 0; lane < V; ++lane) {
+                T root[2];
+                const std::size_t n = group * V + static_cast<std::size_t>(lane_order<Vec<T, V>>(lane));
+                write_root(root, n * k, points);
+                table[lane] = root[0];
+                table[V + lane] = root[1];
+            }
+}
+
+/// All tables of a plan whose order and kind are set.
+template <class T>
+void lay_tables(FftPlan<T>& plan, bool real, TableSpace& space) {
+    if (plan.complex_order > top_in_cache_order<T>)
+        lay_large(plan, space);
+    else if (plan.complex_order >= first_pass_order)
+        lay_in_cache(plan, space);
+    if (real) lay_recombination(plan, space);
+}
+
+template <bool inverse, class T>
+FftKernel<T> kernel(int order, bool scaled) {
+    if (order > top_in_cache_order<T>)
+        return scaled ? run_large<Mode{inverse, true}, T> : run_large<Mode{inverse, false}, T>;
+    return scaled ? in_cache_kernel<Mode{inverse, true}, T>(order) : in_cache_kernel<Mode{inverse, false}, T>(order);
+}
+
+/// Sets the normalisation that a flag stands for; false for any other value.
+template <class T>
+bool normalise(FftPlan<T>& plan, int flag) {
+    const long double points = static_cast<long double>(Kel64s{1} << plan.order);
+    switch (flag) {
+    case kelFftNormFwd:
+        plan.normFwd = 1;
+        break;
+    case kelFftNormInv:
+        plan.normInv = 1;
+        break;
+    case kelFftNormSqrt:
+        plan.normFwd = plan.normInv = 1;
+        break;
+    case kelFftNormNone:
+        return true;
+    default:
+        return false;
+    }
+    plan.normFactor = static_cast<T>(flag == kelFftNormSqrt ? 1 / std::sqrt(points) : 1 / points);
+    return true;
+}
+
+template <class Plan, class T>
+struct Delete {
+    void operator()(Plan* plan) const {
+        plan->planId = 0;
+        plan->~Plan();
+        kelsFree(plan);
+    }
+};
+
+template <PlanId id, class Plan>
+KelStatus make_plan(Plan** result, int order, int flag, int) {
+    using T = decltype(Plan::normFactor);
+    constexpr bool real = id == plan_R_32f || id == plan_R_64f;
+    if (!result) return kelStatusNullPtr;
+    if (order < 0 || order > 30) return kelStatusBadFftOrder;
+
+    void* memory = allocate<Plan>(1);
+    if (!memory) return kelStatusNoMemory;
+    std::unique_ptr<Plan, Delete<Plan, T>> plan(new (memory) Plan);
+    plan->planId = id;
+    plan->order = order;
+    if (!normalise(*plan, flag)) return kelStatusBadFftFlag;
+
+    // A short real transform is one straight kernel of its own: no tables, whatever its complex order.
+    const bool direct = order < first_pass_order;
+    plan->complex_order = real && order > 0 ? order - 1 : order;
+    if (too_large<T>(plan->complex_order)) return kelStatusNoMemory;
+    plan->workBytes = direct ? 0 : work_bytes<T>(plan->complex_order);
+    plan->forward = kernel<false, T>(plan->complex_order, plan->normFwd != 0);
+    plan->inverse = kernel<true, T>(plan->complex_order, plan->normInv != 0);
+    if (!direct) {
+        TableSpace measure(nullptr);
+        lay_tables(*plan, real, measure);
+        plan->tables = make_owned<Kel8u>(measure.size() + 63);
+        if (!plan->tables) return kelStatusNoMemory;
+        Kel8u* memory_of_tables = plan->tables.get();
+        TableSpace space(memory_of_tables + (64 - reinterpret_cast<std::uintptr_t>(memory_of_tables) % 64) % 64);
+        lay_tables(*plan, real, space);
+    }
+    *result = plan.release();
+    return kelStatusOk;
+}
+
+template <PlanId id, class Plan>
+KelStatus free_plan(Plan* plan) {
+    if (!plan) return kelStatusNullPtr;
+    if (plan->planId != id) return kelStatusContextMismatch;
+    Delete<Plan, void>{}(plan);
+    return kelStatusOk;
+}
+
+template <PlanId id, class Plan>
+KelStatus buffer_size(const Plan* plan, int* size) {
+    if (!plan || !size) return kelStatusNullPtr;
+    if (plan->planId != id) return kelStatusContextMismatch;
+    *size = plan->workBytes;
+    return kelStatusOk;
+}
+
+} // namespace
+} // namespace kels
+
+using namespace kels;
+
+// clang-format off
+extern "C" {
+KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** plan, int order, int flag, int hint) { return make_plan<plan_C_32fc>(plan, order, flag, hint); }
+KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** plan, int order, int flag, int hint) { return make_plan<plan_C_64fc>(plan, order, flag, hint); }
+KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** plan, int order, int flag, int hint) { return make_plan<plan_R_32f>(plan, order, flag, hint); }
+KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** plan, int order, int flag, int hint) { return make_plan<plan_R_64f>(plan, order, flag, hint); }
+
+KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* plan) { return free_plan<plan_C_32fc>(plan); }
+KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* plan) { return free_plan<plan_C_64fc>(plan); }
+KelStatus kelsFFTFree_R_32f (KelsFftPlan_32f* plan) { return free_plan<plan_R_32f>(plan); }
+KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* plan) { return free_plan<plan_R_64f>(plan); }
+
+KelStatus kelsFFTGetBufSize_C_32fc(const KelsFftPlan_32f* plan, int* size) { return buffer_size<plan_C_32fc>(plan, size); }
+KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_C_64fc>(plan, size); }
+KelStatus kelsFFTGetBufSize_R_32f (const KelsFftPlan_32f* plan, int* size) { return buffer_size<plan_R_32f>(plan, size); }
+KelStatus kelsFFTGetBufSize_R_64f (const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_R_64f>(plan, size); }
+}
+// clang-format on

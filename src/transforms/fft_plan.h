@@ -1,0 +1,71 @@
+// The plan of a power-of-two transform: what every transform reads.
+#pragma once
+
+#include "frame/memory.h"
+#include "kels/fft.h"
+
+namespace kels {
+
+/// First field of every plan: what it transforms.
+enum PlanId : Kel32s { plan_C_32fc = 4, plan_R_32f = 6, plan_C_64fc = 7, plan_R_64f = 9 };
+
+/// The complex transform of a plan: any source to any destination, in place too. `factor` scales the results of the
+/// scaled kernels.
+template <class T>
+struct FftPlan;
+template <class T>
+using FftKernel = void (*)(const FftPlan<T>& plan, const T* src, T* dst);
+
+/// What an FFT reads. The complex transform has order `complex_order`: the plan's own for complex data, one less for
+/// real data, which then recombines the halves.
+template <class T>
+struct FftPlan {
+    Kel32s planId = 0;
+    Kel32s order = 0;
+    Kel32s normFwd = 0, normInv = 0; ///< whether a direction multiplies by normFactor
+    T normFactor = 0;
+    Kel32s workBytes = 0;
+    Kel32s complex_order = 0;
+    FftKernel<T> forward = nullptr, inverse = nullptr;
+    const T* twiddles = nullptr;        ///< of the passes of an in-cache transform, or of a large one's outer columns
+    const T* middle_twiddles = nullptr; ///< large transforms, see fft_large.h: middle columns
+    const T* lane_twiddles = nullptr;   ///< neighbouring columns of a strip
+    const Kel64f* coarse_roots = nullptr;
+    const Kel64f* fine_roots = nullptr;
+    const T* recombination = nullptr;        ///< real data: see fft_real.cpp
+    const T* recombination_blocks = nullptr; ///< real data: roots between blocks of the table above
+    Owned<Kel8u> tables;                     ///< all of the above
+};
+
+/// The complex transform of a plan, in the plan's normalisation.
+template <class T>
+inline void transform(const FftPlan<T>& plan, bool inverse, const T* src, T* dst) {
+    (inverse ? plan.inverse : plan.forward)(plan, src, dst);
+}
+
+/// Orders below this one are one butterfly without tables.
+inline constexpr int first_pass_order = 4;
+
+/// Lays tables out one behind the other, each on a cache line: once without memory, to measure, and once to give it
+/// out.
+class TableSpace {
+public:
+    explicit TableSpace(Kel8u* memory) : memory_(memory) {}
+
+    template <class E>
+    E* take(std::size_t count) {
+        Kel8u* p = memory_ ? memory_ + size_ : nullptr;
+        size_ += (count * sizeof(E) + 63) / 64 * 64;
+        return reinterpret_cast<E*>(p);
+    }
+    std::size_t size() const { return size_; }
+
+private:
+    Kel8u* memory_;
+    std::size_t size_ = 0;
+};
+
+} // namespace kels
+
+struct KelsFftPlan_32f : kels::FftPlan<Kel32f> {};
+struct KelsFftPlan_64f : kels::FftPlan<Kel64f> {};

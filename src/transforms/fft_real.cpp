@@ -1,0 +1,80 @@
+// Real transforms: N samples as N/2 complex ones through the complex kernel, and the recombination of the halves. The
+// packed layouts differ in where three values stand, and the recombination writes or reads them in place.
+
+#include "transforms/fft_plan.h"
+#include "transforms/real_recombination.h"
+
+namespace kels {
+namespace {
+
+enum class Layout { perm, pack, ccs };
+
+/// Where bin k >= 1 stands, less 2k.
+constexpr std::ptrdiff_t shift(Layout layout) { return layout == Layout::pack ? -1 : 0; }
+
+/// Where the real bin N/2 stands.
+constexpr std::ptrdiff_t nyquist(Layout layout, std::ptrdiff_t points) {
+    return layout == Layout::perm ? 1 : layout == Layout::pack ? points - 1 : points;
+}
+
+template <Layout layout, class T>
+void forward(const FftPlan<T>& plan, const T* src, T* dst) {
+    const std::ptrdiff_t points = std::ptrdiff_t{1} << plan.order;
+    if (points == 1) {
+        dst[0] = plan.normFwd ? src[0] * plan.normFactor : src[0];
+        if (layout == Layout::ccs) dst[1] = 0;
+        return;
+    }
+    transform(plan, false, src, dst);
+    const T even = dst[0], odd = dst[1];
+    recombine<false>(plan, dst, dst + shift(layout));
+    dst[0] = even + odd;
+    dst[nyquist(layout, points)] = even - odd;
+    if (layout == Layout::ccs) dst[1] = dst[points + 1] = 0;
+}
+
+template <Layout layout, class T>
+void inverse(const FftPlan<T>& plan, const T* src, T* dst) {
+    const std::ptrdiff_t points = std::ptrdiff_t{1} << plan.order;
+    if (points == 1) {
+        dst[0] = plan.normInv ? src[0] * plan.normFactor : src[0];
+        return;
+    }
+    const T first = src[0], middle = src[nyquist(layout, points)];
+    recombine<true>(plan, src + shift(layout), dst);
+    dst[0] = first + middle;
+    dst[1] = first - middle;
+    transform<T>(plan, true, dst, dst);
+}
+
+template <PlanId id, class T, class Plan>
+KelStatus real_transform(const T* src, T* dst, const Plan* plan, void (*run)(const FftPlan<T>&, const T*, T*)) {
+    if (!plan) return kelStatusNullPtr;
+    if (plan->planId != id) return kelStatusContextMismatch;
+    if (!src || !dst) return kelStatusNullPtr;
+    run(*plan, src, dst);
+    return kelStatusOk;
+}
+
+} // namespace
+} // namespace kels
+
+using namespace kels;
+
+// clang-format off
+extern "C" {
+KelStatus kelsFFTFwd_RToPerm_32f(const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, forward<Layout::perm, Kel32f>); }
+KelStatus kelsFFTFwd_RToPerm_64f(const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, forward<Layout::perm, Kel64f>); }
+KelStatus kelsFFTFwd_RToPack_32f(const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, forward<Layout::pack, Kel32f>); }
+KelStatus kelsFFTFwd_RToPack_64f(const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, forward<Layout::pack, Kel64f>); }
+KelStatus kelsFFTFwd_RToCCS_32f (const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, forward<Layout::ccs, Kel32f>); }
+KelStatus kelsFFTFwd_RToCCS_64f (const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, forward<Layout::ccs, Kel64f>); }
+
+KelStatus kelsFFTInv_PermToR_32f(const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, inverse<Layout::perm, Kel32f>); }
+KelStatus kelsFFTInv_PermToR_64f(const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, inverse<Layout::perm, Kel64f>); }
+KelStatus kelsFFTInv_PackToR_32f(const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, inverse<Layout::pack, Kel32f>); }
+KelStatus kelsFFTInv_PackToR_64f(const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, inverse<Layout::pack, Kel64f>); }
+KelStatus kelsFFTInv_CCSToR_32f (const Kel32f* src, Kel32f* dst, const KelsFftPlan_32f* plan, Kel8u*) { return real_transform<plan_R_32f>(src, dst, plan, inverse<Layout::ccs, Kel32f>); }
+KelStatus kelsFFTInv_CCSToR_64f (const Kel64f* src, Kel64f* dst, const KelsFftPlan_64f* plan, Kel8u*) { return real_transform<plan_R_64f>(src, dst, plan, inverse<Layout::ccs, Kel64f>); }
+}
+// clang-format on
