@@ -118,6 +118,41 @@ template <auto Index, class V>
     (std::make_integer_sequence<int, lanes<V>>{});
 }
 
+/// Lanes converted to another element type, rounded in the caller's mode.
+template <class To, class V>
+[[gnu::always_inline]] inline Vec<To, lanes<V>> convert(V a) {
+    if constexpr (lanes<V> == 1)
+        return static_cast<To>(a);
+    else
+        return __builtin_convertvector(a, Vec<To, lanes<V>>);
+}
+
+/// Sum of the lanes, halves onto halves.
+template <class V>
+[[gnu::always_inline]] inline Element<V> sum_of_lanes(V a) {
+    if constexpr (lanes<V> == 1) {
+        return a;
+    } else {
+        using Half = Vec<Element<V>, lanes<V> / 2>;
+        Half half[2];
+        std::memcpy(half, &a, sizeof a);
+        return sum_of_lanes<Half>(half[0] + half[1]);
+    }
+}
+
+/// Whether any lane of a comparison holds.
+template <class M>
+[[gnu::always_inline]] inline bool any_lane(M mask) {
+    if constexpr (std::is_arithmetic_v<M>) {
+        return mask != 0;
+    } else {
+        Element<M> lane[lanes<M>], all = 0;
+        std::memcpy(lane, &mask, sizeof mask);
+        for (Element<M> one : lane) all |= one;
+        return all != 0;
+    }
+}
+
 template <class V>
 [[gnu::always_inline]] inline V reverse(V a) {
     if constexpr (lanes<V> == 1)

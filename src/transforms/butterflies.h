@@ -2,7 +2,7 @@
 // one complex vector per point.
 #pragma once
 
-#include "transforms/complex_vector.h"
+#include "frame/complex_vector.h"
 
 namespace kels {
 

@@ -8,7 +8,7 @@
 // Bins k and n - k are handled together, a vector of each at a time; the last vector meets bin n/2, its own partner.
 #pragma once
 
-#include "transforms/complex_vector.h"
+#include "frame/complex_vector.h"
 #include "transforms/fft_passes.h"
 #include "transforms/fft_plan.h"
 
