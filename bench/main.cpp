@@ -1,0 +1,70 @@
+// kels-bench [family] [benchmark flags]: measures this library and the installed peers in one run.
+#include "harness.h"
+#include "summary.h"
+
+#include "kels.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+
+namespace bench {
+namespace {
+
+// Other work on the machine comes and goes: contenders take turns, in short pieces, and the best piece of each counts.
+constexpr const char* default_flags[] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=9",
+                                         "--benchmark_min_time=0.01"};
+
+std::set<std::string> families() {
+    std::set<std::string> names;
+    for (const Entry& entry : entries()) names.insert(entry.work.family);
+    return names;
+}
+
+std::string joined(const auto& texts) {
+    std::string all;
+    for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
+    return all;
+}
+
+/// The family that the first argument names, which is taken away then; empty for all of them.
+std::string take_family(std::vector<char*>& arguments) {
+    if (arguments.size() < 2 || arguments[1][0] == '-') return "";
+    const std::string family = arguments[1];
+    arguments.erase(arguments.begin() + 1);
+    if (family == "all") return "";
+    if (families().contains(family)) return family;
+    std::fprintf(stderr, "kels-bench: there is no family '%s'; there are: %s\n", family.c_str(),
+                 joined(families()).c_str());
+    std::exit(EXIT_FAILURE);
+}
+
+void print_heading() {
+    Dl_info object{};
+    dladdr(reinterpret_cast<const void*>(&kelGetStatusString), &object);
+    std::printf("Measuring  %s\n", object.dli_fname);
+    std::printf("Beside     %s\n", joined(peers()).c_str());
+    if (*KELS_BENCH_MISSING) std::printf("Missing    %s\n", KELS_BENCH_MISSING);
+    std::fflush(stdout);
+}
+
+int run(std::vector<char*> arguments) {
+    const std::string family = take_family(arguments);
+    // Flags that the user gives come after these, and win.
+    for (const char* flag : default_flags) arguments.insert(arguments.begin() + 1, const_cast<char*>(flag));
+    int count = int(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return EXIT_FAILURE;
+    if (!family.empty()) benchmark::SetBenchmarkFilter('^' + family + "/.*" + benchmark::GetBenchmarkFilter());
+    print_heading();
+    Summary summary;
+    return benchmark::RunSpecifiedBenchmarks(&summary) > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+} // namespace bench
+
+int main(int argc, char** argv) { return bench::run({argv, argv + argc}); }

@@ -1,0 +1,67 @@
+// VOLK: vector kernels, and filters as one dot product an output. Its names are variables that hold the kernel chosen
+// at the first call, so they are called by name and never passed on.
+#include "fir.h"
+#include "vectors.h"
+
+#include <volk/constants.h>
+#include <volk/volk.h>
+
+#include <algorithm>
+#include <complex>
+#include <string>
+
+namespace bench {
+namespace {
+
+using Complex = std::complex<float>;
+
+template <class Call>
+void vectors(const char* function, Call call) {
+    contend_vectors("movement", function, "volk", call);
+}
+
+void movement() {
+    vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
+        volk_16ic_deinterleave_real_16i(re, reinterpret_cast<const lv_16sc_t*>(z), unsigned(n));
+    });
+    vectors("kelsReal_32fc", [](const Complex* z, float* re, int n) { volk_32fc_deinterleave_real_32f(re, z, n); });
+    vectors("kelsImag_32fc", [](const Complex* z, float* im, int n) { volk_32fc_deinterleave_imag_32f(im, z, n); });
+    vectors("kelsCplxToReal_32fc", [](const Complex* z, float* re, float* im, int n) {
+        volk_32fc_deinterleave_32f_x2(re, im, z, unsigned(n));
+    });
+    vectors("kelsRealToCplx_32f", [](const float* re, const float* im, Complex* z, int n) {
+        volk_32f_x2_interleave_32fc(z, re, im, unsigned(n));
+    });
+    vectors("kelsConj_32fc",
+            [](const Complex* z, Complex* conjugate, int n) { volk_32fc_conjugate_32fc(conjugate, z, unsigned(n)); });
+}
+
+/// A block behind the history of the last one, and a dot product of it with the reversed taps for every output.
+template <class Sample, class DotProduct>
+void filter(const char* function, DotProduct dot_product) {
+    contend_fir<Sample>(function, "volk", [=](int taps, int block) {
+        return [=, reversed = noise<Sample>(taps), stream = zeros<Sample>(taps - 1 + block),
+                source = noise<Sample>(block), result = zeros<Sample>(block)] {
+            std::copy_n(source.get(), block, &stream[taps - 1]);
+            for (int n = 0; n < block; ++n) dot_product(&result[n], &stream[n], reversed.get(), unsigned(taps));
+            std::copy_n(&stream[block], taps - 1, stream.get());
+        };
+    });
+}
+
+const std::string version = std::string("VOLK ") + volk_version();
+
+const Registration volk(
+    [] {
+        movement();
+        filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {
+            volk_32f_x2_dot_prod_32f(sum, a, b, n);
+        });
+        filter<Complex>("kelsFIR_32fc", [](Complex* sum, const Complex* a, const Complex* b, unsigned n) {
+            volk_32fc_x2_dot_prod_32fc(sum, a, b, n);
+        });
+    },
+    version.c_str());
+
+} // namespace
+} // namespace bench
