@@ -3,7 +3,7 @@
 # failing exit status and no file.
 #   test_demo.sh <path of kels-demo>
 set -u
-demo=$1
+demo=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
