@@ -152,9 +152,12 @@ typename Family::Sample filter_window(const FirContext<Family>& context) {
         for (; i + parallel <= L; i += parallel)
             for (int lane = 0; lane < parallel; ++lane) add(lane, i + lane);
         for (int lane = 0; i < L; ++i, ++lane) add(lane, i);
-        using V = Vec<Kel64f, parallel>;
-        return {static_cast<Component<Sample>>(sum_of_lanes(load<V>(re))),
-                static_cast<Component<Sample>>(sum_of_lanes(load<V>(im)))};
+        for (int half = parallel / 2; half > 0; half /= 2)
+            for (int lane = 0; lane < half; ++lane) {
+                re[lane] += re[lane + half];
+                im[lane] += im[lane + half];
+            }
+        return {static_cast<Component<Sample>>(re[0]), static_cast<Component<Sample>>(im[0])};
     } else {
         using V = Vec<Kel64f>;
         using In = Vec<Sample, lanes<V>>;

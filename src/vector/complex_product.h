@@ -20,12 +20,13 @@ inline void multiply_complex(const Kel32fc* a, const Kel32fc* b, Kel32fc* d, int
     });
 }
 
-/// a b + c d, to two units in the last place unless a product leaves the range.
-template <class V>
-[[gnu::always_inline]] inline V sum_of_products(V a, V b, V c, V d) {
+/// a b + c d, to two units in the last place. Lanes are marked `outside` where recovered errors may have been out of
+/// range: after an overflow on the way, or where result and products are so small that the errors underflow.
+template <class V, class Mask>
+[[gnu::always_inline]] inline V sum_of_products(V a, V b, V c, V d, Mask& outside) {
+    const V q = c * d;
 #if defined(__FMA__)
-    const V w = c * d;
-    return fma(a, b, w) + fma(c, d, -w);
+    const V sum = fma(a, b, q) - fma(-c, d, q); // so written, a sum of negative zeros stays one
 #else
     const auto product_error = [](V x, V y, V p) KELS_INLINE {
         const V half_width = splat<V>(134217729); // 2^27 + 1: splits a double into two halves
@@ -33,40 +34,42 @@ template <class V>
         const V xh = s - (s - x), yh = t - (t - y), xl = x - xh, yl = y - yh;
         return xl * yl - (((p - xh * yh) - xl * yh) - xh * yl);
     };
-    const V p = a * b, q = c * d;
-    return (p + q) + (product_error(a, b, p) + product_error(c, d, q));
+    const V p = a * b, rounded = p + q, error = product_error(a, b, p) + product_error(c, d, q);
+    const V sum = error == 0 ? rounded : rounded + error; // a sum of negative zeros stays one
 #endif
-}
-
-/// Lanes whose recovered errors may have been out of range: overflow on the way, or products so small that their halves
-/// underflow.
-template <class V>
-[[gnu::always_inline]] inline auto out_of_range(V x) {
-    const V size = x < 0 ? -x : x;
     const V most = splat<V>(0x1.fffffffffffffp1023), tiny = splat<V>(0x1p-900);
-    return (size > most) | (size != size) | ((size < tiny) & (size != 0));
+    const V size = sum < 0 ? -sum : sum, product_size = q < 0 ? -q : q;
+    outside = outside | (size > most) | (size != size) | ((size < tiny) & (product_size < tiny));
+    return sum;
 }
 
-[[gnu::noinline]] inline Kel64fc multiply_extended(Kel64fc a, Kel64fc b) {
+/// One element in extended precision; silence needs none.
+inline Kel64fc multiply_extended(Kel64fc a, Kel64fc b) {
+    if ((a.re == 0 && a.im == 0) || (b.re == 0 && b.im == 0))
+        return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
     const long double ar = a.re, ai = a.im, br = b.re, bi = b.im;
     return {static_cast<Kel64f>(ar * br - ai * bi), static_cast<Kel64f>(ar * bi + ai * br)};
+}
+
+[[gnu::noinline]] inline void multiply_extended(const Kel64fc* a, const Kel64fc* b, Kel64fc* d, int len) {
+    for (int i = 0; i < len; ++i) d[i] = multiply_extended(a[i], b[i]);
 }
 
 /// `Vectors` vectors of products; one look at the range serves them all.
 template <class V, int Vectors>
 [[gnu::always_inline]] inline void multiply_block(const Kel64fc* a, const Kel64fc* b, Kel64fc* d) {
     Complex<V> product[Vectors];
-    decltype(out_of_range(V{})) outside{};
+    decltype(V{} < V{}) none{};
+    auto outside = none | none;
     unrolled<Vectors>([&](auto v) KELS_INLINE {
         const Complex<V> x = load_interleaved<V>(&a[v * lanes<V>].re), y = load_interleaved<V>(&b[v * lanes<V>].re);
-        product[v] = {sum_of_products(x.re, y.re, -x.im, y.im), sum_of_products(x.re, y.im, x.im, y.re)};
-        outside = outside | out_of_range(product[v].re) | out_of_range(product[v].im);
+        product[v] = {sum_of_products(x.re, y.re, -x.im, y.im, outside),
+                      sum_of_products(x.re, y.im, x.im, y.re, outside)};
     });
-    if (any_lane(outside)) [[unlikely]] {
-        for (int i = 0; i < Vectors * lanes<V>; ++i) d[i] = multiply_extended(a[i], b[i]);
-        return;
-    }
-    unrolled<Vectors>([&](auto v) KELS_INLINE { store_interleaved<V>(&d[v * lanes<V>].re, product[v]); });
+    if (any_lane(outside)) [[unlikely]]
+        multiply_extended(a, b, d, Vectors * lanes<V>);
+    else
+        unrolled<Vectors>([&](auto v) KELS_INLINE { store_interleaved<V>(&d[v * lanes<V>].re, product[v]); });
 }
 
 inline void multiply_complex(const Kel64fc* a, const Kel64fc* b, Kel64fc* d, int len) {
