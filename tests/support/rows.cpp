@@ -1,0 +1,555 @@
+#include "support/rows.h"
+
+#include "support/control_state.h"
+#include "support/guarded_memory.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <dlfcn.h>
+
+namespace kels_test {
+namespace {
+
+using testing::AssertionFailure;
+using testing::AssertionResult;
+using testing::AssertionSuccess;
+
+constexpr int vector_bytes = 64;
+constexpr int longest = 1 << 16;
+constexpr std::size_t margin = 2 * vector_bytes;
+
+// Comparison
+
+std::uint64_t part_bits(const std::byte* p, int size) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, p, static_cast<std::size_t>(size));
+    return bits;
+}
+
+double as_double(Kind kind, std::uint64_t bits) {
+    return kind == Kind::f32 ? std::bit_cast<float>(static_cast<std::uint32_t>(bits)) : std::bit_cast<double>(bits);
+}
+
+/// Units in the last place between two values of one sign; a NaN is as good as any other.
+double ulps_between(Kind kind, std::uint64_t a, std::uint64_t b) {
+    const double x = as_double(kind, a), y = as_double(kind, b);
+    if (std::isnan(x) && std::isnan(y)) return 0;
+    if (std::isnan(x) || std::isnan(y) || std::signbit(x) != std::signbit(y)) return HUGE_VAL;
+    return static_cast<double>(a > b ? a - b : b - a);
+}
+
+std::string print_part(Kind kind, std::uint64_t bits, int size) {
+    char text[64];
+    if (kind == Kind::f32 || kind == Kind::f64)
+        std::snprintf(text, sizeof text, "%.17g (0x%0*llx)", as_double(kind, bits), 2 * size,
+                      static_cast<unsigned long long>(bits));
+    else if (kind == Kind::u8 || kind == Kind::u16 || kind == Kind::u32)
+        std::snprintf(text, sizeof text, "%llu", static_cast<unsigned long long>(bits));
+    else
+        std::snprintf(text, sizeof text, "%lld", static_cast<long long>(bits << (64 - 8 * size)) >> (64 - 8 * size));
+    return text;
+}
+
+std::string print(Type type, const std::byte* p) {
+    std::string text;
+    for (int part = 0; part < type.parts; ++part) {
+        if (part > 0) text += ", ";
+        text += print_part(type.kind, part_bits(p + part * type.part_size(), type.part_size()), type.part_size());
+    }
+    return type.parts == 1 ? text : text.insert(0, "(").append(")");
+}
+
+/// How the results of a row differed from its reference.
+struct Tally {
+    std::size_t compared = 0;
+    std::size_t other_bits = 0;
+};
+
+bool matches(Type type, int tolerance, const std::byte* got, const std::byte* want, Tally& tally) {
+    const bool is_float = type.kind == Kind::f32 || type.kind == Kind::f64;
+    for (int part = 0; part < type.parts; ++part, got += type.part_size(), want += type.part_size()) {
+        const std::uint64_t a = part_bits(got, type.part_size()), b = part_bits(want, type.part_size());
+        ++tally.compared;
+        if (a == b) continue;
+        if (!is_float || tolerance == Row::every_bit) return false;
+        const double distance = ulps_between(type.kind, a, b);
+        if (distance > tolerance) return false;
+        tally.other_bits += distance > 0;
+    }
+    return true;
+}
+
+/// What fills every byte that a call may not touch.
+const std::byte* noise() {
+    static const std::vector<std::byte> bytes = [] {
+        Random random("noise");
+        std::vector<std::byte> b(longest * sizeof(Kel64fc) + 2 * margin);
+        for (std::byte& x : b) x = static_cast<std::byte>(random.bits());
+        return b;
+    }();
+    return bytes.data();
+}
+
+GuardedMemory& guarded_memory(std::size_t argument) {
+    static std::unique_ptr<GuardedMemory> memory[8];
+    auto& m = memory[argument];
+    if (!m) m = std::make_unique<GuardedMemory>(longest * sizeof(Kel64fc) + 4 * margin);
+    return *m;
+}
+
+// One call of a row
+
+/// Where the arrays of a call stand.
+struct Placement {
+    enum { at_end, at_start, shifted } where = shifted;
+    int offset = 0;
+};
+
+std::ostream& operator<<(std::ostream& out, const Placement& p) {
+    if (p.where == Placement::at_end) return out << "arrays before an unmapped page";
+    if (p.where == Placement::at_start) return out << "arrays behind an unmapped page";
+    return out << "offset " << p.offset;
+}
+
+struct Slot {
+    Argument argument;
+    std::size_t bytes = 0;
+    std::vector<std::byte> found;    // inputs, values and the length, before the call
+    std::vector<std::byte> expected; // outputs after it
+    std::byte* place = nullptr;
+    std::byte* lowest = nullptr; // what is watched around it
+    std::byte* highest = nullptr;
+};
+
+/// Arguments of one call, what it should store, and the call itself at any place.
+class Call {
+public:
+    Call(const Row& tested, int len, Random& random) : row(tested), length(len), slots(tested.arguments.size()) {
+        for (std::size_t i = 0; i < slots.size(); ++i) {
+            slots[i].argument = row.arguments[i];
+            draw(i, random);
+        }
+    }
+
+    /// Replaces the input by every value of its type, or the inputs by every pair of bytes.
+    void sweep() {
+        int shift = 0;
+        for (Slot& s : slots) {
+            if (!s.argument.is_input()) continue;
+            const int size = s.argument.type.size;
+            for (int i = 0; i < length; ++i) {
+                const int value = i >> shift;
+                std::memcpy(&s.found[static_cast<std::size_t>(i * size)], &value, static_cast<std::size_t>(size));
+            }
+            shift += 8;
+        }
+    }
+
+    /// Sets a value argument.
+    void set(std::size_t argument, double value) {
+        put_number(slots[argument].argument.type, slots[argument].found.data(), value);
+    }
+
+    void expect() {
+        std::vector<void*> in, out;
+        for (Slot& s : slots) {
+            in.push_back(s.found.data());
+            out.push_back(s.expected.data());
+        }
+        expected_status = row.reference({in.data(), out.data(), length});
+    }
+
+    /// Calls at the place and holds what was stored against what is expected.
+    AssertionResult run(const Placement& at, Tally& tally) {
+        place_all(at);
+        const AssertionResult called = call(expected_status, addresses());
+        return called ? check_all(tally) << at : called;
+    }
+
+    AssertionResult run(const Placement& at) {
+        Tally unused;
+        return run(at, unused);
+    }
+
+    /// Calls under other modes; they may change results, unless `same_results`.
+    AssertionResult run_under(const ControlState& modes, bool same_results) {
+        place_all({});
+        const AssertionResult called = call(expected_status, addresses(), &modes);
+        Tally unused;
+        return called && same_results ? check_all(unused) << "under other control words" : called;
+    }
+
+    /// Calls with the output at the place of an input.
+    AssertionResult run_aliased(std::size_t input, std::size_t output) {
+        place_all({});
+        slots[output].place = slots[input].place;
+        const AssertionResult called = call(expected_status, addresses());
+        Tally unused;
+        return called ? check_values(output, unused) << "in place" : called;
+    }
+
+    /// Calls with one pointer null (or none, with no such argument) or a bad length; nothing may be stored.
+    AssertionResult run_bad(std::size_t null_argument, int len, KelStatus status, const ControlState* modes = nullptr) {
+        place_all({});
+        std::vector<void*> a = addresses();
+        if (null_argument < a.size()) a[null_argument] = nullptr;
+        for (std::size_t i = 0; i < slots.size(); ++i)
+            if (slots[i].argument.role == Role::length) a[i] = &len;
+        AssertionResult called = call(status, a, modes);
+        for (const Slot& s : slots)
+            if (called && s.argument.is_pointer() && !untouched(s)) called = AssertionFailure() << "stored; ";
+        if (null_argument < a.size()) called << "argument " << null_argument << " null, ";
+        return called << "length argument " << len;
+    }
+
+    /// From now on expects what has just been stored, to the last bit.
+    void expect_stored() {
+        for (Slot& s : slots)
+            if (s.argument.is_output()) s.expected.assign(s.place, s.place + s.bytes);
+        tolerance = Row::every_bit;
+    }
+
+    /// Takes over inputs, values and expected outputs of another call, each in their order.
+    void take(const Call& other) {
+        take(other, &Argument::is_input, &Slot::found);
+        take(other, &Argument::is_value, &Slot::found);
+        take(other, &Argument::is_output, &Slot::expected);
+        expected_status = other.expected_status;
+        tolerance = other.tolerance;
+    }
+
+private:
+    const Row& row;
+    int length;
+    int tolerance = row.tolerance;
+    KelStatus expected_status = kelStatusOk;
+    std::vector<Slot> slots;
+
+    void draw(std::size_t i, Random& random) {
+        Slot& s = slots[i];
+        const std::size_t count = s.argument.is_pointer() && s.argument.role != Role::result ? length : 1;
+        s.bytes = count * s.argument.type.size;
+        if (s.argument.is_output()) s.expected.resize(s.bytes);
+        if (s.argument.role == Role::length) {
+            s.found.resize(sizeof length);
+            std::memcpy(s.found.data(), &length, sizeof length);
+        } else if (s.argument.role != Role::destination && s.argument.role != Role::result) {
+            s.found.resize(s.bytes);
+            fill_random(random, s.argument.type, s.found.data(), count, row.low, row.high);
+        }
+    }
+
+    std::vector<void*> addresses() {
+        std::vector<void*> a;
+        for (Slot& s : slots) a.push_back(s.argument.is_pointer() ? s.place : s.found.data());
+        return a;
+    }
+
+    void place_all(const Placement& at) {
+        for (std::size_t i = 0; i < slots.size(); ++i)
+            if (slots[i].argument.is_pointer()) place_one(slots[i], guarded_memory(i), at, static_cast<int>(i));
+    }
+
+    // Shifted arrays of one call stand at different offsets.
+    static void place_one(Slot& s, const GuardedMemory& memory, const Placement& at, int index) {
+        switch (at.where) {
+        case Placement::at_end:
+            s.place = memory.end() - s.bytes;
+            break;
+        case Placement::at_start:
+            s.place = memory.begin();
+            break;
+        case Placement::shifted:
+            s.place = memory.begin() + margin + at.offset * (2 * index + 1) % vector_bytes;
+        }
+        s.lowest = std::max(s.place - margin, memory.begin());
+        s.highest = std::min(s.place + s.bytes + margin, memory.end());
+        std::memcpy(s.lowest, noise(), static_cast<std::size_t>(s.highest - s.lowest));
+        if (s.argument.is_input()) std::memcpy(s.place, s.found.data(), s.bytes);
+    }
+
+    AssertionResult call(KelStatus wanted, const std::vector<void*>& a, const ControlState* modes = nullptr) {
+        KelStatus status = kelStatusOk;
+        ControlState after;
+        const ControlState before = ControlState::current();
+        const ControlState set = modes ? *modes : before;
+        const bool survived = runs_without_fault([&] {
+            set.load();
+            status = row.call(row.function, a.data());
+            after = ControlState::current();
+            before.load();
+        });
+        before.load();
+        if (!survived) return AssertionFailure() << "touched memory beyond its arrays; " << describe();
+        if (status != wanted)
+            return AssertionFailure() << "status " << status << " instead of " << wanted << "; " << describe();
+        if (!after.same_modes(set)) return AssertionFailure() << "left other control words; " << describe();
+        return AssertionSuccess();
+    }
+
+    std::string describe() const { return "length " + std::to_string(length) + ", "; }
+
+    static bool margins_untouched(const Slot& s) {
+        const auto below = static_cast<std::size_t>(s.place - s.lowest);
+        const std::byte* behind = s.place + s.bytes;
+        return std::memcmp(s.lowest, noise(), below) == 0 &&
+               std::memcmp(behind, noise() + below + s.bytes, static_cast<std::size_t>(s.highest - behind)) == 0;
+    }
+
+    static bool untouched(const Slot& s) {
+        const std::byte* inside = s.argument.is_input() ? s.found.data() : noise() + (s.place - s.lowest);
+        return margins_untouched(s) && std::memcmp(s.place, inside, s.bytes) == 0;
+    }
+
+    AssertionResult check_all(Tally& tally) const {
+        for (std::size_t i = 0; i < slots.size(); ++i) {
+            const Slot& s = slots[i];
+            if (!s.argument.is_pointer()) continue;
+            const bool clean = s.argument.role == Role::source ? untouched(s) : margins_untouched(s);
+            if (!clean) return AssertionFailure() << "stored in or around argument " << i << "; " << describe();
+            if (!s.argument.is_output()) continue;
+            if (AssertionResult good = check_values(i, tally); !good) return good;
+        }
+        return AssertionSuccess();
+    }
+
+    AssertionResult check_values(std::size_t i, Tally& tally) const {
+        const Slot& s = slots[i];
+        const Type type = s.argument.type;
+        for (std::size_t at = 0; at < s.bytes; at += type.size)
+            if (!matches(type, tolerance, s.place + at, &s.expected[at], tally))
+                return AssertionFailure() << "argument " << i << ", element " << at / type.size << ": "
+                                          << print(type, s.place + at) << " instead of " << print(type, &s.expected[at])
+                                          << operands(at / type.size) << "; " << describe();
+        return AssertionSuccess();
+    }
+
+    std::string operands(std::size_t element) const {
+        std::string text = " from";
+        for (const Slot& s : slots) {
+            if (s.argument.is_input()) text += " " + print(s.argument.type, &s.found[element * s.argument.type.size]);
+            if (s.argument.is_value()) text += " value " + print(s.argument.type, s.found.data());
+        }
+        return text;
+    }
+
+    void take(const Call& other, bool (Argument::*pick)() const, std::vector<std::byte> Slot::*what) {
+        auto from = other.slots.begin();
+        for (Slot& s : slots) {
+            if (!(s.argument.*pick)()) continue;
+            while (!(from->argument.*pick)()) ++from;
+            s.*what = *from++.*what;
+        }
+    }
+};
+
+// Value arguments
+
+constexpr double scale_factors[] = {0, 1, 2, 7, 15, 16, 31, 33, 70, -1, -3, -9, -31, -40, INT_MAX, INT_MIN};
+
+bool is_scaled(const Row& row) { return std::string_view(row.name).ends_with("Sfs"); }
+
+std::vector<std::size_t> value_positions(const Row& row) {
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < row.arguments.size(); ++i)
+        if (row.arguments[i].is_value()) found.push_back(i);
+    return found;
+}
+
+int scale_position(const Row& row) { return is_scaled(row) ? static_cast<int>(row.arguments.size()) - 1 : -1; }
+
+/// How many draws it takes to see every kind of value.
+int draws(const Row& row) {
+    if (is_scaled(row)) return static_cast<int>(std::size(scale_factors));
+    return value_positions(row).empty() ? 2 : 12;
+}
+
+/// A call with drawn inputs, the k-th scale factor and values that the row allows. The reference has not run yet.
+Call drawn(const Row& row, int len, int k, Random& random) {
+    Call call(row, len, random);
+    const auto values = value_positions(row);
+    for (std::size_t v = 0; v < values.size(); ++v) {
+        const auto& choice = row.choices[std::min<std::size_t>(v, 2)];
+        if (v < 3 && choice.count > 0)
+            call.set(values[v], choice.items[(k + random.below(2)) % choice.count]);
+        else if (static_cast<int>(values[v]) == scale_position(row))
+            call.set(values[v], scale_factors[k % std::size(scale_factors)]);
+    }
+    return call;
+}
+
+// The tests
+
+std::vector<Type> input_types(const Row& row) {
+    std::vector<Type> types;
+    for (const Argument& a : row.arguments)
+        if (a.is_input()) types.push_back(a.type);
+    return types;
+}
+
+/// True if every input there can be fits in one call.
+bool can_sweep(const Row& row) {
+    const auto types = input_types(row);
+    if (row.form == Form::reduction || types.empty()) return false;
+    return types.size() == 1 ? types[0].size <= 2 : types.size() == 2 && types[0].size == 1 && types[1].size == 1;
+}
+
+void matches_reference(const Row& row) {
+    Random random(row.name);
+    Tally tally;
+    for (int len : {1, 2, 7, 33, 256, 1000, 4099}) {
+        if (len < row.shortest_length) continue;
+        for (int k = 0; k < draws(row); ++k) {
+            Call call = drawn(row, len, k, random);
+            call.expect();
+            ASSERT_TRUE(call.run({}, tally));
+        }
+    }
+    for (int k = 0; can_sweep(row) && k < draws(row); ++k) {
+        Call call = drawn(row, longest, k, random);
+        call.sweep();
+        call.expect();
+        ASSERT_TRUE(call.run({}, tally));
+    }
+    const bool single = std::any_of(row.arguments.begin(), row.arguments.end(),
+                                    [](const Argument& a) { return a.is_output() && a.type.kind == Kind::f32; });
+    if (single) {
+        EXPECT_LE(tally.other_bits, tally.compared / 1000) << "of " << tally.compared << " results";
+    }
+}
+
+bool all_outputs_integer(const Row& row) {
+    return std::none_of(row.arguments.begin(), row.arguments.end(), [](const Argument& a) {
+        return a.is_output() && (a.type.kind == Kind::f32 || a.type.kind == Kind::f64);
+    });
+}
+
+void obeys_frame(const Row& row) {
+    constexpr std::size_t none = ~std::size_t{0};
+    Random random(row.name);
+    Call call = drawn(row, row.shortest_length + 36, 0, random);
+    call.expect();
+    for (int len : {0, -1, INT_MIN, row.shortest_length - 1}) ASSERT_TRUE(call.run_bad(none, len, kelStatusBadSize));
+    for (std::size_t i = 0; i < row.arguments.size(); ++i) {
+        const Argument a = row.arguments[i];
+        if (!a.is_pointer() || (row.takes_null_sources && a.role == Role::source)) continue;
+        ASSERT_TRUE(call.run_bad(i, row.shortest_length + 36, kelStatusNullPtr));
+        ASSERT_TRUE(call.run_bad(i, 0, row.checks_length_first ? kelStatusBadSize : kelStatusNullPtr));
+    }
+    // Whatever modes the caller has set stay set, and integers do not feel them.
+    for (const ControlState& modes : odd_modes) {
+        ASSERT_TRUE(call.run_bad(none, 0, kelStatusBadSize, &modes));
+        ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) && !row.depends_on_rounding));
+    }
+}
+
+void stays_inside(const Row& row) {
+    Random random(row.name);
+    int narrowest = vector_bytes;
+    for (const Argument& a : row.arguments)
+        if (a.is_pointer() && a.role != Role::result) narrowest = std::min<int>(narrowest, a.type.size);
+    const int to = std::max(2 * vector_bytes / narrowest + 1, row.shortest_length + 8);
+    for (int len = row.shortest_length; len <= to; ++len) {
+        Call call = drawn(row, len, len, random);
+        call.expect();
+        ASSERT_TRUE(call.run({Placement::at_end}));
+        ASSERT_TRUE(call.run({Placement::at_start}));
+        for (int offset = 0; offset < vector_bytes; ++offset) ASSERT_TRUE(call.run({Placement::shifted, offset}));
+    }
+}
+
+/// Sources and destinations of a row that may be one array.
+std::vector<std::pair<std::size_t, std::size_t>> aliases(const Row& row) {
+    std::vector<std::pair<std::size_t, std::size_t>> found;
+    if (row.needs_disjoint) return found;
+    for (std::size_t in = 0; in < row.arguments.size(); ++in)
+        for (std::size_t out = 0; out < row.arguments.size(); ++out)
+            if (row.arguments[in].role == Role::source && row.arguments[out].role == Role::destination &&
+                row.arguments[in].type.size == row.arguments[out].type.size)
+                found.emplace_back(in, out);
+    return found;
+}
+
+/// The row that does out of place what this one does in place, if the family has it.
+const Row* partner_of(const Row& row, std::span<const Row> rows) {
+    std::string name = row.name;
+    const std::size_t mark = name.rfind("_I");
+    if (row.form != Form::in_place || mark == std::string::npos) return nullptr;
+    name.erase(mark + (name.ends_with("_ISfs") ? 1 : 0), name.ends_with("_ISfs") ? 1 : 2);
+    for (const Row& other : rows)
+        if (name == other.name) return &other;
+    return nullptr;
+}
+
+void in_place_is_same(const Row& row, const Row* partner) {
+    Random random(row.name);
+    for (int len : {1, 2, 5, 31, 64, 100, 1025}) {
+        if (len < row.shortest_length) continue;
+        for (int k = 0; k < draws(row); ++k) {
+            Call call = drawn(row, len, k, random);
+            call.expect();
+            ASSERT_TRUE(call.run({}));
+            call.expect_stored();
+            for (const auto& [in, out] : aliases(row)) ASSERT_TRUE(call.run_aliased(in, out));
+            if (!partner) continue;
+            Call other(*partner, len, random);
+            other.take(call);
+            ASSERT_TRUE(other.run({})) << partner->name;
+        }
+    }
+}
+
+class RowTest : public testing::Test {
+public:
+    explicit RowTest(std::function<void()> test) : body(std::move(test)) {}
+    void TestBody() override { body(); }
+
+private:
+    std::function<void()> body;
+};
+
+void add(const std::string& suite, const char* name, const Row& row, std::function<void()> body) {
+    testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, row.file, row.line,
+                          [body]() -> testing::Test* { return new RowTest(body); });
+}
+
+} // namespace
+
+const char* exported_name(void (*function)()) {
+    Dl_info info;
+    void* address = reinterpret_cast<void*>(function);
+    if (dladdr(address, &info) == 0 || info.dli_saddr != address) {
+        std::fprintf(stderr, "a row's function is no export of the library\n");
+        std::abort();
+    }
+    return info.dli_sname;
+}
+
+bool add_rows(const char* family, std::span<const Row> rows) {
+    for (const Row& row : rows) {
+        const std::string suite = family + std::string("/").append(row.name);
+        const Row* partner = partner_of(row, rows);
+        add(suite, "matches_reference", row, [&row] { matches_reference(row); });
+        add(suite, "obeys_frame", row, [&row] { obeys_frame(row); });
+        add(suite, "stays_inside", row, [&row] { stays_inside(row); });
+        if (partner || !aliases(row).empty())
+            add(suite, "in_place_is_same", row, [&row, partner] { in_place_is_same(row, partner); });
+    }
+    return true;
+}
+
+} // namespace kels_test
