@@ -3,6 +3,7 @@
 
 #include "kels.h"
 
+#include <complex>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,26 +32,19 @@ template <class T>
 struct Part {
     using type = T;
 };
-template <>
-struct Part<Kel16sc> {
-    using type = Kel16s;
+template <class T>
+requires requires(T z) { z.re; }
+struct Part<T> {
+    using type = decltype(T::re);
 };
-template <>
-struct Part<Kel32sc> {
-    using type = Kel32s;
+template <class T>
+struct Part<std::complex<T>> {
+    using type = T;
 };
-template <>
-struct Part<Kel64sc> {
-    using type = Kel64s;
-};
-template <>
-struct Part<Kel32fc> {
-    using type = Kel32f;
-};
-template <>
-struct Part<Kel64fc> {
-    using type = Kel64f;
-};
+
+/// 2 in a complex type.
+template <class T>
+inline constexpr std::size_t parts = std::is_same_v<T, typename Part<T>::type> ? 1 : 2;
 
 /// The same noise every time: from -1 to 1 in floating point, else of all values.
 template <class T>
@@ -59,7 +53,7 @@ Array<T> noise(std::size_t n) {
     Array<T> array = zeros<T>(n);
     Real* values = reinterpret_cast<Real*>(array.get());
     std::mt19937 random(1);
-    for (std::size_t i = 0; i < n * (sizeof(T) / sizeof(Real)); ++i)
+    for (std::size_t i = 0; i < n * parts<T>; ++i)
         if constexpr (std::is_floating_point_v<Real>)
             values[i] = Real(random() / 2147483648.0 - 1);
         else

@@ -36,7 +36,7 @@ private:
 template <class Real, class Data, class Plan>
 void transform(Transform kind, const Plans<Plan>& plans, KelStatus (*call)(const Data*, Data*, const Plan*, Kel8u*)) {
     for (const int order : orders_of(kind)) {
-        const std::size_t length = values_of(kind, order) / (sizeof(Data) / sizeof(Real));
+        const std::size_t length = values_of(kind, order) / parts<Data>;
         contend(transform_work<Real>(kind, order), ours, [=] {
             const bool in_place = kind == Transform::complex_in_place || kind == Transform::real_in_place;
             return

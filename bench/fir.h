@@ -13,7 +13,7 @@ inline constexpr int fir_blocks[] = {4096, 65536};
 /// whatever a contender does in its place.
 template <class Sample>
 Work fir_work(const char* function, int taps, int block) {
-    constexpr double operations = sizeof(Sample) == sizeof(typename Part<Sample>::type) ? 2 : 8;
+    constexpr double operations = parts<Sample> == 1 ? 2 : 8;
     const std::string size = std::to_string(taps) + " taps";
     const std::string operation = std::string(function) + " on " + std::to_string(block) + " samples";
     return {"fir", operation, size, double(block), operations * taps * block, "GFLOP/s"};

@@ -33,7 +33,7 @@ std::string joined(const auto& texts) {
 /// The family that the first argument names, which is taken away then; empty for all of them.
 std::string take_family(std::vector<char*>& arguments) {
     if (arguments.size() < 2 || arguments[1][0] == '-') return "";
-    const std::string family = arguments[1];
+    std::string family = arguments[1];
     arguments.erase(arguments.begin() + 1);
     if (family == "all") return "";
     if (families().contains(family)) return family;

@@ -24,14 +24,11 @@ std::string quoted(const std::string& text) {
 /// Marks at 1, 2 and 5 times the powers of ten.
 std::string frequency_marks(double low, double high) {
     std::ostringstream marks;
-    for (double decade = 1; decade <= high; decade *= 10)
-        for (const double frequency : {decade, 2 * decade, 5 * decade})
-            if (frequency >= low && frequency <= high) {
+    for (long long decade = 1; double(decade) <= high; decade *= 10)
+        for (const long long frequency : {decade, 2 * decade, 5 * decade})
+            if (double(frequency) >= low && double(frequency) <= high) {
                 marks << (marks.tellp() > 0 ? ", " : "") << '"';
-                if (frequency >= 1000)
-                    marks << frequency / 1000 << "k";
-                else
-                    marks << frequency;
+                marks << (frequency >= 1000 ? frequency / 1000 : frequency) << (frequency >= 1000 ? "k" : "");
                 marks << "\" " << frequency;
             }
     return marks.str();
