@@ -176,8 +176,9 @@ public:
     /// Calls at the place and holds what was stored against what is expected.
     AssertionResult run(const Placement& at, Tally& tally) {
         place_all(at);
-        const AssertionResult called = call(expected_status, addresses());
-        return called ? check_all(tally) << at : called;
+        AssertionResult result = call(expected_status, addresses());
+        if (result) result = check_all(tally);
+        return result ? result : result << at;
     }
 
     AssertionResult run(const Placement& at) {
@@ -190,7 +191,7 @@ public:
         place_all({});
         const AssertionResult called = call(expected_status, addresses(), &modes);
         Tally unused;
-        return called && same_results ? check_all(unused) << "under other control words" : called;
+        return called && same_results ? check_all(unused) : called;
     }
 
     /// Calls with the output at the place of an input.
@@ -199,7 +200,7 @@ public:
         slots[output].place = slots[input].place;
         const AssertionResult called = call(expected_status, addresses());
         Tally unused;
-        return called ? check_values(output, unused) << "in place" : called;
+        return called ? check_values(output, unused) : called;
     }
 
     /// Calls with one pointer null (or none, with no such argument) or a bad length; nothing may be stored.
@@ -212,6 +213,7 @@ public:
         AssertionResult called = call(status, a, modes);
         for (const Slot& s : slots)
             if (called && s.argument.is_pointer() && !untouched(s)) called = AssertionFailure() << "stored; ";
+        if (called) return called;
         if (null_argument < a.size()) called << "argument " << null_argument << " null, ";
         return called << "length argument " << len;
     }
@@ -453,7 +455,8 @@ void obeys_frame(const Row& row) {
     // Whatever modes the caller has set stay set, and integers do not feel them.
     for (const ControlState& modes : odd_modes) {
         ASSERT_TRUE(call.run_bad(none, 0, kelStatusBadSize, &modes));
-        ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) && !row.depends_on_rounding));
+        ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) && !row.depends_on_rounding))
+            << "under other control words";
     }
 }
 
@@ -504,7 +507,8 @@ void in_place_is_same(const Row& row, const Row* partner) {
             call.expect();
             ASSERT_TRUE(call.run({}));
             call.expect_stored();
-            for (const auto& [in, out] : aliases(row)) ASSERT_TRUE(call.run_aliased(in, out));
+            for (const auto& [in, out] : aliases(row))
+                ASSERT_TRUE(call.run_aliased(in, out)) << "in place of argument " << in;
             if (!partner) continue;
             Call other(*partner, len, random);
             other.take(call);
