@@ -43,7 +43,7 @@ typedef struct KelsFftPlan_32f KelsFftPlan_32f; /**< Plan over single-precision 
 typedef struct KelsFftPlan_64f KelsFftPlan_64f; /**< Plan over double-precision data. */
 
 /** @name Making a plan
- *  `C` plans transform complex data, `R` plans real data; `order` counts points of the sequence that is transformed.
+ *  `C` plans transform complex data (`fc` interleaved, `f` two arrays), `R` plans real data; `order` counts points of the sequence that is transformed.
  *
  *  @param ppPlan receives the plan, on success only; it belongs to the caller, who gives it to the matching Free
  *  @param order  0 to 30
@@ -52,7 +52,9 @@ typedef struct KelsFftPlan_64f KelsFftPlan_64f; /**< Plan over double-precision 
  *  @return `kelStatusNullPtr`, `kelStatusBadFftOrder`, `kelStatusBadFftFlag`, `kelStatusNoMemory` or `kelStatusOk`
  *  @{ */
 KELS_API KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_C_32f (KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_C_64f (KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
 /** @} */
@@ -61,7 +63,9 @@ KELS_API KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** ppPlan, int order, 
  *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` (another kind of plan, which stays usable) or `kelStatusOk`
  *  @{ */
 KELS_API KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* pPlan);
+KELS_API KelStatus kelsFFTFree_C_32f (KelsFftPlan_32f* pPlan);
 KELS_API KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* pPlan);
+KELS_API KelStatus kelsFFTFree_C_64f (KelsFftPlan_64f* pPlan);
 KELS_API KelStatus kelsFFTFree_R_32f (KelsFftPlan_32f* pPlan);
 KELS_API KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* pPlan);
 /** @} */
@@ -72,7 +76,9 @@ KELS_API KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* pPlan);
  *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` or `kelStatusOk`
  *  @{ */
 KELS_API KelStatus kelsFFTGetBufSize_C_32fc(const KelsFftPlan_32f* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_C_32f (const KelsFftPlan_32f* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_C_64f (const KelsFftPlan_64f* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_R_32f (const KelsFftPlan_32f* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_R_64f (const KelsFftPlan_64f* pPlan, int* pSize);
 /** @} */
@@ -84,6 +90,16 @@ KELS_API KelStatus kelsFFTFwd_CToC_32fc(const Kel32fc* pSrc, Kel32fc* pDst, cons
 KELS_API KelStatus kelsFFTFwd_CToC_64fc(const Kel64fc* pSrc, Kel64fc* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
 KELS_API KelStatus kelsFFTInv_CToC_32fc(const Kel32fc* pSrc, Kel32fc* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
 KELS_API KelStatus kelsFFTInv_CToC_64fc(const Kel64fc* pSrc, Kel64fc* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+/** @} */
+
+/** @name Complex transforms of two arrays
+ *  The same with real and imaginary parts in arrays of their own, from `C_32f` and `C_64f` plans. Each of the two may be
+ *  in place without the other.
+ *  @{ */
+KELS_API KelStatus kelsFFTFwd_CToC_32f(const Kel32f* pSrcRe, const Kel32f* pSrcIm, Kel32f* pDstRe, Kel32f* pDstIm, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_CToC_64f(const Kel64f* pSrcRe, const Kel64f* pSrcIm, Kel64f* pDstRe, Kel64f* pDstIm, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_32f(const Kel32f* pSrcRe, const Kel32f* pSrcIm, Kel32f* pDstRe, Kel32f* pDstIm, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_64f(const Kel64f* pSrcRe, const Kel64f* pSrcIm, Kel64f* pDstRe, Kel64f* pDstIm, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
 /** @} */
 
 /** @name Real forward transforms

@@ -73,32 +73,32 @@ constexpr int pass_lanes(Radices<R1, Rest...>) {
 }
 
 /// A complex transform of order 0 to 3: one butterfly of scalars.
-template <Mode mode, class T, int N>
-void one_butterfly(const FftPlan<T>& plan, const T* src, T* dst) {
-    using Data = Interleaved<mode, T>;
+template <template <Mode, class> class Layout, Mode mode, class T, int N>
+void one_butterfly(const FftPlan<T>& plan, Points<const T> src, Points<T> dst) {
+    using Data = Layout<mode, T>;
     Complex<T> x[N];
     unrolled<N>([&](auto n) KELS_INLINE { x[n] = Data::read(src, n); });
     butterfly<N>(x);
     unrolled<N>([&](auto k) KELS_INLINE { Data::write(dst, k, x[k], plan.normFactor); });
 }
 
-template <Mode mode, class T>
+template <template <Mode, class> class Layout, Mode mode, class T>
 FftKernel<T> in_cache_kernel(int order) {
     switch (order) {
     case 0:
-        return one_butterfly<mode, T, 1>;
+        return one_butterfly<Layout, mode, T, 1>;
     case 1:
-        return one_butterfly<mode, T, 2>;
+        return one_butterfly<Layout, mode, T, 2>;
     case 2:
-        return one_butterfly<mode, T, 4>;
+        return one_butterfly<Layout, mode, T, 4>;
     case 3:
-        return one_butterfly<mode, T, 8>;
+        return one_butterfly<Layout, mode, T, 8>;
     default:
         return with_radices<T>(
             order, []<int... R>(Radices<R...>)->FftKernel<T> {
-                return [](const FftPlan<T>& plan, const T* src, T* dst) {
-                    Passes<mode, T, pass_lanes<T>(Radices<R...>{}), R...>::run(src, dst, plan.twiddles,
-                                                                               plan.normFactor);
+                return [](const FftPlan<T>& plan, Points<const T> src, Points<T> dst) {
+                    Passes<Layout, mode, T, pass_lanes<T>(Radices<R...>{}), R...>::run(src, dst, plan.twiddles,
+                                                                                       plan.normFactor);
                 };
             });
     }

@@ -11,37 +11,16 @@
 // Only the first pass shuffles, and it reads all of the source before the last pass writes, so a call in place costs
 // what any other costs. The scratch holds split complex vectors: `V` real parts, then `V` imaginary parts.
 //
-// The inverse transform is the forward one with real and imaginary parts exchanged on both ends.
 #pragma once
 
 #include "transforms/butterflies.h"
+#include "transforms/fft_layouts.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace kels {
-
-/// How a transform meets its data.
-struct Mode {
-    bool inverse; ///< conjugate root
-    bool scaled;  ///< multiply the results by the plan's factor
-};
-
-/// Interleaved complex data of the caller, at any address.
-template <Mode mode, class V>
-struct Interleaved {
-    using T = Element<V>;
-
-    [[gnu::always_inline]] static Complex<V> read(const T* p, std::ptrdiff_t i) {
-        const Complex<V> z = load_interleaved<V>(p + 2 * i);
-        return mode.inverse ? Complex<V>{z.im, z.re} : z;
-    }
-    [[gnu::always_inline]] static void write(T* p, std::ptrdiff_t i, Complex<V> z, T factor) {
-        if constexpr (mode.scaled) z = {z.re * splat<V>(factor), z.im * splat<V>(factor)};
-        store_interleaved<V>(p + 2 * i, mode.inverse ? Complex<V>{z.im, z.re} : z);
-    }
-};
 
 /// One root of unity exp(-2 pi i k / n), rounded once. The angle is folded into the first octant, where sine and cosine
 /// of extended precision lose nothing.
@@ -72,7 +51,8 @@ inline std::size_t pass_table_size(std::initializer_list<int> radices) {
 
 /// Fills the twiddle table in the order in which the passes read it: for the first pass per block of V columns and per
 /// k1 from 1 a vector of real and one of imaginary parts, for every middle pass per column and k one complex number.
-template <class T, int V>
+/// `Data` is the layout, whose lane order the vectors take.
+template <class Data, int V, class T>
 void make_pass_table(T* table, std::initializer_list<int> radices) {
     std::size_t points = 1;
     for (int r : radices) points *= static_cast<std::size_t>(r);
@@ -81,7 +61,7 @@ void make_pass_table(T* table, std::initializer_list<int> radices) {
         for (int k = 1; k < *radices.begin(); ++k, table += 2 * V)
             for (int lane = 0; lane < V; ++lane) {
                 T root[2];
-                const auto n = column + static_cast<std::size_t>(lane_order<Vec<T, V>>(lane));
+                const auto n = column + static_cast<std::size_t>(Data::order(lane));
                 write_root(root, n * static_cast<std::size_t>(k), points);
                 table[lane] = root[0];
                 table[V + lane] = root[1];
@@ -96,7 +76,7 @@ void make_pass_table(T* table, std::initializer_list<int> radices) {
 
 /// Columns `column` to `column + V - 1` of the first pass, from the source to registers.
 template <class In, int R, int V, class T>
-[[gnu::always_inline]] inline void first_butterfly(Complex<Vec<T, V>>* x, const T* src, std::ptrdiff_t columns,
+[[gnu::always_inline]] inline void first_butterfly(Complex<Vec<T, V>>* x, Points<const T> src, std::ptrdiff_t columns,
                                                    std::ptrdiff_t column, const T* table) {
     using Vector = Vec<T, V>;
     unrolled<R>([&](auto u) KELS_INLINE { x[u] = In::read(src, u * columns + column); });
@@ -107,14 +87,14 @@ template <class In, int R, int V, class T>
     });
 }
 
-/// Transposes V values k1 of V columns; row i of the result holds column lane_order(i), its lanes in `lane_order`.
-template <int V, class T>
+/// Transposes V values k1 of V columns; row i of the result holds column order(i), its lanes in the order of `Data`.
+template <class Data, int V, class T>
 [[gnu::always_inline]] inline void transpose_tile(Complex<Vec<T, V>>* x) {
     using Vector = Vec<T, V>;
     Vector re[V], im[V];
     unrolled<V>([&](auto i) KELS_INLINE {
-        re[i] = x[lane_order<Vector>(i)].re;
-        im[i] = x[lane_order<Vector>(i)].im;
+        re[i] = x[Data::order(i)].re;
+        im[i] = x[Data::order(i)].im;
     });
     transpose<Vector>(re);
     transpose<Vector>(im);
@@ -122,16 +102,16 @@ template <int V, class T>
 }
 
 template <class In, int R, int V, class T>
-inline void first_pass(const T* src, T* scratch, std::ptrdiff_t columns, const T* table) {
+inline void first_pass(Points<const T> src, T* scratch, std::ptrdiff_t columns, const T* table) {
     using Vector = Vec<T, V>;
     for (std::ptrdiff_t column = 0; column < columns; column += V) {
         Complex<Vector> x[R];
         first_butterfly<In, R, V>(x, src, columns, column, table);
         table += 2 * V * (R - 1);
         unrolled<R / V>([&](auto group) KELS_INLINE {
-            transpose_tile<V, T>(x + group * V);
+            transpose_tile<In, V, T>(x + group * V);
             unrolled<V>([&](auto i) KELS_INLINE {
-                T* row = scratch + 2 * ((column + lane_order<Vector>(i)) * R + group * V);
+                T* row = scratch + 2 * ((column + In::order(i)) * R + group * V);
                 store(row, x[group * V + i].re);
                 store(row + V, x[group * V + i].im);
             });
@@ -168,7 +148,7 @@ inline void middle_pass(T* scratch, std::ptrdiff_t blocks, std::ptrdiff_t column
 
 /// The last pass: R neighbouring entries of `groups` vectors to outputs `spacing` apart, the first at `position`.
 template <class Out, int R, int V, class T>
-[[gnu::always_inline]] inline void last_butterflies(const T* scratch, T* dst, std::ptrdiff_t position,
+[[gnu::always_inline]] inline void last_butterflies(const T* scratch, Points<T> dst, std::ptrdiff_t position,
                                                     std::ptrdiff_t spacing, std::ptrdiff_t groups, T factor) {
     using Vector = Vec<T, V>;
     for (std::ptrdiff_t group = 0; group < groups; ++group) {
@@ -183,18 +163,18 @@ template <class Out, int R, int V, class T>
 }
 
 /// A whole transform: two passes with one tile in registers when V columns are all there are, else through the scratch.
-template <Mode mode, class T, int V, int R1, int... Rest>
+template <template <Mode, class> class Layout, Mode mode, class T, int V, int R1, int... Rest>
 struct Passes {
     static_assert(R1 % V == 0);
     using Vector = Vec<T, V>;
-    using Data = Interleaved<mode, Vector>;
+    using Data = Layout<mode, Vector>;
 
     static constexpr int columns = (Rest * ...);
     static constexpr int points = R1 * columns;
     static constexpr int groups = R1 / V;
     static_assert(columns % V == 0);
 
-    static void run(const T* src, T* dst, const T* table, T factor) {
+    static void run(Points<const T> src, Points<T> dst, const T* table, T factor) {
         if constexpr (sizeof...(Rest) == 1 && columns == V)
             in_registers(src, dst, table, factor);
         else
@@ -202,13 +182,13 @@ struct Passes {
     }
 
 private:
-    [[gnu::always_inline]] static void in_registers(const T* src, T* dst, const T* table, T factor) {
+    [[gnu::always_inline]] static void in_registers(Points<const T> src, Points<T> dst, const T* table, T factor) {
         Complex<Vector> x[R1];
         first_butterfly<Data, R1, V>(x, src, columns, 0, table);
         unrolled<groups>([&](auto group) KELS_INLINE {
-            transpose_tile<V, T>(x + group * V);
+            transpose_tile<Data, V, T>(x + group * V);
             Complex<Vector> y[V];
-            unrolled<V>([&](auto i) KELS_INLINE { y[lane_order<Vector>(i)] = x[group * V + i]; });
+            unrolled<V>([&](auto i) KELS_INLINE { y[Data::order(i)] = x[group * V + i]; });
             butterfly<V>(y);
             unrolled<V>([&](auto k) KELS_INLINE { x[group * V + k] = y[k]; });
         });
@@ -217,7 +197,7 @@ private:
         });
     }
 
-    static void through_scratch(const T* src, T* dst, const T* table, T factor) {
+    static void through_scratch(Points<const T> src, Points<T> dst, const T* table, T factor) {
         alignas(64) T scratch[2 * points];
         first_pass<Data, R1, V>(src, scratch, columns, table);
         later_passes<columns, 1, Rest...>(scratch, dst, table + 2 * columns * (R1 - 1), factor);
@@ -225,7 +205,7 @@ private:
 
     /// `Left` points remain to transform in each of `Done` blocks.
     template <int Left, int Done, int R, int... More>
-    [[gnu::always_inline]] static void later_passes(T* scratch, T* dst, const T* table, T factor) {
+    [[gnu::always_inline]] static void later_passes(T* scratch, Points<T> dst, const T* table, T factor) {
         if constexpr (sizeof...(More) > 0) {
             constexpr int next = Left / R;
             middle_pass<R, V>(scratch, Done, next, groups, table);

@@ -49,74 +49,73 @@ bool too_large(int order) {
     return (std::size_t{2} * sizeof(T) << order) > std::size_t{INT_MAX};
 }
 
-template <class T>
+template <template <Mode, class> class Layout, class T>
 void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
     with_radices<T>(
         plan.complex_order, [&]<int... R>(Radices<R...> radices) {
+            constexpr int V = pass_lanes<T>(decltype(radices){});
             T* table = space.take<T>(pass_table_size({R...}));
-            if (table) make_pass_table<T, pass_lanes<T>(Radices<R...>{})>(table, {R...});
+            if (table) make_pass_table<Layout<Mode{}, Vec<T, V>>, V>(table, {R...});
             plan.twiddles = table;
-            (void)radices;
         });
 }
 
-template <class T>
-void lay_roots(TableSpace& space, const Kel64f*& roots, int entries_order, std::size_t step, std::size_t points) {
+inline const Kel64f* lay_roots(TableSpace& space, int entries_order, std::size_t step, std::size_t points) {
     const std::size_t entries = std::size_t{1} << entries_order;
     Kel64f* table = space.take<Kel64f>(2 * entries);
     for (std::size_t i = 0; table && i < entries; ++i) write_root(table + 2 * i, i * step, points);
-    roots = table;
+    return table;
 }
 
 template <class T>
 const T* lay_column_table(TableSpace& space, int order) {
-    return with_column_radices(
-        order, [&]<int... R>(Radices<R...>)->const T* {
-            T* table = space.take<T>(column_table_size({R...}));
-            if (table) make_column_table<T>(table, {R...});
-            return table;
-        });
+    return with_column_radices(order, [&](auto radices) -> const T* {
+        T* table = space.take<T>(column_table_size(radices));
+        if (table) make_column_table(table, radices);
+        return table;
+    });
 }
 
-template <class T>
+template <template <Mode, class> class Layout, class T>
 void lay_large(FftPlan<T>& plan, TableSpace& space) {
     const int order = plan.complex_order;
     const LargeShape shape = large_shape(order);
     const std::size_t points = std::size_t{1} << order, rows = std::size_t{1} << shape.outer;
     plan.twiddles = lay_column_table<T>(space, shape.outer);
-    if (shape.middle > 0) plan.middle_twiddles = lay_column_table<T>(space, shape.middle);
-    lay_roots<T>(space, plan.fine_roots, order / 2, 1, points);
-    lay_roots<T>(space, plan.coarse_roots, order - order / 2, std::size_t{1} << (order / 2), points);
+    if (shape.middle > 0)
+        plan.middle_twiddles = lay_column_table<T>(space, shape.last > shape.outer ? shape.last : shape.middle);
+    plan.fine_roots = lay_roots(space, order / 2, 1, points);
+    plan.coarse_roots = lay_roots(space, order - order / 2, std::size_t{1} << (order / 2), points);
 
-    constexpr int V = Strip<T>::lanes_of_vector;
+    constexpr int V = Strip<T>::V;
     T* table = space.take<T>(2 * strip_lanes<T> * rows);
     plan.lane_twiddles = table;
     for (std::size_t k = 0; table && k < rows; ++k)
         for (std::size_t group = 0; group < Strip<T>::groups; ++group, table += 2 * V)
             for (int lane = 0; lane < V; ++lane) {
                 T root[2];
-                const std::size_t n = group * V + static_cast<std::size_t>(lane_order<Vec<T, V>>(lane));
+                const auto n = group * V + static_cast<std::size_t>(Layout<Mode{}, Vec<T, V>>::order(lane));
                 write_root(root, n * k, points);
                 table[lane] = root[0];
                 table[V + lane] = root[1];
             }
 }
 
-/// All tables of a plan whose order and kind are set.
-template <class T>
+/// All tables of a plan whose order is set.
+template <template <Mode, class> class Layout, class T>
 void lay_tables(FftPlan<T>& plan, bool real, TableSpace& space) {
     if (plan.complex_order > top_in_cache_order<T>)
-        lay_large(plan, space);
+        lay_large<Layout>(plan, space);
     else if (plan.complex_order >= first_pass_order)
-        lay_in_cache(plan, space);
+        lay_in_cache<Layout>(plan, space);
     if (real) lay_recombination(plan, space);
 }
 
-template <bool inverse, class T>
+template <template <Mode, class> class Layout, bool inverse, class T>
 FftKernel<T> kernel(int order, bool scaled) {
-    if (order > top_in_cache_order<T>)
-        return scaled ? run_large<Mode{inverse, true}, T> : run_large<Mode{inverse, false}, T>;
-    return scaled ? in_cache_kernel<Mode{inverse, true}, T>(order) : in_cache_kernel<Mode{inverse, false}, T>(order);
+    constexpr Mode as_is{inverse, false}, by_factor{inverse, true};
+    if (order > top_in_cache_order<T>) return scaled ? run_large<Layout, by_factor, T> : run_large<Layout, as_is, T>;
+    return scaled ? in_cache_kernel<Layout, by_factor, T>(order) : in_cache_kernel<Layout, as_is, T>(order);
 }
 
 /// Sets the normalisation that a flag stands for; false for any other value.
@@ -142,8 +141,8 @@ bool normalise(FftPlan<T>& plan, int flag) {
     return true;
 }
 
-template <class Plan, class T>
-struct Delete {
+struct DeletePlan {
+    template <class Plan>
     void operator()(Plan* plan) const {
         plan->planId = 0;
         plan->~Plan();
@@ -151,8 +150,8 @@ struct Delete {
     }
 };
 
-template <PlanId id, class Plan>
-KelStatus make_plan(Plan** result, int order, int flag, int) {
+template <PlanId id, template <Mode, class> class Layout, class Plan>
+KelStatus make_plan(Plan** result, int order, int flag) {
     using T = decltype(Plan::normFactor);
     constexpr bool real = id == plan_R_32f || id == plan_R_64f;
     if (!result) return kelStatusNullPtr;
@@ -160,7 +159,7 @@ KelStatus make_plan(Plan** result, int order, int flag, int) {
 
     void* memory = allocate<Plan>(1);
     if (!memory) return kelStatusNoMemory;
-    std::unique_ptr<Plan, Delete<Plan, T>> plan(new (memory) Plan);
+    std::unique_ptr<Plan, DeletePlan> plan(new (memory) Plan);
     plan->planId = id;
     plan->order = order;
     if (!normalise(*plan, flag)) return kelStatusBadFftFlag;
@@ -170,16 +169,16 @@ KelStatus make_plan(Plan** result, int order, int flag, int) {
     plan->complex_order = real && order > 0 ? order - 1 : order;
     if (too_large<T>(plan->complex_order)) return kelStatusNoMemory;
     plan->workBytes = direct ? 0 : work_bytes<T>(plan->complex_order);
-    plan->forward = kernel<false, T>(plan->complex_order, plan->normFwd != 0);
-    plan->inverse = kernel<true, T>(plan->complex_order, plan->normInv != 0);
+    plan->forward = kernel<Layout, false, T>(plan->complex_order, plan->normFwd != 0);
+    plan->inverse = kernel<Layout, true, T>(plan->complex_order, plan->normInv != 0);
     if (!direct) {
         TableSpace measure(nullptr);
-        lay_tables(*plan, real, measure);
+        lay_tables<Layout>(*plan, real, measure);
         plan->tables = make_owned<Kel8u>(measure.size() + 63);
-        if (!plan->tables) return kelStatusNoMemory;
-        Kel8u* memory_of_tables = plan->tables.get();
-        TableSpace space(memory_of_tables + (64 - reinterpret_cast<std::uintptr_t>(memory_of_tables) % 64) % 64);
-        lay_tables(*plan, real, space);
+        Kel8u* tables = plan->tables.get();
+        if (!tables) return kelStatusNoMemory;
+        TableSpace space(tables + (64 - reinterpret_cast<std::uintptr_t>(tables) % 64) % 64);
+        lay_tables<Layout>(*plan, real, space);
     }
     *result = plan.release();
     return kelStatusOk;
@@ -189,7 +188,7 @@ template <PlanId id, class Plan>
 KelStatus free_plan(Plan* plan) {
     if (!plan) return kelStatusNullPtr;
     if (plan->planId != id) return kelStatusContextMismatch;
-    Delete<Plan, void>{}(plan);
+    DeletePlan{}(plan);
     return kelStatusOk;
 }
 
@@ -208,19 +207,25 @@ using namespace kels;
 
 // clang-format off
 extern "C" {
-KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** plan, int order, int flag, int hint) { return make_plan<plan_C_32fc>(plan, order, flag, hint); }
-KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** plan, int order, int flag, int hint) { return make_plan<plan_C_64fc>(plan, order, flag, hint); }
-KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** plan, int order, int flag, int hint) { return make_plan<plan_R_32f>(plan, order, flag, hint); }
-KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** plan, int order, int flag, int hint) { return make_plan<plan_R_64f>(plan, order, flag, hint); }
+KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32fc, Interleaved>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32f, Split>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_R_32f, Interleaved>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64fc, Interleaved>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64f, Split>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_R_64f, Interleaved>(plan, order, flag); }
 
 KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* plan) { return free_plan<plan_C_32fc>(plan); }
-KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* plan) { return free_plan<plan_C_64fc>(plan); }
+KelStatus kelsFFTFree_C_32f (KelsFftPlan_32f* plan) { return free_plan<plan_C_32f>(plan); }
 KelStatus kelsFFTFree_R_32f (KelsFftPlan_32f* plan) { return free_plan<plan_R_32f>(plan); }
+KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* plan) { return free_plan<plan_C_64fc>(plan); }
+KelStatus kelsFFTFree_C_64f (KelsFftPlan_64f* plan) { return free_plan<plan_C_64f>(plan); }
 KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* plan) { return free_plan<plan_R_64f>(plan); }
 
 KelStatus kelsFFTGetBufSize_C_32fc(const KelsFftPlan_32f* plan, int* size) { return buffer_size<plan_C_32fc>(plan, size); }
-KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_C_64fc>(plan, size); }
+KelStatus kelsFFTGetBufSize_C_32f (const KelsFftPlan_32f* plan, int* size) { return buffer_size<plan_C_32f>(plan, size); }
 KelStatus kelsFFTGetBufSize_R_32f (const KelsFftPlan_32f* plan, int* size) { return buffer_size<plan_R_32f>(plan, size); }
+KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_C_64fc>(plan, size); }
+KelStatus kelsFFTGetBufSize_C_64f (const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_C_64f>(plan, size); }
 KelStatus kelsFFTGetBufSize_R_64f (const KelsFftPlan_64f* plan, int* size) { return buffer_size<plan_R_64f>(plan, size); }
 }
 // clang-format on

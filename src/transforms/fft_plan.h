@@ -3,18 +3,26 @@
 
 #include "frame/memory.h"
 #include "kels/fft.h"
+#include "transforms/fft_layouts.h"
 
 namespace kels {
 
 /// First field of every plan: what it transforms.
-enum PlanId : Kel32s { plan_C_32fc = 4, plan_R_32f = 6, plan_C_64fc = 7, plan_R_64f = 9 };
+enum PlanId : Kel32s {
+    plan_C_32fc = 4,
+    plan_C_32f = 5,
+    plan_R_32f = 6,
+    plan_C_64fc = 7,
+    plan_C_64f = 8,
+    plan_R_64f = 9
+};
 
 /// The complex transform of a plan: any source to any destination, in place too. `factor` scales the results of the
 /// scaled kernels.
 template <class T>
 struct FftPlan;
 template <class T>
-using FftKernel = void (*)(const FftPlan<T>& plan, const T* src, T* dst);
+using FftKernel = void (*)(const FftPlan<T>& plan, Points<const T> src, Points<T> dst);
 
 /// What an FFT reads. The complex transform has order `complex_order`: the plan's own for complex data, one less for
 /// real data, which then recombines the halves.
@@ -39,7 +47,7 @@ struct FftPlan {
 
 /// The complex transform of a plan, in the plan's normalisation.
 template <class T>
-inline void transform(const FftPlan<T>& plan, bool inverse, const T* src, T* dst) {
+inline void transform(const FftPlan<T>& plan, bool inverse, Points<const T> src, Points<T> dst) {
     (inverse ? plan.inverse : plan.forward)(plan, src, dst);
 }
 

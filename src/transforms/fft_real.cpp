@@ -25,7 +25,7 @@ void forward(const FftPlan<T>& plan, const T* src, T* dst) {
         if (layout == Layout::ccs) dst[1] = 0;
         return;
     }
-    transform(plan, false, src, dst);
+    transform<T>(plan, false, interleaved_points(src), interleaved_points(dst));
     const T even = dst[0], odd = dst[1];
     recombine<false>(plan, dst, dst + shift(layout));
     dst[0] = even + odd;
@@ -44,7 +44,7 @@ void inverse(const FftPlan<T>& plan, const T* src, T* dst) {
     recombine<true>(plan, src + shift(layout), dst);
     dst[0] = first + middle;
     dst[1] = first - middle;
-    transform<T>(plan, true, dst, dst);
+    transform<T>(plan, true, interleaved_points<const T>(dst), interleaved_points(dst));
 }
 
 template <PlanId id, class T, class Plan>
