@@ -150,10 +150,10 @@ public:
         int shift = 0;
         for (Slot& s : slots) {
             if (!s.argument.is_input()) continue;
-            const int size = s.argument.type.size;
-            for (int i = 0; i < length; ++i) {
-                const int value = i >> shift;
-                std::memcpy(&s.found[static_cast<std::size_t>(i * size)], &value, static_cast<std::size_t>(size));
+            const std::size_t size = s.argument.type.size;
+            for (std::size_t at = 0; at < s.bytes; at += size) {
+                const std::size_t value = at / size >> shift;
+                std::memcpy(&s.found[at], &value, size);
             }
             shift += 8;
         }
@@ -526,7 +526,7 @@ private:
     std::function<void()> body;
 };
 
-void add(const std::string& suite, const char* name, const Row& row, std::function<void()> body) {
+void add(const std::string& suite, const char* name, const Row& row, const std::function<void()>& body) {
     testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, row.file, row.line,
                           [body]() -> testing::Test* { return new RowTest(body); });
 }
