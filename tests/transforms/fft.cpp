@@ -41,8 +41,10 @@ struct Fft<Kel32f> {
     static constexpr double eps = 0x1p-23;
     static constexpr PlanFunctions<Plan> complex = {kelsFFTInitAlloc_C_32fc, kelsFFTFree_C_32fc,
                                                     kelsFFTGetBufSize_C_32fc};
+    static constexpr PlanFunctions<Plan> split = {kelsFFTInitAlloc_C_32f, kelsFFTFree_C_32f, kelsFFTGetBufSize_C_32f};
     static constexpr PlanFunctions<Plan> real = {kelsFFTInitAlloc_R_32f, kelsFFTFree_R_32f, kelsFFTGetBufSize_R_32f};
     static constexpr auto forward = kelsFFTFwd_CToC_32fc, inverse = kelsFFTInv_CToC_32fc;
+    static constexpr auto split_forward = kelsFFTFwd_CToC_32f, split_inverse = kelsFFTInv_CToC_32f;
     static constexpr Transform to_perm = kelsFFTFwd_RToPerm_32f, to_pack = kelsFFTFwd_RToPack_32f,
                                to_ccs = kelsFFTFwd_RToCCS_32f;
     static constexpr Transform from_perm = kelsFFTInv_PermToR_32f, from_pack = kelsFFTInv_PackToR_32f,
@@ -62,8 +64,10 @@ struct Fft<Kel64f> {
     static constexpr double eps = 0x1p-52;
     static constexpr PlanFunctions<Plan> complex = {kelsFFTInitAlloc_C_64fc, kelsFFTFree_C_64fc,
                                                     kelsFFTGetBufSize_C_64fc};
+    static constexpr PlanFunctions<Plan> split = {kelsFFTInitAlloc_C_64f, kelsFFTFree_C_64f, kelsFFTGetBufSize_C_64f};
     static constexpr PlanFunctions<Plan> real = {kelsFFTInitAlloc_R_64f, kelsFFTFree_R_64f, kelsFFTGetBufSize_R_64f};
     static constexpr auto forward = kelsFFTFwd_CToC_64fc, inverse = kelsFFTInv_CToC_64fc;
+    static constexpr auto split_forward = kelsFFTFwd_CToC_64f, split_inverse = kelsFFTInv_CToC_64f;
     static constexpr Transform to_perm = kelsFFTFwd_RToPerm_64f, to_pack = kelsFFTFwd_RToPack_64f,
                                to_ccs = kelsFFTFwd_RToCCS_64f;
     static constexpr Transform from_perm = kelsFFTInv_PermToR_64f, from_pack = kelsFFTInv_PackToR_64f,
@@ -176,6 +180,43 @@ TYPED_TEST(FftTest, LargeOrdersTurnAnImpulseIntoASpiral) {
             EXPECT_LE(relative_rms(got, wanted), bound(F::eps, order)) << order;
         }
     }
+}
+
+// Two arrays give the bits of one, whichever of them is in place, flush against unmapped pages and at odd addresses.
+TYPED_TEST(FftTest, TwoArraysGiveTheBitsOfOne) {
+    using T = TypeParam;
+    using F = Fft<T>;
+    for (int order = 0; order <= 17; ++order)
+        for (int sign : {-1, 1}) {
+            const std::size_t n = std::size_t{1} << order, bytes = n * sizeof(T);
+            const int flag = flags[static_cast<std::size_t>(order) % 4];
+            const auto interleaved = make<T>(F::complex, order, flag), split = make<T>(F::split, order, flag);
+            const std::vector<T> x = noise<T>(order, 2 * n);
+            std::vector<T> wanted(2 * n);
+            (sign < 0 ? F::forward : F::inverse)(reinterpret_cast<const typename F::Sample*>(x.data()),
+                                                 reinterpret_cast<typename F::Sample*>(wanted.data()),
+                                                 interleaved.get(), nullptr);
+            kels_test::GuardedMemory re(bytes + 1), im(bytes + 1), out_re(bytes + 1), out_im(bytes + 1);
+            for (int form = 0; form < 4; ++form) { // bit 0: real parts in place; bit 1: imaginary parts
+                auto* src_re = reinterpret_cast<T*>(re.end() - bytes - form % 2);
+                auto* src_im = reinterpret_cast<T*>(im.begin() + form / 2);
+                auto* dst_re = form & 1 ? src_re : reinterpret_cast<T*>(out_re.begin() + form / 2);
+                auto* dst_im = form & 2 ? src_im : reinterpret_cast<T*>(out_im.end() - bytes - form % 2);
+                for (std::size_t i = 0; i < n; ++i) {
+                    std::memcpy(static_cast<void*>(src_re + i), &x[2 * i], sizeof(T));
+                    std::memcpy(static_cast<void*>(src_im + i), &x[2 * i + 1], sizeof(T));
+                }
+                ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                    (sign < 0 ? F::split_forward : F::split_inverse)(src_re, src_im, dst_re, dst_im, split.get(),
+                                                                     nullptr);
+                })) << order;
+                bool same = true;
+                for (std::size_t i = 0; i < n; ++i)
+                    same &= std::memcmp(dst_re + i, &wanted[2 * i], sizeof(T)) == 0 &&
+                            std::memcmp(dst_im + i, &wanted[2 * i + 1], sizeof(T)) == 0;
+                EXPECT_TRUE(same) << "order " << order << " form " << form;
+            }
+        }
 }
 
 TYPED_TEST(FftTest, ImpulseShowsExactlyTheFactor) {
@@ -342,6 +383,8 @@ TYPED_TEST(FftTest, PlansReportTheirBuffer) {
         int size = -1;
         EXPECT_EQ(F::complex.buffer_size(make<T>(F::complex, order, kelFftNormInv).get(), &size), kelStatusOk);
         EXPECT_EQ(size, wanted) << "complex order " << order;
+        EXPECT_EQ(F::split.buffer_size(make<T>(F::split, order, kelFftNormInv).get(), &size), kelStatusOk);
+        EXPECT_EQ(size, wanted) << "split order " << order;
         EXPECT_EQ(F::real.buffer_size(make<T>(F::real, order + 1, kelFftNormInv).get(), &size), kelStatusOk);
         EXPECT_EQ(size, wanted) << "real order " << order + 1;
     }
@@ -352,8 +395,8 @@ TYPED_TEST(FftTest, PlansRefuseWhatTheyCannotBe) {
     using F = Fft<T>;
     char elsewhere;
     auto* const untouched = reinterpret_cast<typename F::Plan*>(&elsewhere);
-    for (bool real : {false, true}) {
-        const auto& functions = real ? F::real : F::complex;
+    for (const auto& functions : {F::complex, F::split, F::real}) {
+        const bool real = functions.make == F::real.make;
         EXPECT_EQ(functions.make(nullptr, -1, 3, 0), kelStatusNullPtr);
         const long before = kels_test::live_blocks(), allocations = kels_test::allocations();
         typename F::Plan* plan = untouched;
@@ -394,6 +437,8 @@ TYPED_TEST(FftTest, TransformsRefuseForeignPlans) {
     const auto foreign = make<OtherType>(Other::complex, 4, kelFftNormInv);
     auto* other = reinterpret_cast<typename F::Plan*>(foreign.get());
 
+    const auto split = make<T>(F::split, 4, kelFftNormInv);
+
     std::vector<T> x(34, 1), y(34, 7);
     const auto* src = reinterpret_cast<const typename F::Sample*>(x.data());
     auto* dst = reinterpret_cast<typename F::Sample*>(y.data());
@@ -403,6 +448,16 @@ TYPED_TEST(FftTest, TransformsRefuseForeignPlans) {
         EXPECT_EQ(transform(src, dst, other, nullptr), kelStatusContextMismatch);
         EXPECT_EQ(transform(nullptr, dst, complex.get(), nullptr), kelStatusNullPtr);
         EXPECT_EQ(transform(src, nullptr, complex.get(), nullptr), kelStatusNullPtr);
+    }
+    for (auto transform : {F::split_forward, F::split_inverse}) {
+        const T* in = x.data();
+        T* out = y.data();
+        EXPECT_EQ(transform(in, in, out, out, nullptr, nullptr), kelStatusNullPtr);
+        EXPECT_EQ(transform(nullptr, in, out, out, complex.get(), nullptr), kelStatusContextMismatch);
+        EXPECT_EQ(transform(nullptr, in, out, out, split.get(), nullptr), kelStatusNullPtr);
+        EXPECT_EQ(transform(in, nullptr, out, out, split.get(), nullptr), kelStatusNullPtr);
+        EXPECT_EQ(transform(in, in, nullptr, out, split.get(), nullptr), kelStatusNullPtr);
+        EXPECT_EQ(transform(in, in, out, nullptr, split.get(), nullptr), kelStatusNullPtr);
     }
     for (auto transform : {F::to_perm, F::to_pack, F::to_ccs, F::from_perm, F::from_pack, F::from_ccs}) {
         EXPECT_EQ(transform(x.data(), y.data(), nullptr, nullptr), kelStatusNullPtr);
@@ -416,6 +471,8 @@ TYPED_TEST(FftTest, TransformsRefuseForeignPlans) {
     int size = -7;
     EXPECT_EQ(F::complex.release(real.get()), kelStatusContextMismatch);
     EXPECT_EQ(F::real.release(complex.get()), kelStatusContextMismatch);
+    EXPECT_EQ(F::complex.release(split.get()), kelStatusContextMismatch);
+    EXPECT_EQ(F::split.release(complex.get()), kelStatusContextMismatch);
     EXPECT_EQ(F::real.release(other), kelStatusContextMismatch);
     EXPECT_EQ(F::complex.release(nullptr), kelStatusNullPtr);
     EXPECT_EQ(F::complex.buffer_size(real.get(), &size), kelStatusContextMismatch);
