@@ -133,46 +133,56 @@ void filter_direct(const FirContext<Family>& context, const typename Family::Sam
     }
 }
 
-/// One output from the window, in double precision: sums of lanes, then of the rest.
+/// Sums of a single output, side by side: as many at every level, folded in one order, so that the result does not
+/// depend on the level.
+inline constexpr int parallel_sums = 16;
+
+/// One output from the window, in double precision.
 template <class Family>
 typename Family::Sample filter_window(const FirContext<Family>& context) {
     using Sample = typename Family::Sample;
+    using V = Vec<Kel64f>;
+    constexpr int vectors = parallel_sums / lanes<V>;
     const Sample* x = context.window();
     const Kel64f* h = context.coefficients.get();
     const int L = context.tapsLen;
     if constexpr (is_complex<Sample>) {
-        constexpr int parallel = 8;
-        Kel64f re[parallel] = {}, im[parallel] = {};
+        Kel64f re[parallel_sums] = {}, im[parallel_sums] = {};
         const auto add = [&](int lane, int i) {
             const Kel64f xr = x[i].re, xi = x[i].im, hr = h[i], hi = h[L + i];
             re[lane] = fma(hr, xr, fma(-hi, xi, re[lane]));
             im[lane] = fma(hr, xi, fma(hi, xr, im[lane]));
         };
         int i = 0;
-        for (; i + parallel <= L; i += parallel)
-            for (int lane = 0; lane < parallel; ++lane) add(lane, i + lane);
+        for (; i + parallel_sums <= L; i += parallel_sums)
+            for (int lane = 0; lane < parallel_sums; ++lane) add(lane, i + lane);
         for (int lane = 0; i < L; ++i, ++lane) add(lane, i);
-        for (int half = parallel / 2; half > 0; half /= 2)
+        for (int half = parallel_sums / 2; half > 0; half /= 2)
             for (int lane = 0; lane < half; ++lane) {
                 re[lane] += re[lane + half];
                 im[lane] += im[lane + half];
             }
         return {static_cast<Component<Sample>>(re[0]), static_cast<Component<Sample>>(im[0])};
     } else {
-        using V = Vec<Kel64f>;
-        using In = Vec<Sample, lanes<V>>;
-        V sum[4] = {};
-        int i = 0;
-        for (; i + 4 * lanes<V> <= L; i += 4 * lanes<V>)
-            unrolled<4>([&](auto v) KELS_INLINE {
-                const int at = i + v * lanes<V>;
-                sum[v] = fma(load<V>(h + at), convert<Kel64f>(load<In>(x + at)), sum[v]);
+        V sum[vectors] = {};
+        const auto add = [&](const Sample* samples, const Kel64f* taps) KELS_INLINE {
+            unrolled<vectors>([&](auto v) KELS_INLINE {
+                const auto in = load<Vec<Sample, lanes<V>>>(samples + v * lanes<V>);
+                sum[v] = fma(load<V>(taps + v * lanes<V>), convert<Kel64f>(in), sum[v]);
             });
-        for (; i + lanes<V> <= L; i += lanes<V>) sum[0] = fma(load<V>(h + i), convert<Kel64f>(load<In>(x + i)), sum[0]);
-        Kel64f rest[lanes<V>] = {};
-        for (int lane = 0; i < L; ++i, ++lane) rest[lane] = h[i] * static_cast<Kel64f>(x[i]);
-        const V all = ((sum[0] + sum[1]) + (sum[2] + sum[3])) + load<V>(rest);
-        return static_cast<Sample>(sum_of_lanes(all));
+        };
+        int i = 0;
+        for (; i + parallel_sums <= L; i += parallel_sums) add(x + i, h + i);
+        if (i < L) { // the rest, filled up with silence
+            Sample rest[parallel_sums] = {};
+            Kel64f taps[parallel_sums] = {};
+            std::memcpy(rest, x + i, static_cast<std::size_t>(L - i) * sizeof(Sample));
+            std::memcpy(taps, h + i, static_cast<std::size_t>(L - i) * sizeof(Kel64f));
+            add(rest, taps);
+        }
+        for (int half = vectors / 2; half > 0; half /= 2)
+            for (int v = 0; v < half; ++v) sum[v] = sum[v] + sum[v + half];
+        return static_cast<Sample>(sum_of_lanes(sum[0]));
     }
 }
 

@@ -27,6 +27,12 @@ template <class V>
     return {fma(a.re, b.re, -(a.im * b.im)), fma(a.re, b.im, a.im * b.re)};
 }
 
+/// z times a real factor.
+template <class V>
+[[gnu::always_inline]] inline Complex<V> operator*(Complex<V> z, Element<V> factor) {
+    return {z.re * splat<V>(factor), z.im * splat<V>(factor)};
+}
+
 /// Elements in one 128-bit part of a vector: what the cheap shuffles stay inside.
 template <class V>
 inline constexpr int part = lanes<V> == 1 ? 1 : 16 / static_cast<int>(sizeof(Element<V>));

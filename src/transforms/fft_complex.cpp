@@ -23,7 +23,13 @@ KelStatus interleaved(const Sample* src, Sample* dst, const Plan* plan) {
 
 template <PlanId id, bool inverse, class T, class Plan>
 KelStatus split(const T* src_re, const T* src_im, T* dst_re, T* dst_im, const Plan* plan) {
-    return complex_transform<id, inverse, T>({src_re, src_im}, {dst_re, dst_im}, plan);
+    Points<const T> src = {src_re, src_im};
+    Points<T> dst = {dst_re, dst_im};
+    if (inverse) { // the forward kernel with the parts exchanged
+        src = src.exchanged();
+        dst = dst.exchanged();
+    }
+    return complex_transform<id, inverse>(src, dst, plan);
 }
 
 } // namespace

@@ -1,10 +1,7 @@
-// Transforms that fit the cache: which radices each order takes, and the kernels that a plan names.
+// Transforms that fit the cache: kernels and tables by order.
 #pragma once
 
-#include "transforms/fft_passes.h"
 #include "transforms/fft_plan.h"
-
-#include <numeric>
 
 namespace kels {
 
@@ -12,96 +9,11 @@ namespace kels {
 template <class T>
 inline constexpr int top_in_cache_order = sizeof(T) == 4 ? 13 : 12;
 
-template <int... R>
-using Radices = std::integer_sequence<int, R...>;
+template <class Layout, class T>
+FftKernel<T> in_cache_kernel(int order);
 
-/// Calls f with the radices of an in-cache order. Measured choices: the first radix is at least the widest vector, and
-/// radix 16 pays where registers hold it.
-template <class T, class F>
-auto with_radices(int order, F&& f) {
-    if constexpr (sizeof(T) == 4) {
-        switch (order) {
-        case 4:
-            return f(Radices<4, 4>{});
-        case 5:
-            return f(Radices<8, 4>{});
-        case 6:
-            return f(Radices<8, 8>{});
-        case 7:
-            return f(Radices<16, 8>{});
-        case 8:
-            return f(Radices<16, 16>{});
-        case 9:
-            return f(Radices<16, 4, 8>{});
-        case 10:
-            return f(Radices<16, 8, 8>{});
-        case 11:
-            return f(Radices<16, 8, 16>{});
-        case 12:
-            return f(Radices<16, 4, 8, 8>{});
-        default:
-            return f(Radices<16, 8, 8, 8>{});
-        }
-    } else {
-        switch (order) {
-        case 4:
-            return f(Radices<4, 4>{});
-        case 5:
-            return f(Radices<8, 4>{});
-        case 6:
-            return f(Radices<8, 8>{});
-        case 7:
-            return f(Radices<8, 4, 4>{});
-        case 8:
-            return f(Radices<8, 4, 8>{});
-        case 9:
-            return f(Radices<8, 8, 8>{});
-        case 10:
-            return f(Radices<8, 4, 4, 8>{});
-        case 11:
-            return f(Radices<8, 4, 8, 8>{});
-        default:
-            return f(Radices<8, 8, 8, 8>{});
-        }
-    }
-}
-
-/// Lanes of the passes: as many as the level, the columns and the first radix allow.
-template <class T, int R1, int... Rest>
-constexpr int pass_lanes(Radices<R1, Rest...>) {
-    return std::min(max_lanes<T>, std::gcd(R1, (Rest * ...)));
-}
-
-/// A complex transform of order 0 to 3: one butterfly of scalars.
-template <template <Mode, class> class Layout, Mode mode, class T, int N>
-void one_butterfly(const FftPlan<T>& plan, Points<const T> src, Points<T> dst) {
-    using Data = Layout<mode, T>;
-    Complex<T> x[N];
-    unrolled<N>([&](auto n) KELS_INLINE { x[n] = Data::read(src, n); });
-    butterfly<N>(x);
-    unrolled<N>([&](auto k) KELS_INLINE { Data::write(dst, k, x[k], plan.normFactor); });
-}
-
-template <template <Mode, class> class Layout, Mode mode, class T>
-FftKernel<T> in_cache_kernel(int order) {
-    switch (order) {
-    case 0:
-        return one_butterfly<Layout, mode, T, 1>;
-    case 1:
-        return one_butterfly<Layout, mode, T, 2>;
-    case 2:
-        return one_butterfly<Layout, mode, T, 4>;
-    case 3:
-        return one_butterfly<Layout, mode, T, 8>;
-    default:
-        return with_radices<T>(
-            order, []<int... R>(Radices<R...>)->FftKernel<T> {
-                return [](const FftPlan<T>& plan, Points<const T> src, Points<T> dst) {
-                    Passes<Layout, mode, T, pass_lanes<T>(Radices<R...>{}), R...>::run(src, dst, plan.twiddles,
-                                                                                       plan.normFactor);
-                };
-            });
-    }
-}
+/// The twiddle table that the kernel of the plan's complex order reads.
+template <class Layout, class T>
+void lay_in_cache(FftPlan<T>& plan, TableSpace& space);
 
 } // namespace kels

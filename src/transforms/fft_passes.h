@@ -158,16 +158,16 @@ template <class Out, int R, int V, class T>
             x[u] = {load<Vector>(p + 2 * V * groups * u), load<Vector>(p + 2 * V * groups * u + V)};
         });
         butterfly<R>(x);
-        unrolled<R>([&](auto k) KELS_INLINE { Out::write(dst, position + group * V + k * spacing, x[k], factor); });
+        unrolled<R>([&](auto k) KELS_INLINE { Out::write(dst, position + group * V + k * spacing, x[k] * factor); });
     }
 }
 
 /// A whole transform: two passes with one tile in registers when V columns are all there are, else through the scratch.
-template <template <Mode, class> class Layout, Mode mode, class T, int V, int R1, int... Rest>
+template <class Layout, class T, int V, int R1, int... Rest>
 struct Passes {
     static_assert(R1 % V == 0);
     using Vector = Vec<T, V>;
-    using Data = Layout<mode, Vector>;
+    using Data = typename Layout::template Of<Vector>;
 
     static constexpr int columns = (Rest * ...);
     static constexpr int points = R1 * columns;
@@ -193,7 +193,7 @@ private:
             unrolled<V>([&](auto k) KELS_INLINE { x[group * V + k] = y[k]; });
         });
         unrolled<groups>([&](auto group) KELS_INLINE {
-            unrolled<V>([&](auto k) KELS_INLINE { Data::write(dst, group * V + k * R1, x[group * V + k], factor); });
+            unrolled<V>([&](auto k) KELS_INLINE { Data::write(dst, group * V + k * R1, x[group * V + k] * factor); });
         });
     }
 

@@ -5,6 +5,7 @@
 
 #include "transforms/fft_plan.h"
 
+#include "transforms/fft_in_cache.h"
 #include "transforms/fft_large.h"
 #include "transforms/real_recombination.h"
 
@@ -46,63 +47,11 @@ Kel32s work_bytes(int order) {
 /// Whether the points of a large transform are beyond what a table may hold: 2^31 bytes.
 template <class T>
 bool too_large(int order) {
-    return (std::size_t{2} * sizeof(T) << order) > std::size_t{INT_MAX};
-}
-
-template <template <Mode, class> class Layout, class T>
-void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
-    with_radices<T>(
-        plan.complex_order, [&]<int... R>(Radices<R...> radices) {
-            constexpr int V = pass_lanes<T>(decltype(radices){});
-            T* table = space.take<T>(pass_table_size({R...}));
-            if (table) make_pass_table<Layout<Mode{}, Vec<T, V>>, V>(table, {R...});
-            plan.twiddles = table;
-        });
-}
-
-inline const Kel64f* lay_roots(TableSpace& space, int entries_order, std::size_t step, std::size_t points) {
-    const std::size_t entries = std::size_t{1} << entries_order;
-    Kel64f* table = space.take<Kel64f>(2 * entries);
-    for (std::size_t i = 0; table && i < entries; ++i) write_root(table + 2 * i, i * step, points);
-    return table;
-}
-
-template <class T>
-const T* lay_column_table(TableSpace& space, int order) {
-    return with_column_radices(order, [&](auto radices) -> const T* {
-        T* table = space.take<T>(column_table_size(radices));
-        if (table) make_column_table(table, radices);
-        return table;
-    });
-}
-
-template <template <Mode, class> class Layout, class T>
-void lay_large(FftPlan<T>& plan, TableSpace& space) {
-    const int order = plan.complex_order;
-    const LargeShape shape = large_shape(order);
-    const std::size_t points = std::size_t{1} << order, rows = std::size_t{1} << shape.outer;
-    plan.twiddles = lay_column_table<T>(space, shape.outer);
-    if (shape.middle > 0)
-        plan.middle_twiddles = lay_column_table<T>(space, shape.last > shape.outer ? shape.last : shape.middle);
-    plan.fine_roots = lay_roots(space, order / 2, 1, points);
-    plan.coarse_roots = lay_roots(space, order - order / 2, std::size_t{1} << (order / 2), points);
-
-    constexpr int V = Strip<T>::V;
-    T* table = space.take<T>(2 * strip_lanes<T> * rows);
-    plan.lane_twiddles = table;
-    for (std::size_t k = 0; table && k < rows; ++k)
-        for (std::size_t group = 0; group < Strip<T>::groups; ++group, table += 2 * V)
-            for (int lane = 0; lane < V; ++lane) {
-                T root[2];
-                const auto n = group * V + static_cast<std::size_t>(Layout<Mode{}, Vec<T, V>>::order(lane));
-                write_root(root, n * k, points);
-                table[lane] = root[0];
-                table[V + lane] = root[1];
-            }
+    return (std::uint64_t{2 * sizeof(T)} << order) > INT_MAX; // in 64 bits, on 32-bit x86 too
 }
 
 /// All tables of a plan whose order is set.
-template <template <Mode, class> class Layout, class T>
+template <class Layout, class T>
 void lay_tables(FftPlan<T>& plan, bool real, TableSpace& space) {
     if (plan.complex_order > top_in_cache_order<T>)
         lay_large<Layout>(plan, space);
@@ -111,11 +60,9 @@ void lay_tables(FftPlan<T>& plan, bool real, TableSpace& space) {
     if (real) lay_recombination(plan, space);
 }
 
-template <template <Mode, class> class Layout, bool inverse, class T>
-FftKernel<T> kernel(int order, bool scaled) {
-    constexpr Mode as_is{inverse, false}, by_factor{inverse, true};
-    if (order > top_in_cache_order<T>) return scaled ? run_large<Layout, by_factor, T> : run_large<Layout, as_is, T>;
-    return scaled ? in_cache_kernel<Layout, by_factor, T>(order) : in_cache_kernel<Layout, as_is, T>(order);
+template <class Layout, class T>
+FftKernel<T> kernel(int order) {
+    return order > top_in_cache_order<T> ? large_kernel<Layout, T>() : in_cache_kernel<Layout, T>(order);
 }
 
 /// Sets the normalisation that a flag stands for; false for any other value.
@@ -150,7 +97,7 @@ struct DeletePlan {
     }
 };
 
-template <PlanId id, template <Mode, class> class Layout, class Plan>
+template <PlanId id, class Layout, class Inverse, class Plan>
 KelStatus make_plan(Plan** result, int order, int flag) {
     using T = decltype(Plan::normFactor);
     constexpr bool real = id == plan_R_32f || id == plan_R_64f;
@@ -169,8 +116,8 @@ KelStatus make_plan(Plan** result, int order, int flag) {
     plan->complex_order = real && order > 0 ? order - 1 : order;
     if (too_large<T>(plan->complex_order)) return kelStatusNoMemory;
     plan->workBytes = direct ? 0 : work_bytes<T>(plan->complex_order);
-    plan->forward = kernel<Layout, false, T>(plan->complex_order, plan->normFwd != 0);
-    plan->inverse = kernel<Layout, true, T>(plan->complex_order, plan->normInv != 0);
+    plan->forward = {kernel<Layout, T>(plan->complex_order), plan->normFwd ? plan->normFactor : T(1)};
+    plan->inverse = {kernel<Inverse, T>(plan->complex_order), plan->normInv ? plan->normFactor : T(1)};
     if (!direct) {
         TableSpace measure(nullptr);
         lay_tables<Layout>(*plan, real, measure);
@@ -207,12 +154,12 @@ using namespace kels;
 
 // clang-format off
 extern "C" {
-KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32fc, Interleaved>(plan, order, flag); }
-KelStatus kelsFFTInitAlloc_C_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32f, Split>(plan, order, flag); }
-KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_R_32f, Interleaved>(plan, order, flag); }
-KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64fc, Interleaved>(plan, order, flag); }
-KelStatus kelsFFTInitAlloc_C_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64f, Split>(plan, order, flag); }
-KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_R_64f, Interleaved>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32fc, Interleaved<false>, Interleaved<true>>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_C_32f, Split, Split>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_R_32f (KelsFftPlan_32f** plan, int order, int flag, int) { return make_plan<plan_R_32f, Interleaved<false>, Interleaved<true>>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64fc, Interleaved<false>, Interleaved<true>>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_C_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_C_64f, Split, Split>(plan, order, flag); }
+KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** plan, int order, int flag, int) { return make_plan<plan_R_64f, Interleaved<false>, Interleaved<true>>(plan, order, flag); }
 
 KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* plan) { return free_plan<plan_C_32fc>(plan); }
 KelStatus kelsFFTFree_C_32f (KelsFftPlan_32f* plan) { return free_plan<plan_C_32f>(plan); }

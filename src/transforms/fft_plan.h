@@ -17,12 +17,19 @@ enum PlanId : Kel32s {
     plan_R_64f = 9
 };
 
-/// The complex transform of a plan: any source to any destination, in place too. `factor` scales the results of the
-/// scaled kernels.
 template <class T>
 struct FftPlan;
+
+/// A complex transform of any source to any destination, in place too; the results are multiplied by `factor`.
 template <class T>
-using FftKernel = void (*)(const FftPlan<T>& plan, Points<const T> src, Points<T> dst);
+using FftKernel = void (*)(const FftPlan<T>& plan, T factor, Points<const T> src, Points<T> dst);
+
+/// One direction of a plan.
+template <class T>
+struct FftDirection {
+    FftKernel<T> kernel;
+    T factor;
+};
 
 /// What an FFT reads. The complex transform has order `complex_order`: the plan's own for complex data, one less for
 /// real data, which then recombines the halves.
@@ -34,7 +41,7 @@ struct FftPlan {
     T normFactor = 0;
     Kel32s workBytes = 0;
     Kel32s complex_order = 0;
-    FftKernel<T> forward = nullptr, inverse = nullptr;
+    FftDirection<T> forward{}, inverse{};
     const T* twiddles = nullptr;        ///< of the passes of an in-cache transform, or of a large one's outer columns
     const T* middle_twiddles = nullptr; ///< large transforms, see fft_large.h: middle columns
     const T* lane_twiddles = nullptr;   ///< neighbouring columns of a strip
@@ -48,7 +55,8 @@ struct FftPlan {
 /// The complex transform of a plan, in the plan's normalisation.
 template <class T>
 inline void transform(const FftPlan<T>& plan, bool inverse, Points<const T> src, Points<T> dst) {
-    (inverse ? plan.inverse : plan.forward)(plan, src, dst);
+    const FftDirection<T>& direction = inverse ? plan.inverse : plan.forward;
+    direction.kernel(plan, direction.factor, src, dst);
 }
 
 /// Orders below this one are one butterfly without tables.

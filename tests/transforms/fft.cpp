@@ -275,7 +275,9 @@ TYPED_TEST(FftTest, RealMatchesReferenceInEveryLayout) {
             for (std::size_t part : {0, 1}) as_perm[2 * k + part] = as_pack[2 * k - 1 + part] = ccs[2 * k + part];
         EXPECT_EQ(std::memcmp(perm.data(), as_perm.data(), n * sizeof(T)), 0) << order;
         EXPECT_EQ(std::memcmp(pack.data(), as_pack.data(), n * sizeof(T)), 0) << order;
-        if (n == 1) EXPECT_EQ(ccs[2], 9);
+        if (n == 1) {
+            EXPECT_EQ(ccs[2], 9);
+        }
 
         const std::pair<typename F::Transform, const std::vector<T>*> forms[] = {
             {F::to_perm, &perm}, {F::to_pack, &pack}, {F::to_ccs, &ccs}};
