@@ -30,8 +30,10 @@ constexpr KelStatus run(Kernel&& kernel) {
 /// Checks pointers, then the length, then runs the kernel over the vector.
 template <class Kernel>
 constexpr KelStatus vector_call(Pointers arguments, int len, Kernel&& kernel) {
-    if (arguments.any_null) [[unlikely]] return kelStatusNullPtr;
-    if (len < 1) [[unlikely]] return kelStatusBadSize;
+    if (arguments.any_null) [[unlikely]]
+        return kelStatusNullPtr;
+    if (len < 1) [[unlikely]]
+        return kelStatusBadSize;
     return run(std::forward<Kernel>(kernel));
 }
 
