@@ -17,7 +17,7 @@ set(KELS_COMPILE_OPTIONS
   -fno-math-errno -fno-trapping-math -ffp-contract=off
   -fno-exceptions -fno-rtti
   -Wall -Wextra -Wshadow -Werror=missing-declarations
-  $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)
+  -Wno-psabi) # wide vectors are passed between inlined functions only
 
 # kels_add_level(<target> <level> <output directory> <sources...>)
 function(kels_add_level target level directory)

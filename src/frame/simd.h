@@ -67,9 +67,11 @@ template <class V>
     std::memcpy(p, &v, sizeof v);
 }
 
-template <class V>
-[[gnu::always_inline]] inline V splat(Element<V> x) {
-    return V{} + x;
+/// The bits of a, as other lanes of the same size in all.
+template <class To, class V>
+[[gnu::always_inline]] inline To bits_as(V a) {
+    static_assert(sizeof(To) == sizeof(V));
+    return load<To>(&a);
 }
 
 /// a b + c, fused where the level has the instruction. The C library's function is never called: without the
@@ -118,6 +120,83 @@ template <auto Index, class V>
     (std::make_integer_sequence<int, lanes<V>>{});
 }
 
+/// The value in every lane, to the bit: a sum with zeros would lose the sign of another.
+template <class V>
+[[gnu::always_inline]] inline V splat(Element<V> x) {
+    if constexpr (lanes<V> == 1) {
+        return x;
+    } else {
+        const V first = {x};
+        return shuffle<[](int) { return 0; }>(first, first);
+    }
+}
+
+/// Lanes of a and b by turns, from the first or the second half of both.
+template <int Half, class V>
+[[gnu::always_inline]] inline V interleave(V a, V b) {
+    constexpr int n = lanes<V>;
+    if constexpr (n == 1)
+        return Half == 0 ? a : b;
+    else
+        return shuffle<[](int i) { return Half * n / 2 + i / 2 + i % 2 * n; }>(a, b);
+}
+
+/// a, b, a, b ...
+template <class V>
+[[gnu::always_inline]] inline V alternate(Element<V> a, Element<V> b) {
+    return interleave<0>(splat<V>(a), splat<V>(b));
+}
+
+/// Whether `fma` is one rounding: the level has the instruction, for vectors of this width.
+template <class V>
+inline constexpr bool fuses =
+#if defined(__FMA__)
+    std::is_floating_point_v<Element<V>> && (lanes<V> == 1 || (sizeof(V) >= 16 && sizeof(V) <= vector_bytes));
+#else
+    false;
+#endif
+
+/// a b - c in even lanes, a b + c in odd ones, fused as `fma` is.
+template <class V>
+[[gnu::always_inline]] inline V fma_alternating(V a, V b, V c) {
+#if defined(__FMA__)
+    if constexpr (std::is_same_v<V, Vec<float, 4>>) return _mm_fmaddsub_ps(a, b, c);
+    if constexpr (std::is_same_v<V, Vec<double, 2>>) return _mm_fmaddsub_pd(a, b, c);
+    if constexpr (std::is_same_v<V, Vec<float, 8>>) return _mm256_fmaddsub_ps(a, b, c);
+    if constexpr (std::is_same_v<V, Vec<double, 4>>) return _mm256_fmaddsub_pd(a, b, c);
+#if defined(__AVX512F__)
+    if constexpr (std::is_same_v<V, Vec<float, 16>>) return _mm512_fmaddsub_ps(a, b, c);
+    if constexpr (std::is_same_v<V, Vec<double, 8>>) return _mm512_fmaddsub_pd(a, b, c);
+#endif
+#endif
+    const V p = a * b;
+    return shuffle<[](int i) { return i % 2 * lanes<V> + i; }>(p - c, p + c);
+}
+
+/// a - b in even lanes, a + b in odd ones.
+template <class V>
+[[gnu::always_inline]] inline V add_alternating(V a, V b) {
+    if constexpr (fuses<V>)
+        return fma_alternating(a, splat<V>(1), b);
+    else
+        return shuffle<[](int i) { return i % 2 * lanes<V> + i; }>(a - b, a + b);
+}
+
+/// Lanes that are a zero, an infinity or a NaN, as something for `any_lane`.
+template <class V>
+[[gnu::always_inline]] inline auto zero_or_not_finite(V a) {
+#if defined(__AVX512DQ__)
+    if constexpr (std::is_same_v<V, Vec<float, 16>>) {
+        constexpr int zero_infinite_nan = 0x9F;
+        return _mm512_fpclass_ps_mask(a, zero_infinite_nan);
+    } else
+#endif
+    {
+        const V twice = a + a;
+        return (twice == a) | (a != a);
+    }
+}
+
 /// Lanes converted to another element type, rounded in the caller's mode.
 template <class To, class V>
 [[gnu::always_inline]] inline Vec<To, lanes<V>> convert(V a) {
@@ -125,6 +204,50 @@ template <class To, class V>
         return static_cast<To>(a);
     else
         return __builtin_convertvector(a, Vec<To, lanes<V>>);
+}
+
+/// Half 0 or 1 of the lanes.
+template <int Half, class V>
+[[gnu::always_inline]] inline auto half(V a) {
+    using H = Vec<Element<V>, lanes<V> / 2>;
+    return load<H>(reinterpret_cast<const char*>(&a) + Half * sizeof(H));
+}
+
+/// All lanes of a, then those of b.
+template <class V>
+[[gnu::always_inline]] inline auto both(V a, V b) {
+    Vec<Element<V>, 2 * lanes<V>> v;
+    std::memcpy(&v, &a, sizeof a);
+    std::memcpy(reinterpret_cast<char*>(&v) + sizeof a, &b, sizeof b);
+    return v;
+}
+
+/// Real lanes converted to 32-bit integers, toward zero or else in the caller's mode. What does not fit, NaNs too,
+/// becomes the lowest integer.
+template <bool TowardZero, class V>
+[[gnu::always_inline]] inline Vec<int, lanes<V>> to_integer(V a) {
+    using R = Vec<int, lanes<V>>;
+    [[maybe_unused]] constexpr int all = (1 << lanes<V> % 32) - 1; // masks, since g++ 12 warns of the forms without
+    if constexpr (sizeof(V) > vector_bytes)
+        return both(to_integer<TowardZero>(half<0>(a)), to_integer<TowardZero>(half<1>(a)));
+#if defined(__AVX512F__)
+    else if constexpr (std::is_same_v<V, Vec<float, 16>>)
+        return (R)(TowardZero ? _mm512_maskz_cvttps_epi32(all, a) : _mm512_maskz_cvtps_epi32(all, a));
+    else if constexpr (std::is_same_v<V, Vec<double, 8>>)
+        return (R)(TowardZero ? _mm512_maskz_cvttpd_epi32(all, a) : _mm512_maskz_cvtpd_epi32(all, a));
+#endif
+#if defined(__AVX2__)
+    else if constexpr (std::is_same_v<V, Vec<float, 8>>)
+        return (R)(TowardZero ? _mm256_cvttps_epi32(a) : _mm256_cvtps_epi32(a));
+    else if constexpr (std::is_same_v<V, Vec<double, 4>>)
+        return (R)(TowardZero ? _mm256_cvttpd_epi32(a) : _mm256_cvtpd_epi32(a));
+#endif
+    else if constexpr (std::is_same_v<V, Vec<float, 4>>)
+        return (R)(TowardZero ? _mm_cvttps_epi32(a) : _mm_cvtps_epi32(a));
+    else if constexpr (std::is_same_v<V, Vec<double, 2>>)
+        return half<0>((Vec<int, 4>)(TowardZero ? _mm_cvttpd_epi32(a) : _mm_cvtpd_epi32(a)));
+    else // a part of one register: the rest is zeros
+        return half<0>(to_integer<TowardZero>(both(a, V{})));
 }
 
 /// Sum of the lanes, halves onto halves.

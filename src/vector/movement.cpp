@@ -3,7 +3,9 @@
 
 #include "kels/movement.h"
 
+#include "frame/blocks.h"
 #include "frame/calling_frame.h"
+#include "frame/numeric.h"
 #include "frame/simd.h"
 
 #include <array>
@@ -15,72 +17,6 @@
 
 namespace kels {
 namespace {
-
-using Index = std::ptrdiff_t;
-
-// Words: the bits of a sample, or of one part of a complex sample.
-
-template <std::size_t Bytes>
-struct WordOf {
-    using type = std::uint64_t;
-};
-template <>
-struct WordOf<1> {
-    using type = std::uint8_t;
-};
-template <>
-struct WordOf<2> {
-    using type = std::uint16_t;
-};
-template <>
-struct WordOf<4> {
-    using type = std::uint32_t;
-};
-
-template <class T>
-inline constexpr int parts = 1;
-template <class T>
-requires requires { &T::im; }
-inline constexpr int parts<T> = 2;
-
-template <class T>
-using Word = typename WordOf<sizeof(T) / parts<T>>::type;
-
-template <class T>
-Word<T>* words(T* p) {
-    return reinterpret_cast<Word<T>*>(p);
-}
-
-template <class T>
-const Word<T>* words(const T* p) {
-    return reinterpret_cast<const Word<T>*>(p);
-}
-
-// Blocks
-
-template <int Lanes>
-using Width = std::integral_constant<int, Lanes>;
-
-/// Calls body with the widest vector that n words fill: a narrower one than the level's, down to `Least` words, only
-/// where the whole array is shorter than one.
-template <class W, int Least = 1, int Lanes = max_lanes<W>, class Body>
-[[gnu::always_inline]] inline void in_widest(Index n, const Body& body) {
-    if (n >= Lanes)
-        body(Width<Lanes>{});
-    else if constexpr (Lanes > Least)
-        in_widest<W, Least, Lanes / 2>(n, body);
-}
-
-/// Covers words 0 to n - 1 with blocks, write(width, i, read(width, i)). The last block ends at n and may overlap the
-/// one before: it is read first and written last, so that an operation exactly in place stays right.
-template <class W, int Least = 1, class Read, class Write>
-[[gnu::always_inline]] inline void each_block(Index n, const Read& read, const Write& write) {
-    in_widest<W, Least>(n, [&](auto width) {
-        const auto last = read(width, n - width);
-        for (Index i = 0; i < n - width; i += width) write(width, i, read(width, i));
-        write(width, n - width, last);
-    });
-}
 
 /// Covers words 0 to n - 1 with pattern(width), which holds samples of `Group` words. All stores but the first and the
 /// last are aligned where the samples are.
@@ -117,16 +53,6 @@ template <class V>
         return shuffle<[](int i) { return 2 * i + 1; }>(a, b);
 }
 
-/// Words of a and b by turns, from the first or the second half of both.
-template <int Half, class V>
-[[gnu::always_inline]] inline V interleave(V a, V b) {
-    constexpr int n = lanes<V>;
-    if constexpr (n == 1)
-        return Half == 0 ? a : b;
-    else
-        return shuffle<[](int i) { return Half * n / 2 + i / 2 + i % 2 * n; }>(a, b);
-}
-
 /// Samples of `Group` words in reverse order.
 template <int Group, class V>
 [[gnu::always_inline]] inline V reverse_samples(V v) {
@@ -134,11 +60,6 @@ template <int Group, class V>
         return v;
     else
         return shuffle<[](int i) { return lanes<V> - Group - i / Group * Group + i % Group; }>(v, v);
-}
-
-template <class V>
-[[gnu::always_inline]] inline V alternate(Element<V> a, Element<V> b) {
-    return interleave<0>(splat<V>(a), splat<V>(b));
 }
 
 // Operations

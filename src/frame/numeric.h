@@ -1,0 +1,91 @@
+// Sample types as numbers: their parts, their bits, and intermediates that hold an exact result.
+#pragma once
+
+#include "frame/simd.h"
+#include "kels/types.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace kels {
+
+// Complex samples as two parts, so that a vector of them is a real one of twice the length.
+
+template <class T>
+struct PartOf {
+    using type = T;
+};
+template <class T>
+requires requires { &T::im; }
+struct PartOf<T> {
+    using type = decltype(T::im);
+};
+
+template <class T>
+using Part = typename PartOf<T>::type;
+
+template <class T>
+inline constexpr int parts = static_cast<int>(sizeof(T) / sizeof(Part<T>));
+
+template <class T>
+auto reals(T* p) {
+    using Real = Part<std::remove_const_t<T>>;
+    return reinterpret_cast<std::conditional_t<std::is_const_v<T>, const Real, Real>*>(p);
+}
+
+// Words: the bits of a sample, or of one part of a complex sample.
+
+template <std::size_t Bytes>
+struct WordOf {
+    using type = std::uint64_t;
+};
+template <>
+struct WordOf<1> {
+    using type = std::uint8_t;
+};
+template <>
+struct WordOf<2> {
+    using type = std::uint16_t;
+};
+template <>
+struct WordOf<4> {
+    using type = std::uint32_t;
+};
+
+template <class T>
+using Word = typename WordOf<sizeof(Part<T>)>::type;
+
+template <class T>
+Word<T>* words(T* p) {
+    return reinterpret_cast<Word<T>*>(p);
+}
+
+template <class T>
+const Word<T>* words(const T* p) {
+    return reinterpret_cast<const Word<T>*>(p);
+}
+
+// Intermediates
+
+/// Bits of the magnitude: values of T lie in [-2^digits, 2^digits).
+template <class T>
+inline constexpr int digits = std::numeric_limits<T>::digits;
+
+/// The narrowest signed integer with at least that many digits.
+template <int Digits>
+using Signed =
+    std::conditional_t<Digits <= 15, std::int16_t, std::conditional_t<Digits <= 31, std::int32_t, std::int64_t>>;
+
+/// Integer lanes converted to R; what R cannot hold becomes its nearest value.
+template <class R, class V>
+[[gnu::always_inline]] inline Vec<R, lanes<V>> saturate(V t) {
+    using From = std::numeric_limits<Element<V>>;
+    using To = std::numeric_limits<R>;
+    if constexpr (To::digits < From::digits) t = t > To::max() ? splat<V>(To::max()) : t;
+    if constexpr (To::min() > From::min()) t = t < To::min() ? splat<V>(To::min()) : t;
+    return convert<R>(t);
+}
+
+} // namespace kels
