@@ -15,12 +15,36 @@ namespace {
 
 using Complex = std::complex<float>;
 
-template <class Call>
-void vectors(const char* function, Call call) {
-    contend_vectors("movement", function, "volk", call);
+void arithmetic() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("arithmetic", function, "volk", call); };
+    vectors("kelsAdd_32f",
+            [](const float* a, const float* b, float* d, int n) { volk_32f_x2_add_32f(d, a, b, unsigned(n)); });
+    vectors("kelsAdd_64f",
+            [](const double* a, const double* b, double* d, int n) { volk_64f_x2_add_64f(d, a, b, unsigned(n)); });
+    vectors("kelsSub_32f",
+            [](const float* a, const float* b, float* d, int n) { volk_32f_x2_subtract_32f(d, b, a, unsigned(n)); });
+    vectors("kelsMul_32f",
+            [](const float* a, const float* b, float* d, int n) { volk_32f_x2_multiply_32f(d, a, b, unsigned(n)); });
+    vectors("kelsMul_64f",
+            [](const double* a, const double* b, double* d, int n) { volk_64f_x2_multiply_64f(d, a, b, unsigned(n)); });
+    vectors("kelsMul_32fc", [](const Complex* a, const Complex* b, Complex* d, int n) {
+        volk_32fc_x2_multiply_32fc(d, a, b, unsigned(n));
+    });
+    vectors("kelsMul_16sc_Sfs 0",
+            [](const std::complex<short>* a, const std::complex<short>* b, std::complex<short>* d, int n) {
+                volk_16ic_x2_multiply_16ic(reinterpret_cast<lv_16sc_t*>(d), reinterpret_cast<const lv_16sc_t*>(a),
+                                           reinterpret_cast<const lv_16sc_t*>(b), unsigned(n));
+            });
+    vectors("kelsAddC_32f", [](const float* a, float* d, int n) { volk_32f_s32f_add_32f(d, a, 2.5F, unsigned(n)); });
+    vectors("kelsMulC_32f",
+            [](const float* a, float* d, int n) { volk_32f_s32f_multiply_32f(d, a, 2.5F, unsigned(n)); });
+    vectors("kelsMulC_32fc", [](const Complex* a, Complex* d, int n) {
+        volk_32fc_s32fc_multiply_32fc(d, a, Complex(0.6F, -0.8F), unsigned(n));
+    });
 }
 
 void movement() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("movement", function, "volk", call); };
     vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
         volk_16ic_deinterleave_real_16i(re, reinterpret_cast<const lv_16sc_t*>(z), unsigned(n));
     });
@@ -53,6 +77,7 @@ const std::string version = std::string("VOLK ") + volk_version();
 
 const Registration volk(
     [] {
+        arithmetic();
         movement();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {
             volk_32f_x2_dot_prod_32f(sum, a, b, n);

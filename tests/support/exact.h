@@ -1,0 +1,39 @@
+// What exact evaluation gives, in extended precision: the measure for arithmetic.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace kels_test {
+
+/// The integer R that is stored for an exact value: times 2^-factor, rounded to nearest, ties to even, saturated.
+template <class R>
+R scaled(long double exact, int factor = 0) {
+    using Limits = std::numeric_limits<R>;
+    constexpr int far = 300; // beyond it every factor gives the same
+    const long double rounded = std::nearbyint(std::ldexp(exact, -std::clamp(factor, -far, far)));
+    if (rounded <= Limits::min()) return Limits::min();
+    return rounded >= Limits::max() ? Limits::max() : static_cast<R>(rounded);
+}
+
+/// a b + c d, the error of each product kept: right where the products cancel.
+inline long double sum_of_products(long double a, long double b, long double c, long double d) {
+    const long double p = a * b, q = c * d;
+    const long double sum = p + q;
+    if (!std::isfinite(sum)) return sum;
+    const long double error = std::fma(a, b, -p) + std::fma(c, d, -q);
+    return error == 0 ? sum : sum + error;
+}
+
+struct ExactComplex {
+    long double re, im;
+};
+
+template <class Complex>
+ExactComplex complex_product(Complex a, Complex b) {
+    const long double ar = a.re, ai = a.im, br = b.re, bi = b.im;
+    return {sum_of_products(ar, br, -ai, bi), sum_of_products(ar, bi, ai, br)};
+}
+
+} // namespace kels_test

@@ -1,0 +1,471 @@
+// Sums, differences, products and absolute values. Integers are held against exact evaluation to the last bit.
+
+#include "kels/arithmetic.h"
+#include "support/exact.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::complex_product;
+using kels_test::ComplexSample;
+using kels_test::each;
+using kels_test::in_place;
+using kels_test::Random;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::scaled;
+
+// References. An operation is defined on extended-precision numbers, which hold every result here exactly; on integers
+// they are scaled to the result's type R, on complex numbers they apply to both parts.
+
+template <class R>
+struct Stored {
+    template <class Exact>
+    static auto from(Exact t, int scale) {
+        if constexpr (std::is_integral_v<R>)
+            return scaled<R>(t, scale);
+        else if constexpr (!ComplexSample<R>)
+            return t;
+        else if constexpr (std::is_integral_v<decltype(R::re)>)
+            return R{scaled<decltype(R::re)>(t.re, scale), scaled<decltype(R::re)>(t.im, scale)};
+        else
+            return t;
+    }
+};
+
+template <class R, class Operation>
+struct OnElements {
+    template <class A, class B>
+    auto operator()(A a, B b, int scale = 0) const {
+        using Result = std::conditional_t<std::is_void_v<R>, A, R>;
+        if constexpr (ComplexSample<A>)
+            return Stored<Result>::from(kels_test::ExactComplex{Operation::of(a.re, b.re), Operation::of(a.im, b.im)},
+                                        scale);
+        else
+            return Stored<Result>::from(Operation::of(a, b), scale);
+    }
+};
+
+template <class R = void, class Operation>
+constexpr auto parts_by(Operation) {
+    return each(OnElements<R, Operation>{});
+}
+
+struct Plus {
+    static long double of(long double a, long double b) { return a + b; }
+};
+struct Minus {
+    static long double of(long double a, long double b) { return a - b; }
+};
+struct From {
+    static long double of(long double a, long double b) { return b - a; }
+};
+struct Times {
+    static long double of(long double a, long double b) { return a * b; }
+};
+
+constexpr Plus plus;
+constexpr Minus minus;
+constexpr From from;
+constexpr Times times;
+
+constexpr auto complex_times =
+    each([]<class T>(T a, T b, auto... scale) { return Stored<T>::from(complex_product(a, b), (0 + ... + scale)); });
+
+// Real floating-point constants that are not computed with.
+
+constexpr auto plus_constant = each([](auto a, auto val) {
+    const bool computes = val < 0 || val > 0;
+    return computes ? static_cast<long double>(a) + val : static_cast<long double>(a);
+});
+constexpr auto minus_constant =
+    each([](auto a, auto val) { return val == 0 ? static_cast<long double>(a) : static_cast<long double>(a) - val; });
+constexpr auto times_constant = each([](auto a, auto val) {
+    const long double x = a;
+    return !(val < 1 || val > 1) ? x : val == 0 ? 0.0L : x * val;
+});
+
+constexpr auto magnitude = each([]<class T>(T a) {
+    if constexpr (std::is_integral_v<T>)
+        return scaled<T>(std::fabs(static_cast<long double>(a)));
+    else
+        return std::fabs(a);
+});
+
+const double nan = std::numeric_limits<double>::quiet_NaN();
+
+Row with_telling_constants(const Row& row) {
+    return row.values(0, {0.0, 1.0, nan, -0.0, -1.0, 0.1, -3.5, 1e-30, HUGE_VAL, 1e30, 2.0, -nan});
+}
+
+// clang-format off
+const Row rows[] = {
+    row(kelsAdd_8u_Sfs, parts_by(plus)),                 in_place(kelsAdd_8u_ISfs, parts_by(plus)),
+    row(kelsAdd_8u16u, parts_by<Kel16u>(plus)),          row(kelsAdd_16u, parts_by(plus)),
+    row(kelsAdd_16s, parts_by(plus)),                    in_place(kelsAdd_16s_I, parts_by(plus)),
+    row(kelsAdd_16s_Sfs, parts_by(plus)),                in_place(kelsAdd_16s_ISfs, parts_by(plus)),
+    row(kelsAdd_16s32f, parts_by<Kel32f>(plus)),         row(kelsAdd_32u, parts_by(plus)),
+    row(kelsAdd_16sc_Sfs, parts_by(plus)).length_first(), in_place(kelsAdd_16sc_ISfs, parts_by(plus)).length_first(),
+    row(kelsAdd_32s_Sfs, parts_by(plus)),                in_place(kelsAdd_32s_ISfs, parts_by(plus)),
+    row(kelsAdd_32sc_Sfs, parts_by(plus)).length_first(), in_place(kelsAdd_32sc_ISfs, parts_by(plus)).length_first(),
+    row(kelsAdd_32f, parts_by(plus)).ulps(0),            in_place(kelsAdd_32f_I, parts_by(plus)).ulps(0),
+    row(kelsAdd_32fc, parts_by(plus)).ulps(0).length_first(), in_place(kelsAdd_32fc_I, parts_by(plus)).ulps(0).length_first(),
+    row(kelsAdd_64f, parts_by(plus)).ulps(1),            in_place(kelsAdd_64f_I, parts_by(plus)).ulps(1),
+    row(kelsAdd_64fc, parts_by(plus)).ulps(1).length_first(), in_place(kelsAdd_64fc_I, parts_by(plus)).ulps(1).length_first(),
+
+    row(kelsSub_8u_Sfs, parts_by(from)),                 in_place(kelsSub_8u_ISfs, parts_by(from)),
+    row(kelsSub_16s, parts_by(from)),                    in_place(kelsSub_16s_I, parts_by(from)),
+    row(kelsSub_16s_Sfs, parts_by(from)),                in_place(kelsSub_16s_ISfs, parts_by(from)),
+    row(kelsSub_16s32f, parts_by<Kel32f>(from)),
+    row(kelsSub_16sc_Sfs, parts_by(from)).length_first(), in_place(kelsSub_16sc_ISfs, parts_by(from)).length_first(),
+    row(kelsSub_32s_Sfs, parts_by(from)),                in_place(kelsSub_32s_ISfs, parts_by(from)),
+    row(kelsSub_32sc_Sfs, parts_by(from)).length_first(), in_place(kelsSub_32sc_ISfs, parts_by(from)).length_first(),
+    row(kelsSub_32f, parts_by(from)).ulps(0),            in_place(kelsSub_32f_I, parts_by(from)).ulps(0),
+    row(kelsSub_32fc, parts_by(from)).ulps(0).length_first(), in_place(kelsSub_32fc_I, parts_by(from)).ulps(0).length_first(),
+    row(kelsSub_64f, parts_by(from)).ulps(1),            in_place(kelsSub_64f_I, parts_by(from)).ulps(1),
+    row(kelsSub_64fc, parts_by(from)).ulps(1).length_first(), in_place(kelsSub_64fc_I, parts_by(from)).ulps(1).length_first(),
+
+    row(kelsMul_8u_Sfs, parts_by(times)),                in_place(kelsMul_8u_ISfs, parts_by(times)),
+    row(kelsMul_8u16u, parts_by<Kel16u>(times)),         row(kelsMul_16s32f, parts_by<Kel32f>(times)),
+    row(kelsMul_16s, parts_by(times)),                   in_place(kelsMul_16s_I, parts_by(times)),
+    row(kelsMul_16s_Sfs, parts_by(times)),               in_place(kelsMul_16s_ISfs, parts_by(times)),
+    row(kelsMul_16s32s_Sfs, parts_by<Kel32s>(times)),    row(kelsMul_16u16s_Sfs, parts_by<Kel16s>(times)),
+    row(kelsMul_16sc_Sfs, complex_times),                in_place(kelsMul_16sc_ISfs, complex_times),
+    row(kelsMul_32s_Sfs, parts_by(times)),               in_place(kelsMul_32s_ISfs, parts_by(times)),
+    row(kelsMul_32sc_Sfs, complex_times),                in_place(kelsMul_32sc_ISfs, complex_times),
+    row(kelsMul_32f, parts_by(times)).ulps(0),           in_place(kelsMul_32f_I, parts_by(times)).ulps(0),
+    row(kelsMul_32fc, complex_times).ulps(1),            in_place(kelsMul_32fc_I, complex_times).ulps(1),
+    row(kelsMul_64f, parts_by(times)).ulps(1),           in_place(kelsMul_64f_I, parts_by(times)).ulps(1),
+    row(kelsMul_64fc, complex_times).ulps(2),            in_place(kelsMul_64fc_I, complex_times).ulps(2),
+
+    row(kelsAddC_8u_Sfs, parts_by(plus)),                in_place(kelsAddC_8u_ISfs, parts_by(plus)),
+    row(kelsAddC_16s_Sfs, parts_by(plus)),               in_place(kelsAddC_16s_ISfs, parts_by(plus)),
+    in_place(kelsAddC_16s_I, parts_by(plus)),
+    row(kelsAddC_16sc_Sfs, parts_by(plus)),              in_place(kelsAddC_16sc_ISfs, parts_by(plus)),
+    row(kelsAddC_32s_Sfs, parts_by(plus)),               in_place(kelsAddC_32s_ISfs, parts_by(plus)),
+    row(kelsAddC_32sc_Sfs, parts_by(plus)),              in_place(kelsAddC_32sc_ISfs, parts_by(plus)),
+    with_telling_constants(row(kelsAddC_32f, plus_constant).ulps(0)),
+    with_telling_constants(in_place(kelsAddC_32f_I, plus_constant).ulps(0)),
+    row(kelsAddC_32fc, parts_by(plus)).ulps(0),          in_place(kelsAddC_32fc_I, parts_by(plus)).ulps(0),
+    with_telling_constants(row(kelsAddC_64f, plus_constant).ulps(1)),
+    with_telling_constants(in_place(kelsAddC_64f_I, plus_constant).ulps(1)),
+    row(kelsAddC_64fc, parts_by(plus)).ulps(1),          in_place(kelsAddC_64fc_I, parts_by(plus)).ulps(1),
+
+    row(kelsSubC_8u_Sfs, parts_by(minus)),               in_place(kelsSubC_8u_ISfs, parts_by(minus)),
+    row(kelsSubC_16s_Sfs, parts_by(minus)),              in_place(kelsSubC_16s_ISfs, parts_by(minus)),
+    in_place(kelsSubC_16s_I, parts_by(minus)),
+    row(kelsSubC_16sc_Sfs, parts_by(minus)),             in_place(kelsSubC_16sc_ISfs, parts_by(minus)),
+    row(kelsSubC_32s_Sfs, parts_by(minus)),              in_place(kelsSubC_32s_ISfs, parts_by(minus)),
+    row(kelsSubC_32sc_Sfs, parts_by(minus)),             in_place(kelsSubC_32sc_ISfs, parts_by(minus)),
+    with_telling_constants(row(kelsSubC_32f, minus_constant).ulps(0)),
+    with_telling_constants(in_place(kelsSubC_32f_I, minus_constant).ulps(0)),
+    row(kelsSubC_32fc, parts_by(minus)).ulps(0),         in_place(kelsSubC_32fc_I, parts_by(minus)).ulps(0),
+    with_telling_constants(row(kelsSubC_64f, minus_constant).ulps(1)),
+    with_telling_constants(in_place(kelsSubC_64f_I, minus_constant).ulps(1)),
+    row(kelsSubC_64fc, parts_by(minus)).ulps(1),         in_place(kelsSubC_64fc_I, parts_by(minus)).ulps(1),
+
+    row(kelsSubCRev_8u_Sfs, parts_by(from)),             in_place(kelsSubCRev_8u_ISfs, parts_by(from)),
+    row(kelsSubCRev_16s_Sfs, parts_by(from)),            in_place(kelsSubCRev_16s_ISfs, parts_by(from)),
+    row(kelsSubCRev_16sc_Sfs, parts_by(from)),           in_place(kelsSubCRev_16sc_ISfs, parts_by(from)),
+    row(kelsSubCRev_32s_Sfs, parts_by(from)),            in_place(kelsSubCRev_32s_ISfs, parts_by(from)),
+    row(kelsSubCRev_32sc_Sfs, parts_by(from)),           in_place(kelsSubCRev_32sc_ISfs, parts_by(from)),
+    row(kelsSubCRev_32f, parts_by(from)).ulps(0),        in_place(kelsSubCRev_32f_I, parts_by(from)).ulps(0),
+    row(kelsSubCRev_32fc, parts_by(from)).ulps(0),       in_place(kelsSubCRev_32fc_I, parts_by(from)).ulps(0),
+    row(kelsSubCRev_64f, parts_by(from)).ulps(1),        in_place(kelsSubCRev_64f_I, parts_by(from)).ulps(1),
+    row(kelsSubCRev_64fc, parts_by(from)).ulps(1),       in_place(kelsSubCRev_64fc_I, parts_by(from)).ulps(1),
+
+    row(kelsMulC_8u_Sfs, parts_by(times)),               in_place(kelsMulC_8u_ISfs, parts_by(times)),
+    row(kelsMulC_16s_Sfs, parts_by(times)),              in_place(kelsMulC_16s_ISfs, parts_by(times)),
+    in_place(kelsMulC_16s_I, parts_by(times)),
+    row(kelsMulC_16sc_Sfs, complex_times),               in_place(kelsMulC_16sc_ISfs, complex_times),
+    row(kelsMulC_32s_Sfs, parts_by(times)),              in_place(kelsMulC_32s_ISfs, parts_by(times)),
+    row(kelsMulC_32sc_Sfs, complex_times),               in_place(kelsMulC_32sc_ISfs, complex_times),
+    with_telling_constants(row(kelsMulC_32f, times_constant).ulps(0)),
+    with_telling_constants(in_place(kelsMulC_32f_I, times_constant).ulps(0)),
+    row(kelsMulC_32fc, complex_times).ulps(1),           in_place(kelsMulC_32fc_I, complex_times).ulps(1),
+    with_telling_constants(row(kelsMulC_64f, times_constant).ulps(1)),
+    with_telling_constants(in_place(kelsMulC_64f_I, times_constant).ulps(1)),
+    row(kelsMulC_64fc, complex_times).ulps(2),           in_place(kelsMulC_64fc_I, complex_times).ulps(2),
+
+    row(kelsAbs_16s, magnitude),                         in_place(kelsAbs_16s_I, magnitude),
+    row(kelsAbs_32f, magnitude).ulps(0),                 in_place(kelsAbs_32f_I, magnitude).ulps(0),
+    row(kelsAbs_64f, magnitude).ulps(0),                 in_place(kelsAbs_64f_I, magnitude).ulps(0),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Arithmetic", rows);
+
+// Every scale factor from the one beyond which all vanishes to the one beyond which all saturates, on extremes and on
+// what lies beside a tie.
+
+constexpr int extreme_factors[] = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
+
+template <class T>
+std::vector<T> telling_integers() {
+    using Limits = std::numeric_limits<T>;
+    std::vector<T> v = {Limits::min(), static_cast<T>(Limits::min() + 1), Limits::max(),
+                        static_cast<T>(Limits::max() - 1), 0};
+    for (int shift = 0; shift < Limits::digits; ++shift)
+        for (long long delta : {-1, 0, 1})
+            for (long long sign : {-1, 1}) {
+                const long long x = sign * (1LL << shift) + delta;
+                if (x >= Limits::min() && x <= Limits::max()) v.push_back(static_cast<T>(x));
+            }
+    return v;
+}
+
+template <class A, class B, class R, class Operation>
+void expect_every_factor(KelStatus (*function)(const A*, const B*, R*, int, int), Operation) {
+    std::vector<A> a;
+    std::vector<B> b;
+    for (A x : telling_integers<A>())
+        for (B y : telling_integers<B>()) {
+            a.push_back(x);
+            b.push_back(y);
+        }
+    std::vector<R> d(a.size());
+    const auto check = [&](int factor) {
+        ASSERT_EQ(function(a.data(), b.data(), d.data(), static_cast<int>(a.size()), factor), kelStatusOk);
+        for (std::size_t i = 0; i < a.size(); ++i)
+            ASSERT_EQ(d[i], scaled<R>(Operation::of(a[i], b[i]), factor)) << +a[i] << ", " << +b[i] << " at " << factor;
+    };
+    for (int factor = -70; factor <= 70; ++factor) check(factor);
+    for (int factor : extreme_factors) check(factor);
+}
+
+TEST(ScaleFactor, EveryOneOfAddition) {
+    expect_every_factor(kelsAdd_8u_Sfs, plus);
+    expect_every_factor(kelsAdd_16s_Sfs, plus);
+    expect_every_factor(kelsAdd_32s_Sfs, plus);
+}
+
+TEST(ScaleFactor, EveryOneOfSubtraction) {
+    expect_every_factor(kelsSub_8u_Sfs, from);
+    expect_every_factor(kelsSub_16s_Sfs, from);
+    expect_every_factor(kelsSub_32s_Sfs, from);
+}
+
+TEST(ScaleFactor, EveryOneOfMultiplication) {
+    expect_every_factor(kelsMul_8u_Sfs, times);
+    expect_every_factor(kelsMul_16s_Sfs, times);
+    expect_every_factor(kelsMul_16s32s_Sfs, times);
+    expect_every_factor(kelsMul_16u16s_Sfs, times);
+    expect_every_factor(kelsMul_32s_Sfs, times);
+}
+
+template <class T>
+void expect_every_factor_of_complex_products(KelStatus (*function)(const T*, const T*, T*, int, int)) {
+    using P = decltype(T::re);
+    const P low = std::numeric_limits<P>::min(), high = std::numeric_limits<P>::max();
+    const P parts[] = {low, static_cast<P>(low + 1), high, 0, 1, -1};
+    std::vector<T> a, b;
+    for (P ar : parts)
+        for (P ai : parts)
+            for (P br : parts)
+                for (P bi : parts) {
+                    a.push_back({ar, ai});
+                    b.push_back({br, bi});
+                }
+    std::vector<T> d(a.size());
+    for (int factor = -70; factor <= 70; ++factor) {
+        ASSERT_EQ(function(a.data(), b.data(), d.data(), static_cast<int>(a.size()), factor), kelStatusOk);
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            const auto exact = complex_product(a[i], b[i]);
+            ASSERT_EQ(d[i].re, scaled<P>(exact.re, factor)) << i << " at " << factor;
+            ASSERT_EQ(d[i].im, scaled<P>(exact.im, factor)) << i << " at " << factor;
+        }
+    }
+}
+
+TEST(ScaleFactor, EveryOneOfComplexMultiplication) {
+    expect_every_factor_of_complex_products(kelsMul_16sc_Sfs);
+    expect_every_factor_of_complex_products(kelsMul_32sc_Sfs);
+}
+
+// Literal values, each a promise by itself.
+
+TEST(Add, TiesGoToEven) {
+    const Kel16s a[] = {1, 3, 5, 7, -1, -3}, zero[6] = {}, want[] = {0, 2, 2, 4, 0, -2};
+    Kel16s d[6];
+    ASSERT_EQ(kelsAdd_16s_Sfs(a, zero, d, 6, 1), kelStatusOk);
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+}
+
+TEST(Add, LastFactorThatLeavesSomething) {
+    const Kel8u a[] = {255, 254}, b[] = {255, 0};
+    Kel8u d[] = {7, 7};
+    kelsAdd_8u_Sfs(a, b, d, 2, 9);
+    EXPECT_EQ(d[0], 1);
+    EXPECT_EQ(d[1], 0);
+    kelsAdd_8u_Sfs(a, b, d, 2, 10);
+    EXPECT_EQ(d[0], 0);
+}
+
+TEST(Mul, ExtremesInEveryPart) {
+    const Kel16sc a = {-32768, -32768};
+    Kel16sc d;
+    kelsMul_16sc_Sfs(&a, &a, &d, 1, 0);
+    EXPECT_EQ(d.re, 0);
+    EXPECT_EQ(d.im, 32767);
+    const Kel32sc b = {INT_MIN, INT_MIN};
+    Kel32sc e;
+    kelsMul_32sc_Sfs(&b, &b, &e, 1, 63);
+    EXPECT_EQ(e.re, 0);
+    EXPECT_EQ(e.im, 1);
+}
+
+TEST(Constant, IntegersThatNeedNoArithmetic) {
+    std::vector<Kel8u> x(100), d(100, 9);
+    for (int i = 0; i < 100; ++i) x[i] = static_cast<Kel8u>(i);
+    EXPECT_EQ(kelsAddC_8u_Sfs(x.data(), 0, d.data(), 100, 0), kelStatusOk);
+    EXPECT_EQ(d, x);
+    EXPECT_EQ(kelsAddC_8u_Sfs(x.data(), 3, d.data(), 100, -8), kelStatusOk);
+    EXPECT_EQ(d, std::vector<Kel8u>(100, 255));
+    EXPECT_EQ(kelsSubCRev_8u_Sfs(x.data(), 0, d.data(), 100, INT_MIN), kelStatusOk);
+    EXPECT_EQ(d, std::vector<Kel8u>(100, 0));
+    EXPECT_EQ(kelsMulC_8u_Sfs(x.data(), 1, d.data(), 100, 0), kelStatusOk);
+    EXPECT_EQ(d, x);
+    EXPECT_EQ(kelsMulC_8u_Sfs(x.data(), 0, d.data(), 100, INT_MIN), kelStatusOk);
+    EXPECT_EQ(d, std::vector<Kel8u>(100, 0));
+}
+
+/// Elements that arithmetic would change: signalling NaNs with a payload, negative zeros.
+template <class T>
+std::vector<T> delicate() {
+    const std::uint64_t bits = sizeof(T) == 4 ? 0xFF812345 : 0xFFF0123456789ABC;
+    std::vector<T> v(37, T(-0.0));
+    for (std::size_t i = 0; i < v.size(); i += 3) std::memcpy(&v[i], &bits, sizeof(T));
+    return v;
+}
+
+template <class T>
+bool same_bits(const std::vector<T>& a, const std::vector<T>& b) {
+    return std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
+}
+
+template <class T>
+void expect_untouched(KelStatus (*out)(const T*, T, T*, int), KelStatus (*in)(T, T*, int), T val) {
+    const std::vector<T> source = delicate<T>();
+    const int len = static_cast<int>(source.size());
+    std::vector<T> d(source.size(), T(5)), same = source;
+    ASSERT_EQ(out(source.data(), val, d.data(), len), kelStatusOk);
+    ASSERT_EQ(in(val, same.data(), len), kelStatusOk);
+    EXPECT_TRUE(same_bits(d, source)) << val;
+    EXPECT_TRUE(same_bits(same, source)) << val;
+}
+
+TEST(Constant, RealElementsComeThroughUntouched) {
+    const Kel32f quiet = std::numeric_limits<Kel32f>::quiet_NaN();
+    for (Kel32f val : {0.0F, -0.0F, quiet, -quiet}) {
+        expect_untouched(kelsAddC_32f, kelsAddC_32f_I, val);
+        expect_untouched<Kel64f>(kelsAddC_64f, kelsAddC_64f_I, val);
+    }
+    for (Kel32f val : {0.0F, -0.0F}) {
+        expect_untouched(kelsSubC_32f, kelsSubC_32f_I, val);
+        expect_untouched<Kel64f>(kelsSubC_64f, kelsSubC_64f_I, val);
+    }
+    for (Kel32f val : {1.0F, quiet, -quiet}) {
+        expect_untouched(kelsMulC_32f, kelsMulC_32f_I, val);
+        expect_untouched<Kel64f>(kelsMulC_64f, kelsMulC_64f_I, val);
+    }
+}
+
+TEST(Constant, ZeroTimesAnythingIsPositiveZero) {
+    std::vector<Kel32f> d = delicate<Kel32f>();
+    d[1] = -HUGE_VALF;
+    kelsMulC_32f_I(-0.0F, d.data(), static_cast<int>(d.size()));
+    EXPECT_TRUE(same_bits(d, std::vector<Kel32f>(d.size(), 0.0F)));
+}
+
+TEST(Constant, SubtractedNaNIsSeen) {
+    Kel32f x[] = {1, 2, 3};
+    kelsSubC_32f_I(std::numeric_limits<Kel32f>::quiet_NaN(), x, 3);
+    for (Kel32f y : x) EXPECT_TRUE(std::isnan(y));
+}
+
+TEST(Abs, OnlyTheSignChanges) {
+    std::vector<Kel32f> x = delicate<Kel32f>(), d(x.size());
+    kelsAbs_32f(x.data(), d.data(), static_cast<int>(x.size()));
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        std::uint32_t before, after;
+        std::memcpy(&before, &x[i], 4);
+        std::memcpy(&after, &d[i], 4);
+        EXPECT_EQ(after, before & 0x7FFFFFFF);
+    }
+}
+
+// Parts that cancel to their last bits, at every size of the factors: what a plain product gets wrong.
+template <class Sample>
+void expect_cancelling_products(KelStatus (*function)(const Sample*, Sample*, int), double ulps) {
+    using T = decltype(Sample::re);
+    constexpr int digits = std::numeric_limits<T>::digits;
+    Random random("cancelling products");
+    for (int exponent : {-400, -60, -10, 0, 10, 60, 300, 500}) {
+        if (sizeof(T) == 4) exponent /= 8;
+        std::vector<Sample> a(1000), b(1000), d;
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            // re = x y - z w with z w just beside x y
+            const T x = static_cast<T>(std::ldexp(random.uniform(1, 2), exponent)),
+                    y = static_cast<T>(random.uniform(1, 2));
+            const T z = static_cast<T>(x * static_cast<T>(1 + random.below(9) * std::ldexp(1.0, 2 - digits)));
+            a[i] = {x, z};
+            b[i] = {y, static_cast<T>(static_cast<long double>(x) * y / z)};
+        }
+        d = b;
+        ASSERT_EQ(function(a.data(), d.data(), static_cast<int>(a.size())), kelStatusOk);
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            const T wanted = static_cast<T>(complex_product(a[i], b[i]).re);
+            const T spacing = std::nextafter(std::fabs(wanted), std::numeric_limits<T>::infinity()) - std::fabs(wanted);
+            ASSERT_LE(std::fabs(d[i].re - wanted), ulps * spacing) << exponent << " at " << i;
+        }
+    }
+}
+
+TEST(ComplexProduct, CancellationKeepsItsLastBits) {
+    expect_cancelling_products(kelsMul_32fc_I, 1);
+    expect_cancelling_products(kelsMul_64fc_I, 2);
+}
+
+// Zeros by operand, by cancellation and by underflow: each with the sign of the exact result.
+TEST(ComplexProduct, ZerosHaveTheirSign) {
+    const double values[] = {0.0, -0.0, 0.027, -0.027, 1e308, 5e-324, -5e-324, 1e-300, -2.5};
+    for (double a : values)
+        for (double b : values)
+            for (double c : values)
+                for (double d : values) {
+                    const Kel64fc x = {a, b};
+                    Kel64fc y = {c, d};
+                    const auto wanted = complex_product(x, y);
+                    kelsMul_64fc_I(&x, &y, 1);
+                    EXPECT_EQ(std::signbit(y.re), std::signbit(wanted.re)) << a << ' ' << b << ' ' << c << ' ' << d;
+                    EXPECT_EQ(std::signbit(y.im), std::signbit(wanted.im)) << a << ' ' << b << ' ' << c << ' ' << d;
+                }
+}
+
+// Products beyond the range whose difference is inside it.
+TEST(ComplexProduct, IntermediateOverflowDoesNoHarm) {
+    const Kel64fc a = {0x1p600, 0x1p600};
+    std::vector<Kel64fc> b(40, {1, 2});
+    b[17] = {0x1.8p440, 0x1.8p440};
+    b[31] = {0x1p423, 0x1p423};
+    const std::vector<Kel64fc> factors(40, a);
+    ASSERT_EQ(kelsMul_64fc_I(factors.data(), b.data(), 40), kelStatusOk);
+    EXPECT_EQ(b[17].re, 0);
+    EXPECT_EQ(b[17].im, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(b[31].re, 0);
+    EXPECT_EQ(b[31].im, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(b[16].re, -0x1p600);
+    EXPECT_EQ(b[16].im, 3 * 0x1p600);
+}
+
+} // namespace
