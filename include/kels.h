@@ -9,6 +9,7 @@
 #include "kels/services.h"
 #include "kels/movement.h"
 #include "kels/arithmetic.h"
+#include "kels/conversion.h"
 #include "kels/fft.h"
 #include "kels/spectrum.h"
 #include "kels/fir.h"

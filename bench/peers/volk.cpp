@@ -43,6 +43,31 @@ void arithmetic() {
     });
 }
 
+void conversion() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("conversion", function, "volk", call); };
+    vectors("kelsConvert_8s16s", [](const signed char* x, short* d, int n) {
+        volk_8i_convert_16i(d, reinterpret_cast<const std::int8_t*>(x), unsigned(n));
+    });
+    vectors("kelsConvert_8s32f", [](const signed char* x, float* d, int n) {
+        volk_8i_s32f_convert_32f(d, reinterpret_cast<const std::int8_t*>(x), 1, unsigned(n));
+    });
+    vectors("kelsConvert_16s32f",
+            [](const short* x, float* d, int n) { volk_16i_s32f_convert_32f(d, x, 1, unsigned(n)); });
+    vectors("kelsConvert_16s32f_Sfs",
+            [](const short* x, float* d, int n) { volk_16i_s32f_convert_32f(d, x, 32768, unsigned(n)); });
+    vectors("kelsConvert_32s32f",
+            [](const int* x, float* d, int n) { volk_32i_s32f_convert_32f(d, x, 1, unsigned(n)); });
+    vectors("kelsConvert_32f64f", [](const float* x, double* d, int n) { volk_32f_convert_64f(d, x, unsigned(n)); });
+    vectors("kelsConvert_64f32f", [](const double* x, float* d, int n) { volk_64f_convert_32f(d, x, unsigned(n)); });
+    vectors("kelsConvert_32f8s_Sfs", [](const float* x, signed char* d, int n) {
+        volk_32f_s32f_convert_8i(reinterpret_cast<std::int8_t*>(d), x, 128, unsigned(n));
+    });
+    vectors("kelsConvert_32f16s_Sfs",
+            [](const float* x, short* d, int n) { volk_32f_s32f_convert_16i(d, x, 128, unsigned(n)); });
+    vectors("kelsConvert_32f32s_Sfs",
+            [](const float* x, int* d, int n) { volk_32f_s32f_convert_32i(d, x, 128, unsigned(n)); });
+}
+
 void movement() {
     const auto vectors = [](const char* function, auto call) { contend_vectors("movement", function, "volk", call); };
     vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
@@ -78,6 +103,7 @@ const std::string version = std::string("VOLK ") + volk_version();
 const Registration volk(
     [] {
         arithmetic();
+        conversion();
         movement();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {
             volk_32f_x2_dot_prod_32f(sum, a, b, n);

@@ -1,0 +1,275 @@
+// Conversions between sample types and normalisation.
+
+#include "kels/conversion.h"
+#include "support/control_state.h"
+#include "support/exact.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::each;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::scaled;
+
+// References
+
+constexpr auto same = each([](auto x) { return x; });
+constexpr auto saturated = each([](Kel32s x) { return scaled<Kel16s>(x); });
+constexpr auto limited = each([](Kel64f x) {
+    const Kel64f most = std::numeric_limits<Kel32f>::max();
+    if (x < most && x > -most) return x;
+    return x <= -most ? -most : most;
+});
+
+template <int Least, int Most>
+struct TimesPower {
+    long double operator()(long double x, int factor) const { return std::ldexp(x, -std::clamp(factor, Least, Most)); }
+};
+
+template <class R>
+struct ToInteger {
+    template <class T>
+    R operator()(T x, int mode, int factor) const {
+        using Limits = std::numeric_limits<R>;
+        if (std::isnan(x)) return sizeof(R) == 4 || std::signbit(x) ? Limits::min() : Limits::max();
+        if (std::isinf(x)) return x < 0 ? Limits::min() : Limits::max();
+        constexpr int far = 3000;
+        const long double exact = std::ldexp(static_cast<long double>(x), -std::clamp(factor, -far, far));
+        return scaled<R>(mode == 1 ? exact : std::trunc(exact));
+    }
+};
+
+constexpr auto normalized = each([]<class T>(T x, T sub, auto divisor) {
+    const long double reciprocal = 1.0L / divisor;
+    const auto part = [=](long double a, long double b) { return (a - b) * reciprocal; };
+    if constexpr (ComplexSample<T>)
+        return kels_test::ExactComplex{part(x.re, sub.re), part(x.im, sub.im)};
+    else
+        return part(x, sub);
+});
+
+constexpr auto normalized_integer = each([]<class T>(T x, T sub, int divisor, int factor) {
+    constexpr int far = 3000;
+    const double power = std::pow(2.0, -static_cast<double>(std::clamp(factor, -far, far)));
+    const long double multiplier = power * (1.0L / divisor);
+    const auto part = [=](int a, int b) -> Kel16s {
+        const long double v = (a - b) * multiplier;
+        if (!(v <= 32767)) return 32767;
+        if (v < -32768) return -32768;
+        const auto shifted = static_cast<float>(v + 12582912);
+        std::int32_t bits;
+        std::memcpy(&bits, &shifted, 4);
+        return static_cast<Kel16s>(bits);
+    };
+    if constexpr (ComplexSample<T>)
+        return T{part(x.re, sub.re), part(x.im, sub.im)};
+    else
+        return part(x, sub);
+});
+
+template <class R>
+constexpr auto to_integer = each(ToInteger<R>{});
+
+Row in_each_mode(const Row& row) { return row.values(0, {0, 1, 1, -1, 2, INT_MIN}); }
+
+const double nan = std::numeric_limits<double>::quiet_NaN();
+
+Row with_telling_divisors(const Row& row) {
+    return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, 1.18e-38, -3e38, HUGE_VAL, nan, 123457});
+}
+Row with_extreme_divisors(const Row& row) {
+    return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e300, 1e-300, 2.3e-308, -1.7e308, HUGE_VAL, nan, 1e-39});
+}
+Row with_whole_divisors(const Row& row) {
+    return row.values(1, {1, 2, -1, 3, -7, 1000, INT_MAX, INT_MIN, 10, 5, 6, 4}).follows_rounding();
+}
+
+const Row rows[] = {
+    row(kelsConvert_8s16s, same),
+    row(kelsConvert_16s32s, same),
+    row(kelsConvert_8s32f, same),
+    row(kelsConvert_8u32f, same),
+    row(kelsConvert_16s32f, same),
+    row(kelsConvert_16u32f, same),
+    row(kelsConvert_32f64f, same).ulps(0),
+    row(kelsConvert_32s64f, same),
+    row(kelsConvert_32s32f, same),
+    row(kelsConvert_32s16s, saturated),
+    row(kelsConvert_64f32f, limited),
+    row(kelsConvert_16s32f_Sfs, each(TimesPower<-112, 126>{})),
+    row(kelsConvert_32s32f_Sfs, each(TimesPower<-96, 126>{})),
+    row(kelsConvert_16s64f_Sfs, each(TimesPower<-1008, 1022>{})),
+    row(kelsConvert_32s64f_Sfs, each(TimesPower<-992, 1022>{})),
+    in_each_mode(row(kelsConvert_32f8s_Sfs, to_integer<Kel8s>)),
+    in_each_mode(row(kelsConvert_32f8u_Sfs, to_integer<Kel8u>)),
+    in_each_mode(row(kelsConvert_32f16s_Sfs, to_integer<Kel16s>)),
+    in_each_mode(row(kelsConvert_32f16u_Sfs, to_integer<Kel16u>)),
+    in_each_mode(row(kelsConvert_32f32s_Sfs, to_integer<Kel32s>)),
+    in_each_mode(row(kelsConvert_64f32s_Sfs, to_integer<Kel32s>)),
+    with_telling_divisors(row(kelsNormalize_32f, normalized).ulps(1)),
+    with_telling_divisors(row(kelsNormalize_32fc, normalized).ulps(1)),
+    with_extreme_divisors(row(kelsNormalize_64f, normalized).ulps(1)),
+    with_extreme_divisors(row(kelsNormalize_64fc, normalized).ulps(1)),
+    with_whole_divisors(row(kelsNormalize_16s_Sfs, normalized_integer)),
+    with_whole_divisors(row(kelsNormalize_16sc_Sfs, normalized_integer)),
+};
+
+const bool registered = kels_test::add_rows("Conversion", rows);
+
+// Every number that lies on, or beside, an integer, a half or a limit, at every scale factor that leaves something.
+
+template <class T>
+void add_with_neighbours(std::vector<T>& v, double x) {
+    const T y = static_cast<T>(x), far = std::numeric_limits<T>::infinity();
+    for (T z : {std::nextafter(y, -far), y, std::nextafter(y, far)}) {
+        v.push_back(z);
+        v.push_back(-z);
+    }
+}
+
+template <class T>
+std::vector<T> beside_boundaries(int factor) {
+    std::vector<T> v;
+    for (double x = 0; x <= 10; x += 0.5) add_with_neighbours<T>(v, std::ldexp(x, factor));
+    for (int digits : {7, 8, 15, 16, 31, 32})
+        for (double delta : {-2.0, -1.5, -1.0, -0.5, 0.0, 0.5, 1.0})
+            add_with_neighbours<T>(v, std::ldexp(std::ldexp(1.0, digits) + delta, factor));
+    return v;
+}
+
+template <class T, class R>
+void expect_right_at_boundaries(KelStatus (*function)(const T*, R*, int, int, int), int from, int to) {
+    for (int factor = from; factor <= to; ++factor) {
+        const std::vector<T> x = beside_boundaries<T>(factor);
+        std::vector<R> d(x.size());
+        for (int mode : {0, 1}) {
+            ASSERT_EQ(function(x.data(), d.data(), static_cast<int>(x.size()), mode, factor), kelStatusOk);
+            for (std::size_t i = 0; i < x.size(); ++i)
+                ASSERT_EQ(d[i], ToInteger<R>{}(x[i], mode, factor)) << x[i] << " at " << factor << ", mode " << mode;
+        }
+    }
+}
+
+TEST(RealToInteger, BoundariesAtEveryScaleFactor) {
+    expect_right_at_boundaries(kelsConvert_32f8s_Sfs, -190, 160);
+    expect_right_at_boundaries(kelsConvert_32f8u_Sfs, -190, 160);
+    expect_right_at_boundaries(kelsConvert_32f16s_Sfs, -190, 160);
+    expect_right_at_boundaries(kelsConvert_32f16u_Sfs, -190, 160);
+    expect_right_at_boundaries(kelsConvert_32f32s_Sfs, -190, 160);
+    expect_right_at_boundaries(kelsConvert_64f32s_Sfs, -1120, 1040);
+}
+
+template <class T, class R>
+void expect(KelStatus (*function)(const T*, R*, int, int, int), int mode, int factor, std::initializer_list<T> x,
+            std::initializer_list<R> want) {
+    std::vector<R> d(x.size());
+    ASSERT_EQ(function(x.begin(), d.data(), static_cast<int>(x.size()), mode, factor), kelStatusOk);
+    EXPECT_EQ(d, std::vector<R>(want)) << "mode " << mode << ", factor " << factor;
+}
+
+TEST(RealToInteger, LiteralValues) {
+    constexpr Kel32f inf = std::numeric_limits<Kel32f>::infinity();
+    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, 0, {2.5F, 3.5F, -2.5F, 32767.4F, 32767.5F, -32767.6F},
+                           {2, 4, -2, 32767, 32767, -32768});
+    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 0, 0, {2.9F, -2.9F, 32767.9F, 32768.0F, -32768.9F},
+                           {2, -2, 32767, 32767, -32768});
+    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, 2, {6, 10}, {2, 2});
+    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, -2, {3.25F}, {13});
+    expect<Kel32f, Kel8u>(kelsConvert_32f8u_Sfs, 1, 0, {-0.0F, -0.4F, 255.4F, 300.0F, inf, -inf},
+                          {0, 0, 255, 255, 255, 0});
+    expect<Kel32f, Kel32s>(kelsConvert_32f32s_Sfs, 1, 0, {2147483648.0F, std::nanf("")}, {INT_MAX, INT_MIN});
+}
+
+// A caller that rounds up and takes denormals for zeros: neither shows, and both stay.
+TEST(RealToInteger, CallersModesDoNotMatterAndStay) {
+    const kels_test::KeepControlState keep;
+    const kels_test::ControlState modes = {0x0B7F, 0x5FC0};
+    std::vector<Kel32f> x(100, 2.5F);
+    x[7] = 0x1p-149F;
+    std::vector<Kel16s> d(100);
+    modes.load();
+    kelsConvert_32f16s_Sfs(x.data(), d.data(), 100, 1, 0);
+    const bool stayed = kels_test::ControlState::current().same_modes(modes);
+    const Kel16s rounded = d[8];
+    kelsConvert_32f16s_Sfs(x.data(), d.data(), 100, 0, -150);
+    const Kel16s from_denormal = d[7];
+    kels_test::ControlState{0x037F, 0x1F80}.load();
+    EXPECT_TRUE(stayed);
+    EXPECT_EQ(rounded, 2);
+    EXPECT_EQ(from_denormal, 2);
+}
+
+TEST(IntegerToReal, FollowsTheCallersMode) {
+    const kels_test::KeepControlState keep;
+    const Kel32s x[] = {16777217, -16777217};
+    Kel32f up[2], scaled_up[2];
+    kels_test::ControlState{0x0B7F, 0x5F80}.load();
+    kelsConvert_32s32f(x, up, 2);
+    kelsConvert_32s32f_Sfs(x, scaled_up, 2, 1);
+    kels_test::ControlState{0x037F, 0x1F80}.load();
+    EXPECT_EQ(up[0], 16777218.0F);
+    EXPECT_EQ(up[1], -16777216.0F);
+    EXPECT_EQ(scaled_up[0], 8388609.0F);
+    EXPECT_EQ(scaled_up[1], -8388608.0F);
+}
+
+TEST(Normalize, LiteralValues) {
+    const Kel16s x[] = {1, 3, 5, -1, -3}, want[] = {0, 2, 2, 0, -2}, most = 32767;
+    Kel16s d[5];
+    ASSERT_EQ(kelsNormalize_16s_Sfs(x, d, 5, 0, 2, 0), kelStatusOk);
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+    ASSERT_EQ(kelsNormalize_16s_Sfs(&most, d, 1, -32768, 1, 0), kelStatusOk);
+    EXPECT_EQ(d[0], 32767);
+    // Nothing times an infinite factor.
+    ASSERT_EQ(kelsNormalize_16s_Sfs(&most, d, 1, 32767, 1, -1024), kelStatusOk);
+    EXPECT_EQ(d[0], 32767);
+}
+
+TEST(Normalize, DivisionByZeroStoresNothing) {
+    Kel32f x = 1, d = 7;
+    EXPECT_EQ(kelsNormalize_32f(&x, &d, 1, 0, 0), kelStatusDivByZero);
+    EXPECT_EQ(kelsNormalize_32f(&x, &d, 1, 0, 1e-39F), kelStatusDivByZero);
+    EXPECT_EQ(kelsNormalize_32f(&x, &d, 0, 0, 0), kelStatusBadSize);
+    EXPECT_EQ(d, 7);
+    EXPECT_EQ(kelsNormalize_32f(&x, &d, 1, 0, std::numeric_limits<Kel32f>::min()), kelStatusOk);
+    EXPECT_EQ(d, 0x1p126F);
+    Kel32fc z = {1, 1}, y = {7, 7};
+    EXPECT_EQ(kelsNormalize_32fc(&z, &y, 1, {0, 0}, -1e-39F), kelStatusDivByZero);
+    EXPECT_EQ(y.im, 7);
+    Kel64f v = 1, w = 7;
+    EXPECT_EQ(kelsNormalize_64f(&v, &w, 1, 0, 1e-309), kelStatusDivByZero);
+    EXPECT_EQ(kelsNormalize_64f(&v, &w, 1, 0, 1e-39), kelStatusOk);
+    EXPECT_DOUBLE_EQ(w, 1e39);
+    Kel64fc p = {1, 1}, q = {7, 7};
+    EXPECT_EQ(kelsNormalize_64fc(&p, &q, 1, {0, 0}, -0.0), kelStatusDivByZero);
+    EXPECT_EQ(q.re, 7);
+    Kel16s i = 1, j = 7;
+    EXPECT_EQ(kelsNormalize_16s_Sfs(&i, &j, 1, 0, 0, 0), kelStatusDivByZero);
+    EXPECT_EQ(j, 7);
+    Kel16sc k = {1, 1}, l = {7, 7};
+    EXPECT_EQ(kelsNormalize_16sc_Sfs(&k, &l, 1, {0, 0}, 0, 0), kelStatusDivByZero);
+    EXPECT_EQ(l.im, 7);
+}
+
+// The difference is beyond the range of doubles, the result is not.
+TEST(Normalize, DifferenceMayOverflow) {
+    const std::vector<Kel64f> x(20, 1.5e308);
+    std::vector<Kel64f> d(20);
+    ASSERT_EQ(kelsNormalize_64f(x.data(), d.data(), 20, -1.5e308, 4), kelStatusOk);
+    for (Kel64f y : d) EXPECT_EQ(y, 0.75e308);
+}
+
+} // namespace
