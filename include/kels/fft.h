@@ -32,25 +32,31 @@ enum {
     kelFftNormNone = 8  /**< neither multiplies: a round trip gives N times the input */
 };
 
-/** Hints for the fixed-point plans; floating-point plans take any value and read none. */
+/** Hints for plans over 16-bit data; any value passes, and those not listed are as kelHintFloat. Floating-point plans
+ *  read none. */
 enum {
-    kelHintDefault   = 0, /**< fixed point for short transforms, floating point for long ones */
-    kelHintWideFixed = 1, /**< fixed point up to longer transforms */
-    kelHintFloat     = 2  /**< floating point at every length */
+    kelHintDefault   = 0, /**< fixed point for orders 1 to 8, single precision above */
+    kelHintWideFixed = 1, /**< fixed point for orders 1 to 10, single precision above */
+    kelHintFloat     = 2  /**< single precision at every order */
 };
 
+typedef struct KelsFftPlan_16s KelsFftPlan_16s; /**< Plan over 16-bit data. */
 typedef struct KelsFftPlan_32f KelsFftPlan_32f; /**< Plan over single-precision data. */
 typedef struct KelsFftPlan_64f KelsFftPlan_64f; /**< Plan over double-precision data. */
 
 /** @name Making a plan
- *  `C` plans transform complex data (`fc` interleaved, `f` two arrays), `R` plans real data; `order` counts points of the sequence that is transformed.
+ *  `C` plans transform complex data (`sc` and `fc` interleaved, `s` and `f` two arrays), `R` plans real data; `order`
+ *  counts points of the sequence that is transformed.
  *
  *  @param ppPlan receives the plan, on success only; it belongs to the caller, who gives it to the matching Free
  *  @param order  0 to 30
  *  @param flag   one of kelFftNormFwd, kelFftNormInv, kelFftNormSqrt, kelFftNormNone
- *  @param hint   not read by these plans
+ *  @param hint   of a 16s plan: kelHintDefault, kelHintWideFixed or kelHintFloat; no other plan reads it
  *  @return `kelStatusNullPtr`, `kelStatusBadFftOrder`, `kelStatusBadFftFlag`, `kelStatusNoMemory` or `kelStatusOk`
  *  @{ */
+KELS_API KelStatus kelsFFTInitAlloc_C_16sc(KelsFftPlan_16s** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_C_16s (KelsFftPlan_16s** ppPlan, int order, int flag, int hint);
+KELS_API KelStatus kelsFFTInitAlloc_R_16s (KelsFftPlan_16s** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_C_32fc(KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_C_32f (KelsFftPlan_32f** ppPlan, int order, int flag, int hint);
 KELS_API KelStatus kelsFFTInitAlloc_C_64fc(KelsFftPlan_64f** ppPlan, int order, int flag, int hint);
@@ -62,6 +68,9 @@ KELS_API KelStatus kelsFFTInitAlloc_R_64f (KelsFftPlan_64f** ppPlan, int order, 
 /** @name Releasing a plan
  *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` (another kind of plan, which stays usable) or `kelStatusOk`
  *  @{ */
+KELS_API KelStatus kelsFFTFree_C_16sc(KelsFftPlan_16s* pPlan);
+KELS_API KelStatus kelsFFTFree_C_16s (KelsFftPlan_16s* pPlan);
+KELS_API KelStatus kelsFFTFree_R_16s (KelsFftPlan_16s* pPlan);
 KELS_API KelStatus kelsFFTFree_C_32fc(KelsFftPlan_32f* pPlan);
 KELS_API KelStatus kelsFFTFree_C_32f (KelsFftPlan_32f* pPlan);
 KELS_API KelStatus kelsFFTFree_C_64fc(KelsFftPlan_64f* pPlan);
@@ -75,6 +84,9 @@ KELS_API KelStatus kelsFFTFree_R_64f (KelsFftPlan_64f* pPlan);
  *  any alignment of the buffer.
  *  @return `kelStatusNullPtr`, `kelStatusContextMismatch` or `kelStatusOk`
  *  @{ */
+KELS_API KelStatus kelsFFTGetBufSize_C_16sc(const KelsFftPlan_16s* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_C_16s (const KelsFftPlan_16s* pPlan, int* pSize);
+KELS_API KelStatus kelsFFTGetBufSize_R_16s (const KelsFftPlan_16s* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_C_32fc(const KelsFftPlan_32f* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_C_32f (const KelsFftPlan_32f* pPlan, int* pSize);
 KELS_API KelStatus kelsFFTGetBufSize_C_64fc(const KelsFftPlan_64f* pPlan, int* pSize);

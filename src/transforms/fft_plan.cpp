@@ -88,15 +88,6 @@ bool normalise(FftPlan<T>& plan, int flag) {
     return true;
 }
 
-struct DeletePlan {
-    template <class Plan>
-    void operator()(Plan* plan) const {
-        plan->planId = 0;
-        plan->~Plan();
-        kelsFree(plan);
-    }
-};
-
 template <PlanId id, class Layout, class Inverse, class Plan>
 KelStatus make_plan(Plan** result, int order, int flag) {
     using T = decltype(Plan::normFactor);
@@ -128,22 +119,6 @@ KelStatus make_plan(Plan** result, int order, int flag) {
         lay_tables<Layout>(*plan, real, space);
     }
     *result = plan.release();
-    return kelStatusOk;
-}
-
-template <PlanId id, class Plan>
-KelStatus free_plan(Plan* plan) {
-    if (!plan) return kelStatusNullPtr;
-    if (plan->planId != id) return kelStatusContextMismatch;
-    DeletePlan{}(plan);
-    return kelStatusOk;
-}
-
-template <PlanId id, class Plan>
-KelStatus buffer_size(const Plan* plan, int* size) {
-    if (!plan || !size) return kelStatusNullPtr;
-    if (plan->planId != id) return kelStatusContextMismatch;
-    *size = plan->workBytes;
     return kelStatusOk;
 }
 

@@ -1,4 +1,4 @@
-// The plan of a power-of-two transform: what every transform reads.
+// Plans: what a transform reads, and what is the same for plans of every kind.
 #pragma once
 
 #include "frame/memory.h"
@@ -9,6 +9,9 @@ namespace kels {
 
 /// First field of every plan: what it transforms.
 enum PlanId : Kel32s {
+    plan_C_16sc = 1,
+    plan_C_16s = 2,
+    plan_R_16s = 3,
     plan_C_32fc = 4,
     plan_C_32f = 5,
     plan_R_32f = 6,
@@ -80,6 +83,32 @@ private:
     Kel8u* memory_;
     std::size_t size_ = 0;
 };
+
+/// Ends a plan, marked as none first.
+struct DeletePlan {
+    template <class Plan>
+    void operator()(Plan* plan) const {
+        plan->planId = 0;
+        plan->~Plan();
+        kelsFree(plan);
+    }
+};
+
+template <PlanId id, class Plan>
+KelStatus free_plan(Plan* plan) {
+    if (!plan) return kelStatusNullPtr;
+    if (plan->planId != id) return kelStatusContextMismatch;
+    DeletePlan{}(plan);
+    return kelStatusOk;
+}
+
+template <PlanId id, class Plan>
+KelStatus buffer_size(const Plan* plan, int* size) {
+    if (!plan || !size) return kelStatusNullPtr;
+    if (plan->planId != id) return kelStatusContextMismatch;
+    *size = plan->workBytes;
+    return kelStatusOk;
+}
 
 } // namespace kels
 

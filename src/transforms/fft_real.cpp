@@ -2,20 +2,14 @@
 // packed layouts differ in where three values stand, and the recombination writes or reads them in place.
 
 #include "transforms/fft_plan.h"
+#include "transforms/packed_spectrum.h"
 #include "transforms/real_recombination.h"
 
 namespace kels {
 namespace {
 
-enum class Layout { perm, pack, ccs };
-
-/// Where bin k >= 1 stands, less 2k.
-constexpr std::ptrdiff_t shift(Layout layout) { return layout == Layout::pack ? -1 : 0; }
-
-/// Where the real bin N/2 stands.
-constexpr std::ptrdiff_t nyquist(Layout layout, std::ptrdiff_t points) {
-    return layout == Layout::perm ? 1 : layout == Layout::pack ? points - 1 : points;
-}
+/// Where bin k >= 1 of an even length stands, less 2k.
+constexpr std::ptrdiff_t shift(Layout layout) { return first_complex(layout, 2) - 2; }
 
 template <Layout layout, class T>
 void forward(const FftPlan<T>& plan, const T* src, T* dst) {

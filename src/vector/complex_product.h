@@ -7,7 +7,7 @@
 //             T. J. Dekker's exact product where the level has no fused multiply-add); where that leaves the range of
 //             doubles, in extended precision, and the elements around with it.
 //
-// The second factor may be a constant.
+// The second factor may be a constant, or taken conjugated.
 #pragma once
 
 #include "frame/blocks.h"
@@ -129,10 +129,21 @@ inline Kel64fc multiply_extended(Kel64fc a, Kel64fc b) {
 inline Kel64fc element(const Kel64f* b, int i) { return {b[2 * i], b[2 * i + 1]}; }
 inline Kel64fc element(const Constant<Kel64f, 2>& b, int) { return {b.value[0], b.value[1]}; }
 
+/// A vector whose elements are taken conjugated.
+struct Conjugated {
+    const Kel64f* of;
+};
+inline Kel64fc element(Conjugated b, int i) { return {b.of[2 * i], -b.of[2 * i + 1]}; }
+
 /// Elements i, i + 1, ... of it.
 template <class V>
 [[gnu::always_inline]] inline Complex<V> elements(const Kel64f* b, int i) {
     return load_interleaved<V>(b + 2 * i);
+}
+template <class V>
+[[gnu::always_inline]] inline Complex<V> elements(Conjugated b, int i) {
+    const Complex<V> z = load_interleaved<V>(b.of + 2 * i);
+    return {z.re, -z.im};
 }
 template <class V>
 [[gnu::always_inline]] inline Complex<V> elements(const Constant<Kel64f, 2>& b, int) {
@@ -176,6 +187,20 @@ inline void multiply_complex(const Kel32fc* a, const Kel32fc* b, Kel32fc* d, int
 }
 inline void multiply_complex(const Kel64fc* a, const Kel64fc* b, Kel64fc* d, int len) {
     multiply_complex_by(a, reals(b), d, len);
+}
+
+/// d = a conj(b).
+inline void multiply_by_conjugate(const Kel32fc* a, const Kel32fc* b, Kel32fc* d, int len) {
+    map_blocks<2>(
+        reals(d), Index{len} * 2,
+        [](auto x, auto y) KELS_INLINE {
+            const auto conjugate = shuffle<[](int i) { return i % 2 == 0 ? i : lanes<decltype(y)> + i; }>(y, -y);
+            return multiply_pairs(x, conjugate);
+        },
+        reals(a), reals(b));
+}
+inline void multiply_by_conjugate(const Kel64fc* a, const Kel64fc* b, Kel64fc* d, int len) {
+    multiply_complex_by(a, Conjugated{reals(b)}, d, len);
 }
 
 } // namespace kels
