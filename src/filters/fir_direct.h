@@ -1,188 +1,103 @@
-// The direct engine: every output is a sum of products in double precision, rounded once.
+// The direct engine: every output is its defining sum.
 //
-// Outputs are made in strips of neighbouring vectors, one broadcast tap against one shifted load each, from a line of
-// samples in double precision that is assembled tile by tile. The line joins the history and the caller's block, so the
-// strips know nothing of the seam, and they read past the last sample only there.
+// Neighbouring outputs are summed side by side from a line that is assembled tile by tile. The line joins the history
+// and the caller's block, so the sums know nothing of the seam, and they read past the last sample only there.
 #pragma once
 
-#include "filters/fir_context.h"
+#include "filters/fir_integer_sums.h"
+#include "filters/fir_real_sums.h"
+#include "filters/fir_rounding.h"
 #include "frame/loop.h"
-#include "frame/simd.h"
+
+#include <cstring>
 
 namespace kels {
 
+template <class Family>
+using SumsOf = std::conditional_t<Family::integer_taps, IntegerSums<Family::complex>, RealSums<Family::complex>>;
+
 /// The samples of a call behind its history: position 0 is src[0], the history ends at position -1.
-template <class Sample>
+template <class Sample, bool newest_first = false>
 struct Stream {
-    const Sample* history; ///< `past` samples, oldest first
+    const Sample* history; ///< `past` samples
     int past;
     const Sample* src;
-    int count;
+    std::ptrdiff_t count;
 
-    /// Copies `length` samples from `position` on, as components of type T; beyond the end, zeros.
+    /// Copies `length` samples from `position` on, as parts of type T, where there are some.
     template <class T>
     void copy(std::ptrdiff_t position, std::ptrdiff_t length, T* out) const {
-        const auto piece = [&](const Sample* samples, std::ptrdiff_t begin, std::ptrdiff_t end) {
+        constexpr int width = parts<Sample>;
+        const auto piece = [&](std::ptrdiff_t begin, std::ptrdiff_t end, auto read) {
             const std::ptrdiff_t from = std::max(position, begin), to = std::min(position + length, end);
             if (from >= to) return;
-            constexpr int width = is_complex<Sample> ? 2 : 1;
-            const auto* in = reinterpret_cast<const Component<Sample>*>(samples + (from - begin));
             T* to_place = out + (from - position) * width;
-            each(static_cast<int>((to - from) * width), [=](auto i) { to_place[i] = static_cast<T>(in[i]); });
+            each(static_cast<int>((to - from) * width),
+                 [=](auto i) { to_place[i] = static_cast<T>(read((from - begin) * width + i)); });
         };
-        constexpr int width = is_complex<Sample> ? 2 : 1;
-        piece(history, -past, 0);
-        piece(src, 0, count);
-        const std::ptrdiff_t missing = std::min(length, position + length - count);
-        if (missing > 0)
-            std::memset(out + (length - missing) * width, 0, static_cast<std::size_t>(missing * width) * sizeof(T));
+        const auto* old = reals(history);
+        const auto* fresh = reals(src);
+        if constexpr (newest_first)
+            piece(-past, 0, [=, this](auto i) { return old[(past - 1 - i / width) * width + i % width]; });
+        else
+            piece(-past, 0, [=](auto i) { return old[i]; });
+        piece(0, count, [=](auto i) { return fresh[i]; });
     }
 };
 
-/// Taps that are summed on their own before they join the total: bounds the rounding of long sums.
-inline constexpr int partial_taps = 32;
+/// Where the engine takes its coefficients, oldest sample first: from a context ...
+template <class Sums>
+struct StoredCoefficients {
+    using Coefficient = typename Sums::Coefficient;
+    const Coefficient* first;
 
-/// `Vectors` vectors of outputs: total[j] += sum over i of taps[i] line[j + i].
-template <int Vectors>
-[[gnu::always_inline]] inline void real_strip(const Kel64f* line, const Kel64f* taps, int count, Vec<Kel64f>* total) {
-    using V = Vec<Kel64f>;
-    for (int begin = 0; begin < count; begin += partial_taps) {
-        const int end = std::min(begin + partial_taps, count);
-        V sum[Vectors] = {};
-        for (int i = begin; i < end; ++i) {
-            const V tap = splat<V>(taps[i]);
-            unrolled<Vectors>([&](auto v) KELS_INLINE { sum[v] = fma(tap, load<V>(line + i + v * lanes<V>), sum[v]); });
-        }
-        unrolled<Vectors>([&](auto v) KELS_INLINE { total[v] = total[v] + sum[v]; });
+    static constexpr int room = 1;
+    static constexpr int passes() { return 1; }
+    const Coefficient* segment(int tap, int /*count*/, int /*pass*/, Coefficient* /*room*/) const {
+        return first + std::ptrdiff_t{tap} * Sums::per_tap;
     }
-}
+};
 
-/// The same over interleaved complex samples: the real and imaginary parts of the taps meet the samples separately, and
-/// the second sum joins the first turned by i.
-template <int Vectors>
-[[gnu::always_inline]] inline void complex_strip(const Kel64f* line, const Kel64f* re, const Kel64f* im, int count,
-                                                 Vec<Kel64f>* total) {
-    using V = Vec<Kel64f>;
-    V sign;
-    for (int lane = 0; lane < lanes<V>; ++lane) sign[lane] = lane % 2 == 0 ? -1 : 1;
-    for (int begin = 0; begin < count; begin += partial_taps) {
-        const int end = std::min(begin + partial_taps, count);
-        V direct[Vectors] = {}, turned[Vectors] = {};
-        for (int i = begin; i < end; ++i) {
-            const V tap_re = splat<V>(re[i]), tap_im = splat<V>(im[i]);
-            unrolled<Vectors>([&](auto v) KELS_INLINE {
-                const V x = load<V>(line + 2 * i + v * lanes<V>);
-                direct[v] = fma(tap_re, x, direct[v]);
-                turned[v] = fma(tap_im, x, turned[v]);
-            });
+/// Adds the products of a strip of outputs and all taps to silence, segment by segment of the taps.
+template <class Sums>
+class Tile {
+public:
+    static constexpr int most_outputs = 1024 / Sums::width, segment = 2048 / Sums::width;
+
+    /// Sums outputs first to first + outputs - 1.
+    template <class Stream, class Taps>
+    void sum(const Stream& stream, std::ptrdiff_t first, int outputs, const Taps& taps, int tapsLen) {
+        constexpr int width = Sums::width;
+        alignas(64) typename Sums::Coefficient room[Taps::room];
+        std::fill_n(total, outputs * width + slack, typename Sums::Total{});
+        for (int tap = 0; tap < tapsLen; tap += segment) {
+            const int count = std::min(segment, tapsLen - tap), needed = outputs + count - 1;
+            stream.copy(first - (tapsLen - 1) + tap, needed, line);
+            std::fill_n(line + needed * width, slack, typename Sums::Line{});
+            for (int pass = 0; pass < taps.passes(); ++pass)
+                Sums::add_strips(line, taps.segment(tap, count, pass, room), count, total, outputs * width, pass);
         }
-        unrolled<Vectors>([&](auto v) KELS_INLINE {
-            const V swapped = shuffle<[](int lane) { return lane ^ 1; }>(turned[v], turned[v]);
-            total[v] = total[v] + fma(sign, swapped, direct[v]);
-        });
     }
-}
 
-/// Adds the taps' part of `width` output components, in strips of four vectors and then of one.
-template <bool complex>
-inline void add_products(const Kel64f* line, const Kel64f* re, const Kel64f* im, int count, Kel64f* total, int width) {
-    using V = Vec<Kel64f>;
-    const auto strip = [&]<int Vectors>(std::integral_constant<int, Vectors>, int at) {
-        V sum[Vectors];
-        unrolled<Vectors>([&](auto v) KELS_INLINE { sum[v] = load<V>(total + at + v * lanes<V>); });
-        if constexpr (complex)
-            complex_strip<Vectors>(line + at, re, im, count, sum);
-        else
-            real_strip<Vectors>(line + at, re, count, sum);
-        unrolled<Vectors>([&](auto v) KELS_INLINE { store(total + at + v * lanes<V>, sum[v]); });
-    };
-    int at = 0;
-    for (; at + 4 * lanes<V> <= width; at += 4 * lanes<V>) strip(std::integral_constant<int, 4>{}, at);
-    for (; at < width; at += lanes<V>) strip(std::integral_constant<int, 1>{}, at);
-}
-
-/// Filters a block whose history is the context's window. The delay line stays as it is.
-template <class Family>
-void filter_direct(const FirContext<Family>& context, const typename Family::Sample* src, typename Family::Sample* dst,
-                   int count) {
-    using Sample = typename Family::Sample;
-    constexpr bool complex = is_complex<Sample>;
-    constexpr int width = complex ? 2 : 1;
-    constexpr int tile = 1024 / width;        // outputs
-    constexpr int tap_segment = 2048 / width; // taps between two stores of the totals
-    constexpr int slack = 64;
-
-    alignas(64) Kel64f line[(tile + tap_segment) * width + slack];
-    alignas(64) Kel64f total[tile * width + slack];
-
-    const int L = context.tapsLen;
-    const Stream<Sample> stream{context.window() + 1, L - 1, src, count};
-    for (int first = 0; first < count; first += tile) {
-        const int outputs = std::min(tile, count - first);
-        std::fill_n(total, outputs * width + lanes<Vec<Kel64f>>, 0.0);
-        for (int tap = 0; tap < L; tap += tap_segment) {
-            const int taps = std::min(tap_segment, L - tap);
-            const int needed = outputs + taps - 1;
-            stream.copy(std::ptrdiff_t{first} - (L - 1) + tap, needed, line);
-            std::fill_n(line + needed * width, lanes<Vec<Kel64f>>, 0.0);
-            const Kel64f* h = context.coefficients.get() + tap;
-            add_products<complex>(line, h, complex ? h + L : nullptr, taps, total, outputs * width);
-        }
-        auto* out = reinterpret_cast<Component<Sample>*>(dst + first);
-        each(outputs * width, [=, &total](auto i) { out[i] = static_cast<Component<Sample>>(total[i]); });
+    template <class Sample, class Rounding>
+    void store(Sample* dst, int outputs, const Rounding& rounding) const {
+        store_rounded(total, reals(dst), outputs * Sums::width, rounding);
     }
-}
 
-/// Sums of a single output, side by side: as many at every level, folded in one order, so that the result does not
-/// depend on the level.
-inline constexpr int parallel_sums = 16;
+private:
+    static constexpr int slack = 64; // vectors may reach behind the last sample
+    alignas(64) typename Sums::Line line[(most_outputs + segment) * Sums::width + slack];
+    alignas(64) typename Sums::Total total[most_outputs * Sums::width + slack];
+};
 
-/// One output from the window, in double precision.
-template <class Family>
-typename Family::Sample filter_window(const FirContext<Family>& context) {
-    using Sample = typename Family::Sample;
-    using V = Vec<Kel64f>;
-    constexpr int vectors = parallel_sums / lanes<V>;
-    const Sample* x = context.window();
-    const Kel64f* h = context.coefficients.get();
-    const int L = context.tapsLen;
-    if constexpr (is_complex<Sample>) {
-        Kel64f re[parallel_sums] = {}, im[parallel_sums] = {};
-        const auto add = [&](int lane, int i) {
-            const Kel64f xr = x[i].re, xi = x[i].im, hr = h[i], hi = h[L + i];
-            re[lane] = fma(hr, xr, fma(-hi, xi, re[lane]));
-            im[lane] = fma(hr, xi, fma(hi, xr, im[lane]));
-        };
-        int i = 0;
-        for (; i + parallel_sums <= L; i += parallel_sums)
-            for (int lane = 0; lane < parallel_sums; ++lane) add(lane, i + lane);
-        for (int lane = 0; i < L; ++i, ++lane) add(lane, i);
-        for (int half = parallel_sums / 2; half > 0; half /= 2)
-            for (int lane = 0; lane < half; ++lane) {
-                re[lane] += re[lane + half];
-                im[lane] += im[lane + half];
-            }
-        return {static_cast<Component<Sample>>(re[0]), static_cast<Component<Sample>>(im[0])};
-    } else {
-        V sum[vectors] = {};
-        const auto add = [&](const Sample* samples, const Kel64f* taps) KELS_INLINE {
-            unrolled<vectors>([&](auto v) KELS_INLINE {
-                const auto in = load<Vec<Sample, lanes<V>>>(samples + v * lanes<V>);
-                sum[v] = fma(load<V>(taps + v * lanes<V>), convert<Kel64f>(in), sum[v]);
-            });
-        };
-        int i = 0;
-        for (; i + parallel_sums <= L; i += parallel_sums) add(x + i, h + i);
-        if (i < L) { // the rest, filled up with silence
-            Sample rest[parallel_sums] = {};
-            Kel64f taps[parallel_sums] = {};
-            std::memcpy(rest, x + i, static_cast<std::size_t>(L - i) * sizeof(Sample));
-            std::memcpy(taps, h + i, static_cast<std::size_t>(L - i) * sizeof(Kel64f));
-            add(rest, taps);
-        }
-        for (int half = vectors / 2; half > 0; half /= 2)
-            for (int v = 0; v < half; ++v) sum[v] = sum[v] + sum[v + half];
-        return static_cast<Sample>(sum_of_lanes(sum[0]));
+/// Filters a block.
+template <class Sums, class Sample, class Taps, class Rounding>
+void filter_direct(const Stream<Sample>& stream, const Taps& taps, int tapsLen, Sample* dst, const Rounding& rounding) {
+    Tile<Sums> tile;
+    for (std::ptrdiff_t first = 0; first < stream.count; first += tile.most_outputs) {
+        const int outputs = static_cast<int>(std::min<std::ptrdiff_t>(tile.most_outputs, stream.count - first));
+        tile.sum(stream, first, outputs, taps, tapsLen);
+        tile.store(dst + first, outputs, rounding);
     }
 }
 

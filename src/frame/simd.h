@@ -276,6 +276,28 @@ template <class M>
     }
 }
 
+/// Halves onto halves, until `Lanes` are left.
+template <int Lanes, class V>
+[[gnu::always_inline]] inline Vec<Element<V>, Lanes> fold(V a) {
+    if constexpr (lanes<V> == Lanes)
+        return a;
+    else
+        return fold<Lanes>(half<0>(a) + half<1>(a));
+}
+
+/// a b + c d for neighbouring pairs of 16-bit lanes, in 32 bits that wrap.
+template <class V>
+[[gnu::always_inline]] inline auto add_products_of_pairs(V a, V b) {
+    using R = Vec<int, lanes<V> / 2>;
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64) return (R)_mm512_madd_epi16((__m512i)a, (__m512i)b);
+#endif
+#if defined(__AVX2__)
+    if constexpr (sizeof(V) == 32) return (R)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+#endif
+    if constexpr (sizeof(V) == 16) return (R)_mm_madd_epi16((__m128i)a, (__m128i)b);
+}
+
 template <class V>
 [[gnu::always_inline]] inline V reverse(V a) {
     if constexpr (lanes<V> == 1)
