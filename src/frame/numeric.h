@@ -4,6 +4,7 @@
 #include "frame/simd.h"
 #include "kels/types.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -77,6 +78,13 @@ inline constexpr int digits = std::numeric_limits<T>::digits;
 template <int Digits>
 using Signed =
     std::conditional_t<Digits <= 15, std::int16_t, std::conditional_t<Digits <= 31, std::int32_t, std::int64_t>>;
+
+/// 2^exponent, a normal number.
+template <class T>
+constexpr T power_of_two(int exponent) {
+    constexpr int fraction = std::numeric_limits<T>::digits - 1, bias = std::numeric_limits<T>::max_exponent - 1;
+    return std::bit_cast<T>(static_cast<Word<T>>(exponent + bias) << fraction);
+}
 
 /// Integer lanes converted to R; what R cannot hold becomes its nearest value.
 template <class R, class V>

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 #include <utility>
@@ -185,10 +186,12 @@ template <class V>
 /// Lanes that are a zero, an infinity or a NaN, as something for `any_lane`.
 template <class V>
 [[gnu::always_inline]] inline auto zero_or_not_finite(V a) {
+    [[maybe_unused]] constexpr int zero_infinite_nan = 0x9F;
 #if defined(__AVX512DQ__)
     if constexpr (std::is_same_v<V, Vec<float, 16>>) {
-        constexpr int zero_infinite_nan = 0x9F;
         return _mm512_fpclass_ps_mask(a, zero_infinite_nan);
+    } else if constexpr (std::is_same_v<V, Vec<double, 8>>) {
+        return _mm512_fpclass_pd_mask(a, zero_infinite_nan);
     } else
 #endif
     {
@@ -222,32 +225,62 @@ template <class V>
     return v;
 }
 
-/// Real lanes converted to 32-bit integers, toward zero or else in the caller's mode. What does not fit, NaNs too,
-/// becomes the lowest integer.
+/// Whether `to_integer` rounds to nearest by itself; otherwise it does in the default modes only.
+#if defined(__SSE4_1__)
+inline constexpr bool nearest_in_any_mode = true;
+#else
+inline constexpr bool nearest_in_any_mode = false;
+#endif
+
+/// Real lanes converted to 32-bit integers, toward zero or to nearest. What does not fit, NaNs too, becomes the lowest
+/// integer.
 template <bool TowardZero, class V>
 [[gnu::always_inline]] inline Vec<int, lanes<V>> to_integer(V a) {
     using R = Vec<int, lanes<V>>;
-    [[maybe_unused]] constexpr int all = (1 << lanes<V> % 32) - 1; // masks, since g++ 12 warns of the forms without
+    // The masks are there because g++ 12 warns of the forms without.
+    [[maybe_unused]] constexpr int all = (1 << lanes<V> % 32) - 1, nearest = 0, quiet = 8;
     if constexpr (sizeof(V) > vector_bytes)
         return both(to_integer<TowardZero>(half<0>(a)), to_integer<TowardZero>(half<1>(a)));
 #if defined(__AVX512F__)
     else if constexpr (std::is_same_v<V, Vec<float, 16>>)
-        return (R)(TowardZero ? _mm512_maskz_cvttps_epi32(all, a) : _mm512_maskz_cvtps_epi32(all, a));
+        return (R)(TowardZero ? _mm512_maskz_cvttps_epi32(all, a)
+                              : _mm512_maskz_cvt_roundps_epi32(all, a, nearest | quiet));
     else if constexpr (std::is_same_v<V, Vec<double, 8>>)
-        return (R)(TowardZero ? _mm512_maskz_cvttpd_epi32(all, a) : _mm512_maskz_cvtpd_epi32(all, a));
+        return (R)(TowardZero ? _mm512_maskz_cvttpd_epi32(all, a)
+                              : _mm512_maskz_cvt_roundpd_epi32(all, a, nearest | quiet));
 #endif
 #if defined(__AVX2__)
     else if constexpr (std::is_same_v<V, Vec<float, 8>>)
-        return (R)(TowardZero ? _mm256_cvttps_epi32(a) : _mm256_cvtps_epi32(a));
+        return (R)_mm256_cvttps_epi32(TowardZero ? a : (V)_mm256_round_ps(a, nearest | quiet));
     else if constexpr (std::is_same_v<V, Vec<double, 4>>)
-        return (R)(TowardZero ? _mm256_cvttpd_epi32(a) : _mm256_cvtpd_epi32(a));
+        return (R)_mm256_cvttpd_epi32(TowardZero ? a : (V)_mm256_round_pd(a, nearest | quiet));
 #endif
+#if defined(__SSE4_1__)
+    else if constexpr (std::is_same_v<V, Vec<float, 4>>)
+        return (R)_mm_cvttps_epi32(TowardZero ? a : (V)_mm_round_ps(a, nearest | quiet));
+    else if constexpr (std::is_same_v<V, Vec<double, 2>>)
+        return half<0>((Vec<int, 4>)_mm_cvttpd_epi32(TowardZero ? a : (V)_mm_round_pd(a, nearest | quiet)));
+#else
     else if constexpr (std::is_same_v<V, Vec<float, 4>>)
         return (R)(TowardZero ? _mm_cvttps_epi32(a) : _mm_cvtps_epi32(a));
     else if constexpr (std::is_same_v<V, Vec<double, 2>>)
         return half<0>((Vec<int, 4>)(TowardZero ? _mm_cvttpd_epi32(a) : _mm_cvtpd_epi32(a)));
+#endif
     else // a part of one register: the rest is zeros
         return half<0>(to_integer<TowardZero>(both(a, V{})));
+}
+
+/// Every other lane, from the first on.
+template <class V>
+[[gnu::always_inline]] inline auto even_lanes(V a) {
+    return half<0>(shuffle<[](int i) { return 2 * i % lanes<V>; }>(a, a));
+}
+
+/// Lanes of both by turns.
+template <class V>
+[[gnu::always_inline]] inline auto zip(V a, V b) {
+    const auto v = both(a, b);
+    return shuffle<[](int i) { return i / 2 + i % 2 * lanes<V>; }>(v, v);
 }
 
 /// Sum of the lanes, halves onto halves.
@@ -261,6 +294,27 @@ template <class V>
         std::memcpy(half, &a, sizeof a);
         return sum_of_lanes<Half>(half[0] + half[1]);
     }
+}
+
+/// Products of 16-bit lanes, added up in pairs. Only the sum 2^31 of four lowest values wraps.
+template <class V>
+[[gnu::always_inline]] inline Vec<int, lanes<V> / 2> add_products(V a, V b) {
+    static_assert(std::is_same_v<Element<V>, std::int16_t>);
+    using R = Vec<int, lanes<V> / 2>;
+    if constexpr (sizeof(V) > vector_bytes)
+        return both(add_products(half<0>(a), half<0>(b)), add_products(half<1>(a), half<1>(b)));
+#if defined(__AVX512BW__)
+    else if constexpr (sizeof(V) == 64)
+        return (R)_mm512_madd_epi16((__m512i)a, (__m512i)b);
+#endif
+#if defined(__AVX2__)
+    else if constexpr (sizeof(V) == 32)
+        return (R)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+#endif
+    else if constexpr (sizeof(V) == 16)
+        return (R)_mm_madd_epi16((__m128i)a, (__m128i)b);
+    else // a part of one register: the rest is zeros
+        return half<0>(add_products(both(a, V{}), both(b, V{})));
 }
 
 /// Whether any lane of a comparison holds.

@@ -13,7 +13,6 @@
 #include "frame/simd.h"
 
 #include <algorithm>
-#include <bit>
 #include <limits>
 #include <type_traits>
 
@@ -48,14 +47,6 @@ KelStatus limit_to(const Kel64f* src, Kel32f* dst, int len) {
         };
         map_blocks(dst, len, limited, src);
     });
-}
-
-// Powers of two
-
-template <class T>
-constexpr T power_of_two(int exponent) {
-    constexpr int fraction = std::numeric_limits<T>::digits - 1, bias = std::numeric_limits<T>::max_exponent - 1;
-    return std::bit_cast<T>(static_cast<Word<T>>(exponent + bias) << fraction);
 }
 
 // Integers to real numbers: the factor is limited so that nothing overflows and nothing is a denormal.
@@ -143,8 +134,11 @@ void round_to(const T* src, R* dst, int len, int scaleFactor) {
 template <class T, class R>
 KelStatus convert_rounded(const T* src, R* dst, int len, int rndMode, int scaleFactor) {
     return vector_call({src, dst}, len, [=] {
-        const DefaultModes modes;
-        if (rndMode == kelRndNear)
+        // Below this factor denormals count.
+        constexpr int denormals_count = std::numeric_limits<T>::min_exponent;
+        const bool nearest = rndMode == kelRndNear;
+        const DefaultModes modes((nearest && !nearest_in_any_mode) || scaleFactor <= denormals_count);
+        if (nearest)
             round_to<false>(src, dst, len, scaleFactor);
         else
             round_to<true>(src, dst, len, scaleFactor);
