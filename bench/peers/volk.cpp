@@ -68,6 +68,15 @@ void conversion() {
             [](const float* x, int* d, int n) { volk_32f_s32f_convert_32i(d, x, 128, unsigned(n)); });
 }
 
+void division() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("division", function, "volk", call); };
+    vectors("kelsDiv_32f",
+            [](const float* a, const float* b, float* d, int n) { volk_32f_x2_divide_32f(d, b, a, unsigned(n)); });
+    vectors("kelsDiv_32fc", [](const Complex* a, const Complex* b, Complex* d, int n) {
+        volk_32fc_x2_divide_32fc(d, b, a, unsigned(n));
+    });
+}
+
 void movement() {
     const auto vectors = [](const char* function, auto call) { contend_vectors("movement", function, "volk", call); };
     vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
@@ -104,6 +113,7 @@ const Registration volk(
     [] {
         arithmetic();
         conversion();
+        division();
         movement();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {
             volk_32f_x2_dot_prod_32f(sum, a, b, n);

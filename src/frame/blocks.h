@@ -31,7 +31,7 @@ template <class W, int Least = 1, int Step = 2, int Lanes = max_lanes<W>, class 
 /// one before: it is read first and written last, so that an operation exactly in place stays right.
 template <class W, int Least = 1, class Read, class Write>
 [[gnu::always_inline]] inline void each_block(Index n, const Read& read, const Write& write) {
-    in_widest<W, Least, 4>(n, [&](auto width) KELS_INLINE {
+    in_widest<W, Least, 4, std::max(max_lanes<W>, Least)>(n, [&](auto width) KELS_INLINE {
         const auto last = read(width, n - width);
         for (Index i = 0; i < n - width; i += width) write(width, i, read(width, i));
         write(width, n - width, last);

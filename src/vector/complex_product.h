@@ -125,34 +125,32 @@ inline Kel64fc multiply_extended(Kel64fc a, Kel64fc b) {
     return {static_cast<Kel64f>(ar * br - ai * bi), static_cast<Kel64f>(ar * bi + ai * br)};
 }
 
-/// Element i of the second factor.
-inline Kel64fc element(const Kel64f* b, int i) { return {b[2 * i], b[2 * i + 1]}; }
-inline Kel64fc element(const Constant<Kel64f, 2>& b, int) { return {b.value[0], b.value[1]}; }
-
 /// A vector whose elements are taken conjugated.
 struct Conjugated {
     const Kel64f* of;
 };
-inline Kel64fc element(Conjugated b, int i) { return {b.of[2 * i], -b.of[2 * i + 1]}; }
 
-/// Elements i, i + 1, ... of it.
+/// Elements i, i + 1, ... of a factor: an array of parts, taken conjugated or not, or a constant.
 template <class V>
-[[gnu::always_inline]] inline Complex<V> elements(const Kel64f* b, int i) {
+[[gnu::always_inline]] inline Complex<V> elements(const Element<V>* b, Index i) {
     return load_interleaved<V>(b + 2 * i);
 }
 template <class V>
-[[gnu::always_inline]] inline Complex<V> elements(Conjugated b, int i) {
+[[gnu::always_inline]] inline Complex<V> elements(Conjugated b, Index i) {
     const Complex<V> z = load_interleaved<V>(b.of + 2 * i);
     return {z.re, -z.im};
 }
 template <class V>
-[[gnu::always_inline]] inline Complex<V> elements(const Constant<Kel64f, 2>& b, int) {
+[[gnu::always_inline]] inline Complex<V> elements(const Constant<Element<V>, 2>& b, Index) {
     return {splat<V>(b.value[0]), splat<V>(b.value[1])};
 }
 
 template <class B>
 [[gnu::noinline]] void multiply_extended(const Kel64fc* a, B b, Kel64fc* d, int from, int to) {
-    for (int i = from; i < to; ++i) d[i] = multiply_extended(a[i], element(b, i));
+    for (int i = from; i < to; ++i) {
+        const Complex<Kel64f> y = elements<Kel64f>(b, i);
+        d[i] = multiply_extended(a[i], {y.re, y.im});
+    }
 }
 
 /// `Vectors` vectors of products from element i on; one look at the range serves them all.

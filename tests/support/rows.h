@@ -80,6 +80,7 @@ struct Frame {
     void* const* in;
     void* const* out;
     int len;
+    void* const* place; // where the function finds its arrays
 };
 
 // From a signature to roles, positions and calls
@@ -217,6 +218,27 @@ struct Whole {
     }
 };
 
+/// The addresses of a call's arrays, in the order of the arguments.
+using Places = std::span<void* const>;
+
+template <class F>
+struct Placed {
+    template <class S>
+    static KelStatus run(const Frame& frame) {
+        return with_positions<S::inputs, S::values,
+                              S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t... O>(
+            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O...>) {
+            std::array<void*, S::arguments.size()> arrays{};
+            std::size_t count = 0;
+            for (std::size_t i = 0; i < S::arguments.size(); ++i)
+                if (S::arguments[i].is_pointer()) arrays[count++] = frame.place[i];
+            return F{}(Places(arrays).first(count), static_cast<const typename S::template Element<I>*>(frame.in[I])...,
+                       static_cast<typename S::template Element<O>*>(frame.out[O])..., frame.len,
+                       *static_cast<const typename S::template Type<V>*>(frame.in[V])...);
+        });
+    }
+};
+
 // What a family writes
 
 /// Reference for one element: reference(elements of the sources..., values...), in the order of the arguments.
@@ -231,6 +253,18 @@ template <class F>
 constexpr Whole<F> whole(F) {
     return {};
 }
+
+/// Reference for a function whose results depend on where its arrays stand: reference(places, sources..., destinations
+/// and results..., len, values...), which returns the status.
+template <class F>
+constexpr Placed<F> placed(F) {
+    return {};
+}
+
+template <class Reference>
+inline constexpr bool is_placed = false;
+template <class F>
+inline constexpr bool is_placed<Placed<F>> = true;
 
 struct Row {
     static constexpr int every_bit = -1;
@@ -250,6 +284,7 @@ struct Row {
     bool checks_length_first = false;
     bool takes_null_sources = false;
     bool depends_on_rounding = false;
+    bool depends_on_place = false;
     double low = 0, high = 0;
     struct {
         int count = 0;
@@ -300,6 +335,7 @@ Row make_row(KelStatus (*function)(A...), const char* file, int line) {
     row.form = form;
     row.call = S::call;
     row.reference = Reference::template run<S>;
+    row.depends_on_place = is_placed<Reference>;
     row.file = file;
     row.line = line;
     return row;

@@ -1,0 +1,168 @@
+// The quotient of complex vectors, b / a = b conj(a) / |a|^2, by one reciprocal an element.
+//
+//   singles: in double arithmetic, which holds products of singles exactly;
+//   doubles: the parts of b conj(a) and |a|^2 are sums of two doubles, and the remainder of the division is added back;
+//            where that leaves the range of doubles, in extended precision.
+//
+// The divisor may be a constant.
+#pragma once
+
+#include "frame/blocks.h"
+#include "frame/complex_vector.h"
+#include "frame/error_free.h"
+#include "kels/services.h"
+#include "vector/complex_product.h"
+#include "vector/division_groups.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+namespace kels {
+
+/// Quotients, and whether one of them needs another look.
+template <class V>
+struct Quotients {
+    Complex<V> value;
+    bool doubtful;
+};
+
+template <class V>
+requires std::is_same_v<Element<V>, Kel32f>
+[[gnu::always_inline]] inline Quotients<V> divide_lanes(Complex<V> b, Complex<V> a) {
+    const auto ar = convert<Kel64f>(a.re), ai = convert<Kel64f>(a.im);
+    const auto br = convert<Kel64f>(b.re), bi = convert<Kel64f>(b.im);
+    const auto size = fma(ar, ar, ai * ai), reciprocal = 1 / size;
+    const auto re = fma(br, ar, bi * ai) * reciprocal, im = fma(bi, ar, -(ai * br)) * reciprocal;
+    return {{convert<Kel32f>(re), convert<Kel32f>(im)}, any_lane(zero_or_not_finite(size))};
+}
+
+// Doubles
+
+/// A number as the sum of two doubles.
+template <class V>
+struct TwoDoubles {
+    V high, low;
+};
+
+/// a b + c d, cancellation included: the errors of the products may be all that is left, and cancel in turn.
+template <class V>
+[[gnu::always_inline]] inline TwoDoubles<V> two_products(V a, V b, V c, V d) {
+    const V p = a * b, q = c * d, sum = p + q;
+    const V of_p = product_error(a, b, p), of_q = product_error(c, d, q), errors = of_p + of_q;
+    const V high = errors == 0 ? sum : sum + errors; // so written, a negative zero stays one
+    return {high, sum_error(sum, errors, high) + (sum_error(of_p, of_q, errors) + sum_error(p, q, sum))};
+}
+
+/// a^2 + b^2, where nothing cancels.
+template <class V>
+[[gnu::always_inline]] inline TwoDoubles<V> two_squares(V a, V b) {
+    const V p = a * a, q = b * b, sum = p + q;
+    return {sum, product_error(a, a, p) + product_error(b, b, q) + sum_error(p, q, sum)};
+}
+
+/// The division's remainder is divided as well.
+template <class V>
+[[gnu::always_inline]] inline V divide(TwoDoubles<V> numerator, TwoDoubles<V> divisor, V reciprocal) {
+    const V quotient = numerator.high * reciprocal, back = quotient * divisor.high;
+    const V remainder = (numerator.high - back) - product_error(quotient, divisor.high, back) +
+                        (numerator.low - quotient * divisor.low);
+    return remainder == 0 ? quotient : quotient + remainder * reciprocal;
+}
+
+/// Not zero, but so small that errors of its products may underflow.
+template <class V>
+[[gnu::always_inline]] inline auto is_small(V x) {
+    const V size = x < 0 ? -x : x;
+    return (size < splat<V>(0x1p-400)) & (x != 0);
+}
+
+template <class V>
+requires std::is_same_v<Element<V>, Kel64f>
+[[gnu::always_inline]] inline Quotients<V> divide_lanes(Complex<V> b, Complex<V> a) {
+    const TwoDoubles<V> size = two_squares(a.re, a.im);
+    const V reciprocal = 1 / size.high;
+    const V re = divide(two_products(b.re, a.re, b.im, a.im), size, reciprocal);
+    const V im = divide(two_products(b.im, a.re, -a.im, b.re), size, reciprocal);
+    const auto small = is_small(a.re) | is_small(a.im) | is_small(b.re) | is_small(b.im);
+    const auto not_finite = (re - re) + (im - im) != 0;
+    return {{re, im}, any_lane(small | not_finite)};
+}
+
+// What needs another look
+
+/// The leading half of a double: products of halves are exact in extended precision.
+inline long double leading_half(Kel64f x) { return std::bit_cast<Kel64f>(std::bit_cast<std::uint64_t>(x) >> 27 << 27); }
+
+/// a b - product, without error, where product is a b rounded to extended precision.
+inline long double extended_error(Kel64f a, Kel64f b, long double product) {
+    const long double ah = leading_half(a), bh = leading_half(b), al = a - ah, bl = b - bh;
+    return al * bl - (((product - ah * bh) - al * bh) - ah * bl);
+}
+
+/// a b + c d, cancellation included.
+inline long double extended_products(Kel64f a, Kel64f b, Kel64f c, Kel64f d) {
+    const long double p = static_cast<long double>(a) * b, q = static_cast<long double>(c) * d, sum = p + q;
+    const long double errors = std::isfinite(sum) ? extended_error(a, b, p) + extended_error(c, d, q) : 0;
+    return errors == 0 ? sum : sum + errors;
+}
+
+/// One quotient by a divisor that is not zero.
+inline Complex<Kel64f> divide_one(Complex<Kel64f> b, Complex<Kel64f> a) {
+    const auto quotient = divide_lanes(b, a);
+    if (!quotient.doubtful) return quotient.value;
+    const long double reciprocal = 1 / extended_products(a.re, a.re, a.im, a.im);
+    return {static_cast<Kel64f>(extended_products(b.re, a.re, b.im, a.im) * reciprocal),
+            static_cast<Kel64f>(extended_products(b.im, a.re, -a.im, b.re) * reciprocal)};
+}
+inline Complex<Kel32f> divide_one(Complex<Kel32f> b, Complex<Kel32f> a) { return divide_lanes(b, a).value; }
+
+/// Divides `Count` elements, whole groups, one by one. Gives whether a divisor counted as zero.
+template <int Group, int Count, class A, class T>
+[[gnu::noinline]] bool divide_one_by_one(A a, const T* b, T* d, Index from) {
+    const T nan =
+        std::is_same_v<T, Kel32f> ? static_cast<T>(kelConstantOfNAN_32f) : static_cast<T>(kelConstantOfNAN_64f);
+    long double size[Count];
+    for (int i = 0; i < Count; ++i) {
+        const Complex<T> x = elements<T>(a, from + i);
+        size[i] = static_cast<long double>(x.re) * x.re + static_cast<long double>(x.im) * x.im;
+    }
+    bool zero_met = false;
+    Complex<T> result[Count];
+    for (int i = 0; i < Count; ++i) {
+        const Outcome what = outcome<Group>(size, i);
+        zero_met |= what == Outcome::divided_by_zero;
+        result[i] = {nan, nan};
+        if (what == Outcome::quotient) result[i] = divide_one(elements<T>(b, from + i), elements<T>(a, from + i));
+    }
+    for (int i = 0; i < Count; ++i) store_interleaved(d + 2 * (from + i), result[i]);
+    return zero_met;
+}
+
+/// Divides elements from to to - 1, in vectors of Lanes elements as far as they go.
+template <int Group, int Lanes, class A, class T>
+[[gnu::always_inline]] inline Index divide_vectors(const A& a, const T* b, T* d, Index from, Index to, bool& zero_met) {
+    using V = Vec<T, Lanes>;
+    for (; from + Lanes <= to; from += Lanes) {
+        const Quotients<V> quotients = divide_lanes(elements<V>(b, from), elements<V>(a, from));
+        if (quotients.doubtful) [[unlikely]]
+            zero_met |= divide_one_by_one<Group, Lanes>(a, b, d, from);
+        else
+            store_interleaved(d + 2 * from, quotients.value);
+    }
+    return from;
+}
+
+/// Divides parts of b by those of a, an array or a constant, in groups. Gives whether a divisor counted as zero.
+template <int Group, class A, class T>
+bool divide_complex(A a, const T* b, T* d, Index from, Index to) {
+    constexpr int most = std::max({max_lanes<Kel64f>, part<Vec<T>>, Group});
+    bool zero_met = false;
+    from = divide_vectors<Group, most>(a, b, d, from, to, zero_met);
+    if constexpr (most > Group) divide_vectors<Group, Group>(a, b, d, from, to, zero_met);
+    return zero_met;
+}
+
+} // namespace kels

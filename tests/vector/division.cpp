@@ -1,0 +1,439 @@
+// Quotients. Integers are held to the last bit, real numbers against extended precision; what long vectors do in groups
+// is told here as it is defined, one reciprocal a group, and held at every alignment.
+
+#include "kels/division.h"
+#include "kels/services.h"
+#include "support/exact.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::in_place;
+using kels_test::placed;
+using kels_test::Places;
+using kels_test::Random;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::scaled;
+using kels_test::sum_of_products;
+using kels_test::whole;
+
+template <class T>
+const T nan_of = std::numeric_limits<T>::quiet_NaN();
+
+// Where groups are
+
+struct Stretch {
+    int from, to;
+};
+
+/// Whole blocks of 32 bytes, from a boundary that all arrays share.
+template <class T>
+Stretch stretch(Places arrays, int len, bool apart_too) {
+    if (len < 32) return {0, 0};
+    const int block = 32 / sizeof(T);
+    const auto offset = [](void* p) { return reinterpret_cast<std::uintptr_t>(p) % 32; };
+    const std::uintptr_t first = offset(arrays[0]);
+    const bool together = std::all_of(arrays.begin(), arrays.end(), [&](void* p) { return offset(p) == first; });
+    if (std::is_same_v<T, Kel32f>) return {0, len / block * block};
+    if (!together || first % sizeof(T) != 0) return {0, apart_too ? len / block * block : 0};
+    int head = 0;
+    while ((first + head * sizeof(T)) % 32 != 0) ++head;
+    return {head, head + (len - head) / block * block};
+}
+
+// Floating point: numerators over divisors in extended precision. Real numbers are their own; complex ones have those
+// of b conj(a) / |a|^2.
+
+struct Fraction {
+    long double re, im, divisor;
+};
+
+template <class T>
+Fraction fraction(T a, T b) {
+    if constexpr (ComplexSample<T>)
+        return {sum_of_products(b.re, a.re, b.im, a.im), sum_of_products(b.im, a.re, -a.im, b.re),
+                sum_of_products(a.re, a.re, a.im, a.im)};
+    else
+        return {b, 0, a};
+}
+
+template <class T>
+void store(T& d, long double re, long double im) {
+    if constexpr (ComplexSample<T>)
+        d = {static_cast<decltype(d.re)>(re), static_cast<decltype(d.re)>(im)};
+    else
+        d = static_cast<T>(re);
+}
+
+/// Gives whether the divisor counts as zero.
+template <class T>
+bool divide_alone(T a, T b, T& d) {
+    const Fraction f = fraction(a, b);
+    const bool counts_as_zero = !(f.divisor < 0 || f.divisor > 0);
+    if (ComplexSample<T> && counts_as_zero)
+        store(d, nan_of<double>, nan_of<double>);
+    else if (ComplexSample<T>)
+        store(d, f.re * (1 / f.divisor), f.im * (1 / f.divisor));
+    else if (counts_as_zero)
+        store(d, f.re > 0 ? HUGE_VAL : f.re < 0 ? -HUGE_VAL : nan_of<double>, 0);
+    else
+        store(d, f.re / f.divisor, 0);
+    return counts_as_zero;
+}
+
+/// The others' divisors times (numerator times the reciprocal of the product of all).
+template <int Group, class T>
+bool divide_group(const T* a, const T* b, T* d) {
+    Fraction f[Group];
+    for (int i = 0; i < Group; ++i) f[i] = fraction(a[i], b[i]);
+    const auto pair = [&](int i) { return f[i & ~1].divisor * f[i | 1].divisor; };
+    const long double product = Group == 2 ? pair(0) : pair(0) * pair(2);
+    if (!(product < 0 || product > 0)) {
+        bool zero = false;
+        for (int i = 0; i < Group; ++i) zero |= divide_alone(a[i], b[i], d[i]);
+        return zero;
+    }
+    for (int i = 0; i < Group; ++i) {
+        const long double reciprocal = Group == 2 ? 1 / product : pair(i ^ 2) * (1 / product);
+        const long double partner = f[i ^ 1].divisor;
+        store(d[i], partner * (f[i].re * reciprocal), partner * (f[i].im * reciprocal));
+    }
+    return false;
+}
+
+constexpr auto divided = placed([]<class T>(Places arrays, const T* a, const T* b, T* d, int len) {
+    constexpr int group = std::is_same_v<T, Kel64fc> ? 2 : 4;
+    const auto [from, to] = stretch<T>(arrays, len, true);
+    bool zero = false;
+    for (int i = 0; i < len; ++i)
+        if (i < from || i >= to)
+            zero |= divide_alone(a[i], b[i], d[i]);
+        else if ((i - from) % group == 0)
+            zero |= divide_group<group>(a + i, b + i, d + i);
+    return zero ? kelStatusDivByZeroValues : kelStatusOk;
+});
+
+constexpr auto divided_by_constant = whole([]<class T>(const T* a, T* d, int len, T val) {
+    for (int i = 0; i < len; ++i) {
+        if constexpr (ComplexSample<T>) {
+            divide_alone(val, a[i], d[i]);
+        } else {
+            const T reciprocal = static_cast<T>(1.0L / val);
+            store(d[i],
+                  reciprocal == 1   ? a[i]
+                  : reciprocal == 0 ? 0.0L
+                                    : static_cast<long double>(a[i]) * reciprocal,
+                  0);
+        }
+    }
+});
+
+// Integers
+
+/// b / a; so large for a zero divisor that it saturates at any factor.
+template <class R>
+R integer_quotient(int b, int a, int factor) {
+    if (a == 0) return b == 0 ? 0 : b > 0 ? std::numeric_limits<R>::max() : std::numeric_limits<R>::min();
+    return scaled<R>(static_cast<long double>(b) / a, factor);
+}
+
+Kel16sc integer_quotient(Kel16sc b, Kel16sc a, int factor) {
+    const long double size = sum_of_products(a.re, a.re, a.im, a.im);
+    if (size == 0) return {0, 0};
+    return {scaled<Kel16s>(sum_of_products(b.re, a.re, b.im, a.im) / size, factor),
+            scaled<Kel16s>(sum_of_products(b.im, a.re, -a.im, b.re) / size, factor)};
+}
+
+template <class T>
+bool is_zero(T x) {
+    if constexpr (ComplexSample<T>)
+        return x.re == 0 && x.im == 0;
+    else
+        return x == 0;
+}
+
+template <class T>
+T any_quotient(T b, T a, int factor) {
+    if constexpr (ComplexSample<T>)
+        return integer_quotient(b, a, factor);
+    else
+        return integer_quotient<T>(b, a, factor);
+}
+
+constexpr auto divided_integers = whole([]<class T>(const T* a, const T* b, T* d, int len, int factor) {
+    for (int i = 0; i < len; ++i) d[i] = any_quotient(b[i], a[i], factor);
+    return std::any_of(a, a + len, is_zero<T>) ? kelStatusDivByZeroValues : kelStatusOk;
+});
+
+constexpr auto divided_by_complex = whole([](const Kel16sc* a, Kel16sc* d, int len, Kel16sc val, int factor) {
+    for (int i = 0; i < len; ++i) d[i] = integer_quotient(a[i], val, factor);
+});
+
+Kel8u in_groups(Kel8u a, Kel8u val, int factor) {
+    factor = std::clamp(factor, -30, 30);
+    if (factor < 0) return static_cast<Kel8u>(std::min<Kel64s>(255, (a * ((1LL << (9 - factor)) / val) + 256) >> 9));
+    const Kel64s whole = 65536 / val, reciprocal = factor == 0 ? whole : (whole + (1LL << (factor - 1))) >> factor;
+    return static_cast<Kel8u>((a * reciprocal + 32768) >> 16);
+}
+
+Kel16s in_groups(Kel16s a, Kel16s val, int factor) {
+    const double k = static_cast<double>(std::ldexp(1.0L / val, -std::clamp(factor, -100, 100)));
+    return std::fabs(k) < 3.051850947599719e-05 ? Kel16s{0} : integer_quotient<Kel16s>(a, val, factor);
+}
+
+constexpr auto divided_by_integer = placed([]<class T>(Places arrays, const T* a, T* d, int len, T val, int factor) {
+    const auto [from, to] = stretch<T>(arrays, len, false);
+    for (int i = 0; i < len; ++i)
+        d[i] = i >= from && i < to ? in_groups(a[i], val, factor) : integer_quotient<T>(a[i], val, factor);
+    return kelStatusOk;
+});
+
+constexpr auto dividing = whole([](const Kel16u* a, Kel16u* d, int len, Kel16u val) {
+    for (int i = 0; i < len; ++i) d[i] = integer_quotient<Kel16u>(val, a[i], 0);
+    return std::any_of(a, a + len, is_zero<Kel16u>) ? kelStatusDivByZeroValues : kelStatusOk;
+});
+
+Row by_bytes(const Row& row) { return row.values(0, {1, 2, 3, 5, 7, 10, 16, 77, 100, 128, 254, 255}); }
+Row by_words(const Row& row) { return row.values(0, {1, -1, 2, 3, -7, 10, 1000, 181, -32768, 32767, -100, 6}); }
+Row by_reals(const Row& row) {
+    return row.values(0, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, -3e38, 2, HUGE_VAL, 49, -10});
+}
+Row by_complex(const Row& row) { return row.values(0, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, -3e38, 2, 7, 49, -10}); }
+
+// clang-format off
+const Row rows[] = {
+    row(kelsDiv_32f, divided).ulps(1),                      in_place(kelsDiv_32f_I, divided).ulps(1),
+    row(kelsDiv_64f, divided).ulps(1),                      in_place(kelsDiv_64f_I, divided).ulps(1),
+    row(kelsDiv_32fc, divided).ulps(1),                     in_place(kelsDiv_32fc_I, divided).ulps(1),
+    row(kelsDiv_64fc, divided).ulps(2),                     in_place(kelsDiv_64fc_I, divided).ulps(2),
+    row(kelsDiv_8u_Sfs, divided_integers),                  in_place(kelsDiv_8u_ISfs, divided_integers),
+    row(kelsDiv_16s_Sfs, divided_integers),                 in_place(kelsDiv_16s_ISfs, divided_integers),
+    row(kelsDiv_16sc_Sfs, divided_integers),                in_place(kelsDiv_16sc_ISfs, divided_integers),
+
+    by_reals(row(kelsDivC_32f, divided_by_constant)).ulps(0),
+    by_reals(in_place(kelsDivC_32f_I, divided_by_constant)).ulps(0),
+    by_reals(row(kelsDivC_64f, divided_by_constant)).ulps(1),
+    by_reals(in_place(kelsDivC_64f_I, divided_by_constant)).ulps(1),
+    by_complex(row(kelsDivC_32fc, divided_by_constant)).ulps(1),
+    by_complex(in_place(kelsDivC_32fc_I, divided_by_constant)).ulps(1),
+    by_complex(row(kelsDivC_64fc, divided_by_constant)).ulps(2),
+    by_complex(in_place(kelsDivC_64fc_I, divided_by_constant)).ulps(2),
+    by_bytes(row(kelsDivC_8u_Sfs, divided_by_integer)),     by_bytes(in_place(kelsDivC_8u_ISfs, divided_by_integer)),
+    by_words(row(kelsDivC_16s_Sfs, divided_by_integer)),    by_words(in_place(kelsDivC_16s_ISfs, divided_by_integer)),
+    by_words(row(kelsDivC_16sc_Sfs, divided_by_complex)),   by_words(in_place(kelsDivC_16sc_ISfs, divided_by_complex)),
+
+    by_words(row(kelsDivCRev_16u, dividing)),               by_words(in_place(kelsDivCRev_16u_I, dividing)),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Division", rows);
+
+// Zeros
+
+TEST(Div, StoresWhatIsStatedForAZeroDivisor) {
+    const Kel32f zeros[] = {0, -0.0F, 0, nan_of<Kel32f>, -nan_of<Kel32f>, nan_of<Kel32f>, 4};
+    const Kel32f b[] = {1, -1, 0, 5, -5, 0, 2};
+    Kel32f d[7];
+    EXPECT_EQ(kelsDiv_32f(zeros, b, d, 7), kelStatusDivByZeroValues);
+    const Kel32f inf = kelConstantOfINF_32f, undefined = kelConstantOfNAN_32f;
+    const Kel32f want[] = {inf, -inf, undefined, inf, -inf, undefined, 0.5F};
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+
+    const Kel64f zero = 0;
+    Kel64f x = -0.0;
+    EXPECT_EQ(kelsDiv_64f_I(&zero, &x, 1), kelStatusDivByZeroValues);
+    EXPECT_EQ(std::memcmp(&x, &kelConstantOfNAN_64f, sizeof x), 0);
+
+    const Kel32fc nothing = {0, -0.0F};
+    Kel32fc z = {1, 2};
+    EXPECT_EQ(kelsDiv_32fc_I(&nothing, &z, 1), kelStatusDivByZeroValues);
+    EXPECT_EQ(std::memcmp(&z.re, &kelConstantOfNAN_32f, sizeof z.re), 0);
+    EXPECT_EQ(std::memcmp(&z.im, &kelConstantOfNAN_32f, sizeof z.im), 0);
+}
+
+TEST(Div, TiesGoToEven) {
+    const Kel16s a[] = {2, -1, 2, 2, 4}, b[] = {5, -32768, -5, 7, 2}, want[] = {2, 32767, -2, 4, 0};
+    Kel16s d[5];
+    ASSERT_EQ(kelsDiv_16s_Sfs(a, b, d, 5, 0), kelStatusOk);
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+}
+
+// A zero constant is an error, and who finds it when is told function by function.
+TEST(DivC, ZeroIsAnErrorAheadOfTheFrameInRealNumbersOnly) {
+    Kel32f x = 7;
+    for (Kel32f zero : {0.0F, -0.0F, nan_of<Kel32f>}) {
+        EXPECT_EQ(kelsDivC_32f(nullptr, zero, nullptr, 0), kelStatusDivByZero);
+        EXPECT_EQ(kelsDivC_32f_I(zero, nullptr, 0), kelStatusDivByZero);
+        EXPECT_EQ(kelsDivC_64f(nullptr, zero, nullptr, 0), kelStatusDivByZero);
+        EXPECT_EQ(kelsDivC_64f_I(zero, nullptr, 0), kelStatusDivByZero);
+        EXPECT_EQ(kelsDivC_32f(&x, zero, &x, 1), kelStatusDivByZero);
+    }
+    EXPECT_EQ(x, 7);
+    EXPECT_EQ(kelsDivC_32fc_I({0, 0}, nullptr, 1), kelStatusNullPtr);
+    EXPECT_EQ(kelsDivC_64fc_I({0, 0}, nullptr, 1), kelStatusNullPtr);
+    EXPECT_EQ(kelsDivC_8u_ISfs(0, nullptr, 1, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsDivC_16s_ISfs(0, nullptr, 1, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsDivC_16sc_ISfs({0, 0}, nullptr, 1, 0), kelStatusNullPtr);
+}
+
+template <class T, class Call>
+void expect_refused(Call divide) {
+    T x;
+    std::memset(&x, 7, sizeof x);
+    const T before = x;
+    EXPECT_EQ(divide(&x, 0), kelStatusBadSize);
+    EXPECT_EQ(divide(&x, 1), kelStatusDivByZero);
+    EXPECT_EQ(std::memcmp(&x, &before, sizeof x), 0);
+}
+
+TEST(DivC, ZeroIsRefused) {
+    const Kel32f nan = nan_of<Kel32f>;
+    expect_refused<Kel8u>([](Kel8u* x, int n) { return kelsDivC_8u_Sfs(x, 0, x, n, 1); });
+    expect_refused<Kel16s>([](Kel16s* x, int n) { return kelsDivC_16s_Sfs(x, 0, x, n, -1); });
+    expect_refused<Kel16sc>([](Kel16sc* x, int n) { return kelsDivC_16sc_Sfs(x, {0, 0}, x, n, 0); });
+    expect_refused<Kel32fc>([](Kel32fc* x, int n) { return kelsDivC_32fc(x, {-0.0F, 0}, x, n); });
+    expect_refused<Kel32fc>([=](Kel32fc* x, int n) { return kelsDivC_32fc(x, {nan, 0}, x, n); });
+    expect_refused<Kel64fc>([=](Kel64fc* x, int n) { return kelsDivC_64fc(x, {nan, nan}, x, n); });
+    Kel32fc one_part = {1, 1};
+    EXPECT_EQ(kelsDivC_32fc_I({nan, 1}, &one_part, 1), kelStatusOk);
+    EXPECT_TRUE(std::isnan(one_part.re));
+}
+
+TEST(DivC, ComplexPartsAreNotMistaken) {
+    const Kel32fc z = {10, 5};
+    Kel32fc d;
+    kelsDivC_32fc(&z, {3, 4}, &d, 1);
+    EXPECT_EQ(d.re, 2);
+    EXPECT_EQ(d.im, -1);
+    const Kel64fc x = {10, 5};
+    Kel64fc y;
+    kelsDivC_64fc(&x, {3, 4}, &y, 1);
+    EXPECT_EQ(y.re, 2);
+    EXPECT_EQ(y.im, -1);
+    const Kel16sc i = {10, 5};
+    Kel16sc j;
+    kelsDivC_16sc_Sfs(&i, {3, 4}, &j, 1, -1);
+    EXPECT_EQ(j.re, 4);
+    EXPECT_EQ(j.im, -2);
+}
+
+TEST(DivCRev, ZeroConstantLooksAtNoSource) {
+    Kel16u d[] = {7, 7};
+    EXPECT_EQ(kelsDivCRev_16u(nullptr, 0, d, 2), kelStatusOk);
+    EXPECT_EQ(d[0] + d[1], 0);
+    EXPECT_EQ(kelsDivCRev_16u_I(0, d, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsDivCRev_16u(d, 0, nullptr, 0), kelStatusNullPtr);
+    const Kel16u zero = 0;
+    EXPECT_EQ(kelsDivCRev_16u(&zero, 1, d, 1), kelStatusDivByZeroValues);
+    EXPECT_EQ(d[0], 65535);
+}
+
+// What groups show
+
+struct alignas(64) Aligned {
+    Kel64f real[64];
+    Kel8u byte[64];
+    Kel16s word[64];
+};
+
+TEST(Groups, AnInfinityTakesTheOthersWithIt) {
+    Aligned a, b, d;
+    std::fill_n(a.real, 64, 2.0);
+    std::fill_n(b.real, 64, -3.0);
+    a.real[9] = HUGE_VAL;                  // alone among 8 to 11
+    a.real[12] = a.real[15] = -HUGE_VAL;   // two
+    a.real[17] = HUGE_VAL, a.real[18] = 0; // with a zero
+    ASSERT_EQ(kelsDiv_64f(a.real, b.real, d.real, 64), kelStatusDivByZeroValues);
+    EXPECT_EQ(d.real[7], -1.5);
+    EXPECT_TRUE(std::isnan(d.real[8]) && std::isnan(d.real[10]) && std::isnan(d.real[11]));
+    EXPECT_TRUE(d.real[9] == 0 && std::signbit(d.real[9]));
+    for (int i = 12; i < 16; ++i) EXPECT_TRUE(std::isnan(d.real[i]));
+    EXPECT_EQ(d.real[16], -1.5);
+    EXPECT_EQ(d.real[17], 0);
+    EXPECT_EQ(d.real[18], -HUGE_VAL);
+    EXPECT_EQ(d.real[19], -1.5);
+    // The same elements in a short vector.
+    ASSERT_EQ(kelsDiv_64f(a.real + 8, b.real, d.real, 8), kelStatusOk);
+    EXPECT_EQ(d.real[0], -1.5);
+    EXPECT_EQ(d.real[1], 0);
+}
+
+TEST(Groups, HalvesOfBytesGoUp) {
+    Aligned a, d;
+    std::fill_n(a.byte, 64, Kel8u{1});
+    ASSERT_EQ(kelsDivC_8u_Sfs(a.byte, 2, d.byte, 31, 0), kelStatusOk);
+    EXPECT_EQ(d.byte[0], 0);
+    ASSERT_EQ(kelsDivC_8u_Sfs(a.byte, 2, d.byte, 33, 0), kelStatusOk);
+    EXPECT_EQ(d.byte[0], 1);
+    EXPECT_EQ(d.byte[31], 1);
+    EXPECT_EQ(d.byte[32], 0);
+    ASSERT_EQ(kelsDivC_8u_Sfs(a.byte, 2, d.byte + 1, 40, 0), kelStatusOk);
+    EXPECT_EQ(d.byte[1], 0);
+}
+
+TEST(Groups, WordsVanishBelowTheSmallestReciprocal) {
+    Aligned a, d;
+    std::fill_n(a.word, 64, Kel16s{-32768});
+    ASSERT_EQ(kelsDivC_16s_Sfs(a.word, -32768, d.word, 50, 0), kelStatusOk);
+    EXPECT_EQ(d.word[47], 0);
+    EXPECT_EQ(d.word[48], 1);
+    ASSERT_EQ(kelsDivC_16s_Sfs(a.word, 32767, d.word, 50, 0), kelStatusOk);
+    EXPECT_EQ(d.word[0], -1);
+}
+
+// Real numbers at the ends of their range
+
+TEST(Groups, ProductsOfDivisorsHaveTheRangeOfExtendedPrecision) {
+    for (double size : {1e300, 1e-300, 5e-324}) {
+        const std::vector<Kel64f> a(64, size);
+        std::vector<Kel64f> b(64, size);
+        ASSERT_EQ(kelsDiv_64f_I(a.data(), b.data(), 64), kelStatusOk);
+        EXPECT_EQ(b, std::vector<Kel64f>(64, 1.0));
+        const std::vector<Kel64fc> z(64, {size, -size});
+        std::vector<Kel64fc> w(64, {size, size});
+        ASSERT_EQ(kelsDiv_64fc_I(z.data(), w.data(), 64), kelStatusOk);
+        for (const Kel64fc& x : w) EXPECT_TRUE(x.re == 0 && x.im == 1) << size << ": " << x.re << ", " << x.im;
+    }
+}
+
+// Numerators that cancel to their last bits.
+template <class T>
+void expect_cancelling_quotients(KelStatus (*function)(const T*, T*, int), double ulps) {
+    using P = decltype(T::re);
+    Random random("cancelling quotients");
+    std::vector<T> a(1000), b(1000), d;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const P x = static_cast<P>(random.uniform(1, 2)), y = static_cast<P>(random.uniform(1, 2));
+        a[i] = {x, y};
+        const P factor = static_cast<P>(random.uniform(-4, 4));
+        b[i] = {x * factor, y * factor}; // the imaginary part is what rounding left
+    }
+    d = b;
+    ASSERT_EQ(function(a.data(), d.data(), static_cast<int>(a.size())), kelStatusOk);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const Fraction f = fraction(a[i], b[i]);
+        const P wanted = static_cast<P>(f.im / f.divisor), size = std::fabs(wanted);
+        ASSERT_LE(std::fabs(d[i].im - wanted), ulps * (std::nextafter(size, static_cast<P>(HUGE_VAL)) - size)) << i;
+    }
+}
+
+TEST(ComplexQuotient, CancellationKeepsItsLastBits) {
+    expect_cancelling_quotients(kelsDiv_32fc_I, 1);
+    expect_cancelling_quotients(kelsDiv_64fc_I, 2);
+}
+
+} // namespace
