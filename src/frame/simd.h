@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -75,6 +76,22 @@ template <class To, class V>
     return load<To>(&a);
 }
 
+/// Half 0 or 1 of the lanes.
+template <int Half, class V>
+[[gnu::always_inline]] inline auto half(V a) {
+    using H = Vec<Element<V>, lanes<V> / 2>;
+    return load<H>(reinterpret_cast<const char*>(&a) + Half * sizeof(H));
+}
+
+/// All lanes of a, then those of b.
+template <class V>
+[[gnu::always_inline]] inline auto both(V a, V b) {
+    Vec<Element<V>, 2 * lanes<V>> v;
+    std::memcpy(&v, &a, sizeof a);
+    std::memcpy(reinterpret_cast<char*>(&v) + sizeof a, &b, sizeof b);
+    return v;
+}
+
 /// a b + c, fused where the level has the instruction. The C library's function is never called: without the
 /// instruction it is slow, and with singles in double arithmetic the product is exact either way.
 template <class V>
@@ -98,6 +115,8 @@ template <class V>
     else if constexpr (std::is_same_v<V, Vec<double, 8>>)
         return _mm512_fmadd_pd(a, b, c);
 #endif
+    else if constexpr (sizeof(V) > vector_bytes)
+        return both(fma(half<0>(a), half<0>(b), half<0>(c)), fma(half<1>(a), half<1>(b), half<1>(c)));
     else
         return a * b + c;
 #else
@@ -148,11 +167,11 @@ template <class V>
     return interleave<0>(splat<V>(a), splat<V>(b));
 }
 
-/// Whether `fma` is one rounding: the level has the instruction, for vectors of this width.
+/// Whether `fma` is one rounding: the level has the instruction, for vectors of whole registers.
 template <class V>
 inline constexpr bool fuses =
 #if defined(__FMA__)
-    std::is_floating_point_v<Element<V>> && (lanes<V> == 1 || (sizeof(V) >= 16 && sizeof(V) <= vector_bytes));
+    std::is_floating_point_v<Element<V>> && (lanes<V> == 1 || sizeof(V) >= 16);
 #else
     false;
 #endif
@@ -207,22 +226,6 @@ template <class To, class V>
         return static_cast<To>(a);
     else
         return __builtin_convertvector(a, Vec<To, lanes<V>>);
-}
-
-/// Half 0 or 1 of the lanes.
-template <int Half, class V>
-[[gnu::always_inline]] inline auto half(V a) {
-    using H = Vec<Element<V>, lanes<V> / 2>;
-    return load<H>(reinterpret_cast<const char*>(&a) + Half * sizeof(H));
-}
-
-/// All lanes of a, then those of b.
-template <class V>
-[[gnu::always_inline]] inline auto both(V a, V b) {
-    Vec<Element<V>, 2 * lanes<V>> v;
-    std::memcpy(&v, &a, sizeof a);
-    std::memcpy(reinterpret_cast<char*>(&v) + sizeof a, &b, sizeof b);
-    return v;
 }
 
 /// Whether `to_integer` rounds to nearest by itself; otherwise it does in the default modes only.
@@ -283,17 +286,18 @@ template <class V>
     return shuffle<[](int i) { return i / 2 + i % 2 * lanes<V>; }>(v, v);
 }
 
-/// Sum of the lanes, halves onto halves.
+/// One value from all lanes: `combine` joins two vectors of lanes, halves onto halves.
+template <class V, class Combine>
+[[gnu::always_inline]] inline Element<V> fold_lanes(V a, const Combine& combine) {
+    if constexpr (lanes<V> == 1)
+        return a;
+    else
+        return fold_lanes(combine(half<0>(a), half<1>(a)), combine);
+}
+
 template <class V>
 [[gnu::always_inline]] inline Element<V> sum_of_lanes(V a) {
-    if constexpr (lanes<V> == 1) {
-        return a;
-    } else {
-        using Half = Vec<Element<V>, lanes<V> / 2>;
-        Half half[2];
-        std::memcpy(half, &a, sizeof a);
-        return sum_of_lanes<Half>(half[0] + half[1]);
-    }
+    return fold_lanes(a, [](auto x, auto y) KELS_INLINE { return static_cast<decltype(x)>(x + y); });
 }
 
 /// Products of 16-bit lanes, added up in pairs. Only the sum 2^31 of four lowest values wraps.
@@ -315,6 +319,13 @@ template <class V>
         return (R)_mm_madd_epi16((__m128i)a, (__m128i)b);
     else // a part of one register: the rest is zeros
         return half<0>(add_products(both(a, V{}), both(b, V{})));
+}
+
+/// Real lanes without their signs.
+template <class V>
+[[gnu::always_inline]] inline V magnitude(V a) {
+    using Bits = Vec<std::conditional_t<sizeof(Element<V>) == 4, std::int32_t, std::int64_t>, lanes<V>>;
+    return bits_as<V>(bits_as<Bits>(a) & splat<Bits>(std::numeric_limits<Element<Bits>>::max()));
 }
 
 /// Whether any lane of a comparison holds.
