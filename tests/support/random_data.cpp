@@ -34,8 +34,10 @@ std::uint64_t one_of(Random& random, const std::uint64_t (&items)[N]) {
     return items[random.below(N)];
 }
 
+bool is_special(Random& random, int specials) { return specials > 0 && random.below(specials) == 0; }
+
 template <class T>
-std::uint64_t integer(Random& random, double low, double high) {
+std::uint64_t integer(Random& random, double low, double high, int specials) {
     using Limits = std::numeric_limits<T>;
     const T special[] = {0,
                          1,
@@ -44,46 +46,39 @@ std::uint64_t integer(Random& random, double low, double high) {
                          Limits::max(),
                          static_cast<T>(Limits::min() + 1),
                          static_cast<T>(Limits::max() - 1)};
-    switch (random.below(8)) {
-    case 0:
-        return pattern(special[random.below(7)]);
-    case 1:
-    case 2:
-        if (low == high) return pattern(static_cast<T>(random.below(201) - 100));
-        [[fallthrough]];
-    default:
-        return pattern(low == high ? static_cast<T>(random.bits()) : static_cast<T>(random.uniform(low, high)));
-    }
+    if (is_special(random, specials)) return pattern(special[random.below(7)]);
+    if (low != high) return pattern(static_cast<T>(random.uniform(low, high)));
+    return pattern(random.below(4) == 0 ? static_cast<T>(random.below(201) - 100) : static_cast<T>(random.bits()));
 }
 
 template <class T, std::size_t N>
-std::uint64_t real(Random& random, const std::uint64_t (&special)[N], double low, double high) {
-    if (random.below(8) == 0) return one_of(random, special);
+std::uint64_t real(Random& random, const std::uint64_t (&special)[N], double low, double high, int specials) {
+    if (is_special(random, specials)) return one_of(random, special);
     if (low != high) return pattern(static_cast<T>(random.uniform(low, high)));
     const double magnitude = std::ldexp(random.uniform(1, 2), random.below(40) - 20);
     return pattern(static_cast<T>(random.below(2) ? magnitude : -magnitude));
 }
 
-std::uint64_t draw(Random& random, Kind kind, double low, double high) {
+std::uint64_t draw(Random& random, Kind kind, double low, double high, int specials) {
     switch (kind) {
     case Kind::u8:
-        return integer<std::uint8_t>(random, low, high);
+        return integer<std::uint8_t>(random, low, high, specials);
     case Kind::s8:
-        return integer<std::int8_t>(random, low, high);
+        return integer<std::int8_t>(random, low, high, specials);
     case Kind::u16:
-        return integer<std::uint16_t>(random, low, high);
+        return integer<std::uint16_t>(random, low, high, specials);
     case Kind::s16:
-        return integer<std::int16_t>(random, low, high);
+        return integer<std::int16_t>(random, low, high, specials);
     case Kind::u32:
-        return integer<std::uint32_t>(random, low, high);
+        return integer<std::uint32_t>(random, low, high, specials);
     case Kind::s32:
-        return integer<std::int32_t>(random, low, high);
+        return integer<std::int32_t>(random, low, high, specials);
     case Kind::s64:
-        return integer<std::int64_t>(random, low, high);
+        return integer<std::int64_t>(random, low, high, specials);
     case Kind::f32:
-        return real<float>(random, special_32f, low, high);
+        return real<float>(random, special_32f, low, high, specials);
     default:
-        return real<double>(random, special_64f, low, high);
+        return real<double>(random, special_64f, low, high, specials);
     }
 }
 
@@ -114,10 +109,10 @@ Random::Random(std::string_view purpose) {
     engine.seed(hash);
 }
 
-void fill_random(Random& random, Type type, void* data, std::size_t count, double low, double high) {
+void fill_random(Random& random, Type type, void* data, std::size_t count, double low, double high, int specials) {
     auto* p = static_cast<std::byte*>(data);
     for (std::size_t i = 0; i < count * type.parts; ++i, p += type.part_size()) {
-        const std::uint64_t bits = draw(random, type.kind, low, high);
+        const std::uint64_t bits = draw(random, type.kind, low, high, specials);
         std::memcpy(p, &bits, type.part_size());
     }
 }

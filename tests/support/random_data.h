@@ -27,11 +27,14 @@ private:
     std::mt19937_64 engine;
 };
 
-/// Fills `count` elements. One part in eight is a special value: zeros, ones, the extremes and their neighbours; in
-/// floating point denormals, infinities, and NaNs of both kinds, signs and several payloads. The others are random in
-/// [low, high] if that is a range; else integers over their whole range, small ones more often, and floating-point
-/// values of either sign between 2^-20 and 2^20.
-void fill_random(Random& random, Type type, void* data, std::size_t count, double low = 0, double high = 0);
+inline constexpr int usual_special_share = 8;
+
+/// Fills `count` elements. One part in `specials`, or none if that is 0, is a special value: zeros, ones, the extremes
+/// and their neighbours; in floating point denormals, infinities, and NaNs of both kinds, signs and several payloads.
+/// The others are random in [low, high] if that is a range; else integers over their whole range, small ones more
+/// often, and floating-point values of either sign between 2^-20 and 2^20.
+void fill_random(Random& random, Type type, void* data, std::size_t count, double low = 0, double high = 0,
+                 int specials = usual_special_share);
 
 /// Writes the value as an element of the type, both parts of a complex one.
 void put_number(Type type, void* data, double value);

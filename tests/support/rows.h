@@ -4,7 +4,7 @@
 //         row(kelsConj_32fc, each(conjugate)),
 //         in_place(kelsConj_32fc_I, each(conjugate)),
 //         row(kelsFlip_8u, whole(reversed)).disjoint(),
-//         reduction(kelsSum_32f, whole(sum)).ulps(1),
+//         reduction(kelsSum_32f, reduced(sum)).ulps(1),
 //     };
 //     const bool registered = add_rows("Movement", rows);
 //
@@ -75,12 +75,21 @@ struct Argument {
 enum class Form : std::uint8_t { separate, in_place, reduction };
 
 /// What a reference works on: an address per argument of the function. An in-place argument has its original among the
-/// inputs and its result among the outputs.
+/// inputs and its result among the outputs. A reduction's reference may leave slack for the parts of the result.
 struct Frame {
     void* const* in;
     void* const* out;
     int len;
+    double* slack;
     void* const* place; // where the function finds its arrays
+};
+
+/// A value, and what a result may be off by besides the row's tolerance.
+struct Within {
+    long double value, slack = 0;
+};
+struct ComplexWithin {
+    Within re, im;
 };
 
 // From a signature to roles, positions and calls
@@ -218,6 +227,35 @@ struct Whole {
     }
 };
 
+template <class T, class R>
+void put_within(T& out, const R& value, double* slack) {
+    if constexpr (std::is_same_v<R, Within>) {
+        out = static_cast<T>(value.value);
+        *slack = static_cast<double>(value.slack);
+    } else if constexpr (std::is_same_v<R, ComplexWithin>) {
+        put_within(out.re, value.re, slack);
+        put_within(out.im, value.im, slack + 1);
+    } else {
+        put(out, value);
+    }
+}
+
+template <class F>
+struct Reduced {
+    template <class S>
+    static KelStatus run(const Frame& frame) {
+        static_assert(S::outputs.size() == 1, "a reference that returns the result has one");
+        with_positions<S::inputs, S::values, S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t O>(
+            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O>) {
+            put_within(*static_cast<typename S::template Element<O>*>(frame.out[O]),
+                       F{}(static_cast<const typename S::template Element<I>*>(frame.in[I])..., frame.len,
+                           *static_cast<const typename S::template Type<V>*>(frame.in[V])...),
+                       frame.slack);
+        });
+        return kelStatusOk;
+    }
+};
+
 /// The addresses of a call's arrays, in the order of the arguments.
 using Places = std::span<void* const>;
 
@@ -254,6 +292,13 @@ constexpr Whole<F> whole(F) {
     return {};
 }
 
+/// Reference for the result of a reduction: reference(sources..., len, values...), which returns it, as a Within or
+/// ComplexWithin where it leaves slack.
+template <class F>
+constexpr Reduced<F> reduced(F) {
+    return {};
+}
+
 /// Reference for a function whose results depend on where its arrays stand: reference(places, sources..., destinations
 /// and results..., len, values...), which returns the status.
 template <class F>
@@ -283,6 +328,7 @@ struct Row {
     bool needs_disjoint = false;
     bool checks_length_first = false;
     bool takes_null_sources = false;
+    int nullable_argument = -1;
     bool depends_on_rounding = false;
     bool depends_on_place = false;
     double low = 0, high = 0;
@@ -301,6 +347,8 @@ struct Row {
     Row length_first() const { return with(&Row::checks_length_first, true); }
     /// A null source is no error in itself; the family tests what it means.
     Row nullable_sources() const { return with(&Row::takes_null_sources, true); }
+    /// This argument may be null; the family tests what it means.
+    Row nullable(int argument) const { return with(&Row::nullable_argument, argument); }
     /// Integer results follow the rounding mode of the caller.
     Row follows_rounding() const { return with(&Row::depends_on_rounding, true); }
     /// Random data lie in [from, to]; special values come all the same.
