@@ -10,6 +10,7 @@
 #include "kels/movement.h"
 #include "kels/arithmetic.h"
 #include "kels/conversion.h"
+#include "kels/statistics.h"
 #include "kels/division.h"
 #include "kels/fft.h"
 #include "kels/spectrum.h"

@@ -1,0 +1,178 @@
+// Norms of vectors and of differences.
+
+#include "kels/statistics.h"
+#include "stats/reference.h"
+#include "support/exact.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ExtendedSum;
+using kels_test::reduce_with;
+using kels_test::reduced;
+using kels_test::reduction;
+using kels_test::Row;
+using kels_test::Within;
+
+// References: of one vector, and by way of the exact differences of two.
+
+enum Norm { inf, l1, l2 };
+
+template <class R>
+Within norm_of(Norm norm, const std::vector<long double>& x) {
+    ExtendedSum magnitudes, squares;
+    long double largest = 0;
+    for (const long double v : x) {
+        if (std::fabs(v) > largest) largest = std::fabs(v);
+        magnitudes.add(std::fabs(v));
+        squares.add_product(v, v);
+    }
+    if (norm == inf) return {largest, 0};
+    if (norm == l1) return magnitudes.result<R>();
+    const long double root = std::sqrt(squares.value());
+    return squares.result<R>(root, root > 0 ? 0.5L / root : 0);
+}
+
+template <class T>
+std::vector<long double> elements(const T* x, int len) {
+    return {x, x + len};
+}
+template <class T>
+std::vector<long double> elements(const T* x, const T* y, int len) {
+    std::vector<long double> d(len);
+    for (int i = 0; i < len; ++i) d[i] = static_cast<long double>(x[i]) - y[i];
+    return d;
+}
+
+/// Integers have no slack: their sums are exact.
+template <Norm norm>
+struct Reference {
+    template <class T>
+    auto operator()(const T* x, int len) const {
+        return result<T>(elements(x, len));
+    }
+    template <class T>
+    auto operator()(const T* x, const T* y, int len) const {
+        return result<T>(elements(x, y, len));
+    }
+    template <class T>
+    static Within result(const std::vector<long double>& x) {
+        const Within exact = norm_of<T>(norm, x);
+        return std::is_integral_v<T> ? Within{exact.value, 0} : exact;
+    }
+};
+
+/// Bits beyond the point are dropped; the root is multiplied and rounded to double before.
+template <Norm norm>
+struct Scaled {
+    Kel32s operator()(const Kel16s* x, int len, int factor) const { return result(elements(x, len), factor); }
+    Kel32s operator()(const Kel16s* x, const Kel16s* y, int len, int factor) const {
+        return result(elements(x, y, len), factor);
+    }
+    static Kel32s result(const std::vector<long double>& x, int factor) {
+        const long double exact = std::ldexp(norm_of<Kel32f>(norm, x).value, -std::clamp(factor, -300, 300));
+        if (exact >= INT_MAX) return INT_MAX;
+        return static_cast<Kel32s>(std::trunc(norm == l2 ? static_cast<double>(exact) : exact));
+    }
+};
+
+Row in_range(const Row& row) { return row.values(0, {0, 1, 2, 3, 8, 15, 30, -1, -2, -7, -16, -30}); }
+
+const Row rows[] = {
+    reduction(kelsNorm_Inf_16s32f, reduced(Reference<inf>{})).ulps(0),
+    reduction(kelsNorm_Inf_32f, reduced(Reference<inf>{})),
+    reduction(kelsNorm_Inf_64f, reduced(Reference<inf>{})),
+    reduction(kelsNorm_L1_16s32f, reduced(Reference<l1>{})).ulps(0),
+    reduction(kelsNorm_L1_32f, reduced(Reference<l1>{})).ulps(1),
+    reduction(kelsNorm_L1_64f, reduced(Reference<l1>{})).ulps(1),
+    reduction(kelsNorm_L2_16s32f, reduced(Reference<l2>{})).ulps(1),
+    reduction(kelsNorm_L2_32f, reduced(Reference<l2>{})).ulps(1),
+    reduction(kelsNorm_L2_64f, reduced(Reference<l2>{})).ulps(1),
+    in_range(reduction(kelsNorm_Inf_16s32s_Sfs, reduced(Scaled<inf>{}))),
+    in_range(reduction(kelsNorm_L1_16s32s_Sfs, reduced(Scaled<l1>{}))),
+    in_range(reduction(kelsNorm_L2_16s32s_Sfs, reduced(Scaled<l2>{}))),
+    reduction(kelsNormDiff_Inf_16s32f, reduced(Reference<inf>{})).ulps(0),
+    reduction(kelsNormDiff_Inf_32f, reduced(Reference<inf>{})),
+    reduction(kelsNormDiff_Inf_64f, reduced(Reference<inf>{})).ulps(1),
+    reduction(kelsNormDiff_L1_16s32f, reduced(Reference<l1>{})).ulps(0),
+    reduction(kelsNormDiff_L1_32f, reduced(Reference<l1>{})).ulps(1),
+    reduction(kelsNormDiff_L1_64f, reduced(Reference<l1>{})).ulps(1),
+    reduction(kelsNormDiff_L2_16s32f, reduced(Reference<l2>{})).ulps(1),
+    reduction(kelsNormDiff_L2_32f, reduced(Reference<l2>{})).ulps(1),
+    reduction(kelsNormDiff_L2_64f, reduced(Reference<l2>{})).ulps(1),
+    in_range(reduction(kelsNormDiff_Inf_16s32s_Sfs, reduced(Scaled<inf>{}))),
+    in_range(reduction(kelsNormDiff_L1_16s32s_Sfs, reduced(Scaled<l1>{}))),
+    in_range(reduction(kelsNormDiff_L2_16s32s_Sfs, reduced(Scaled<l2>{}))),
+};
+
+const bool registered = kels_test::add_rows("Norms", rows);
+
+using Shorts = std::vector<Kel16s>;
+
+TEST(Norm, LiteralValues) {
+    EXPECT_EQ(reduce_with(kelsNorm_Inf_16s32s_Sfs, {-32768}, 0), 32768);
+    EXPECT_EQ(reduce_with(kelsNorm_Inf_16s32s_Sfs, {-32768}, 1), 16384);
+    EXPECT_EQ(reduce_with(kelsNormDiff_Inf_16s32s_Sfs, Shorts{32767}, Shorts{-32768}, 0), 65535);
+    EXPECT_EQ(reduce_with(kelsNorm_L1_16s32s_Sfs, {1, 2}, 1), 1);
+    EXPECT_EQ(reduce_with(kelsNorm_L1_16s32s_Sfs, {-32768, -32768}, -16), INT_MAX);
+    EXPECT_EQ(reduce_with(kelsNorm_L2_16s32s_Sfs, {3, 4}, 0), 5);
+    EXPECT_EQ(reduce_with(kelsNorm_L2_16s32s_Sfs, {1, 1}, 0), 1);
+    EXPECT_EQ(reduce_with(kelsNorm_L2_16s32s_Sfs, {1, 1}, -10), 1448);
+    const Kel32f nan = std::nanf("");
+    EXPECT_EQ(reduce_with(kelsNorm_Inf_32f, {1, nan, 2}), 2);
+    EXPECT_TRUE(std::isnan(reduce_with(kelsNorm_L1_32f, {1, nan, 2})));
+    EXPECT_TRUE(std::isnan(reduce_with(kelsNorm_L2_64f, {1, nan, 2})));
+    EXPECT_EQ(reduce_with(kelsNorm_Inf_32f, {nan}), 0);
+}
+
+TEST(Norm, IsExactAtAnyLength) {
+    for (const int len : {16383, 16384, 16385, 65535, 65536, 65537, 131073, 300000}) {
+        const Shorts low(len, -32768), high(len, 32767), few = [&] {
+            Shorts x(len);
+            x.front() = x[len / 2] = -32768;
+            return x;
+        }();
+        const long double n = len;
+        EXPECT_EQ(reduce_with(kelsNorm_L1_16s32s_Sfs, low, 4), len * Kel64s{32768} >> 4);
+        EXPECT_EQ(reduce_with(kelsNorm_L1_16s32f, low), static_cast<Kel32f>(n * 32768));
+        EXPECT_EQ(reduce_with(kelsNormDiff_L1_16s32f, high, low), static_cast<Kel32f>(n * 65535));
+        EXPECT_EQ(reduce_with(kelsNorm_L2_16s32f, low), static_cast<Kel32f>(std::sqrt(n) * 32768));
+        EXPECT_EQ(reduce_with(kelsNormDiff_L2_16s32f, high, low), static_cast<Kel32f>(std::sqrt(n) * 65535));
+        EXPECT_EQ(reduce_with(kelsNormDiff_L2_16s32s_Sfs, low, high, 0), static_cast<Kel32s>(std::sqrt(n) * 65535));
+        EXPECT_EQ(reduce_with(kelsNorm_L1_16s32s_Sfs, few, -16), INT_MAX);
+        EXPECT_EQ(reduce_with(kelsNorm_L1_16s32s_Sfs, few, -14), 1 << 30);
+    }
+}
+
+// Squares beyond and below the range of doubles.
+TEST(Norm, SquaresMayLeaveTheRange) {
+    EXPECT_EQ(reduce_with(kelsNorm_L2_64f, {3e300, 4e300}), 5e300);
+    EXPECT_DOUBLE_EQ(reduce_with(kelsNorm_L2_64f, std::vector<Kel64f>(100, 1e-300)), 1e-299);
+    EXPECT_EQ(reduce_with(kelsNorm_L2_64f, std::vector<Kel64f>(100)), 0);
+    const std::vector<Kel64f> x(50, 1e-200), y(50, 1e-200), z(50, 2e-200);
+    EXPECT_EQ(reduce_with(kelsNormDiff_L2_64f, x, y), 0);
+    EXPECT_DOUBLE_EQ(reduce_with(kelsNormDiff_L2_64f, x, z), std::sqrt(50) * 1e-200);
+    EXPECT_DOUBLE_EQ(reduce_with(kelsNorm_L1_64f, {1e308, -0.5e308}), 1.5e308);
+    EXPECT_EQ(reduce_with(kelsNormDiff_L1_64f, std::vector<Kel64f>{1.5e308}, std::vector<Kel64f>{-1.5e308}), HUGE_VAL);
+}
+
+// Differences that a rounded subtraction would lose.
+TEST(NormDiff, DifferencesAreExact) {
+    const int len = 1000;
+    std::vector<Kel64f> x(len, 1), y(len, 0x1p-60);
+    EXPECT_EQ(reduce_with(kelsNormDiff_L1_64f, x, y), static_cast<Kel64f>(len - len * 0x1p-60L));
+    x.push_back(-1000);
+    y.push_back(-1000);
+    EXPECT_EQ(reduce_with(kelsNormDiff_L1_64f, x, y), static_cast<Kel64f>(len - len * 0x1p-60L));
+}
+
+} // namespace

@@ -1,0 +1,334 @@
+// Sums, means and standard deviations.
+
+#include "kels/statistics.h"
+#include "stats/reference.h"
+#include "support/control_state.h"
+#include "support/exact.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::ComplexWithin;
+using kels_test::ExtendedSum;
+using kels_test::reduce_with;
+using kels_test::reduced;
+using kels_test::reduction;
+using kels_test::Row;
+using kels_test::scaled;
+using kels_test::Within;
+
+// References
+
+template <class T>
+ExtendedSum total_of(const T* x, int len) {
+    ExtendedSum sum;
+    for (int i = 0; i < len; ++i) sum.add(x[i]);
+    return sum;
+}
+
+/// Applies a function of one part's total to each part.
+template <class Of, class T>
+auto of_parts(const T* x, int len, Of of) {
+    if constexpr (ComplexSample<T>) {
+        using P = decltype(T::re);
+        std::vector<P> re, im;
+        for (int i = 0; i < len; ++i) {
+            re.push_back(x[i].re);
+            im.push_back(x[i].im);
+        }
+        return std::pair(of(total_of(re.data(), len)), of(total_of(im.data(), len)));
+    } else {
+        return of(total_of(x, len));
+    }
+}
+
+template <class R>
+struct Sum {
+    template <class T>
+    auto operator()(const T* x, int len, int = 0) const {
+        const auto sums = of_parts(x, len, [](const ExtendedSum& s) { return s.result<R>(); });
+        if constexpr (ComplexSample<T>)
+            return ComplexWithin{sums.first, sums.second};
+        else
+            return sums;
+    }
+};
+
+/// Saturated to 32 bits before a shift to the left, and then to the result.
+template <class R>
+struct ScaledSum {
+    template <class T>
+    R operator()(const T* x, int len, int factor) const {
+        const auto part = [=](const ExtendedSum& s) {
+            const Kel32s unscaled = scaled<Kel32s>(s.value(), factor > 0 ? factor : 0);
+            return scaled<Kel32s>(unscaled, factor < 0 ? factor : 0);
+        };
+        const auto sums = of_parts(x, len, part);
+        if constexpr (ComplexSample<T>)
+            return {scaled<decltype(R::re)>(sums.first), scaled<decltype(R::re)>(sums.second)};
+        else
+            return scaled<R>(sums);
+    }
+};
+
+template <class R>
+struct Mean {
+    template <class T>
+    auto operator()(const T* x, int len, int = 0) const {
+        const auto means =
+            of_parts(x, len, [=](const ExtendedSum& s) { return s.result<R>(s.value() / len, 1.0L / len); });
+        if constexpr (ComplexSample<T>)
+            return ComplexWithin{means.first, means.second};
+        else
+            return means;
+    }
+};
+
+struct ScaledMean {
+    static Kel16s saturated(long double mean) { return scaled<Kel16s>(mean); }
+
+    template <class T>
+    T operator()(const T* x, int len, int factor) const {
+        const auto part = [=](const ExtendedSum& s) -> Kel16s {
+            if (factor >= 16) return 0;
+            const long double sum = s.value();
+            if (factor <= -15) return sum > 0 ? 32767 : sum < 0 ? -32768 : 0;
+            if constexpr (ComplexSample<T>)
+                return saturated(sum * (1.0L / std::ldexp(static_cast<long double>(len), factor)));
+            else
+                return saturated(std::ldexp(sum, -std::min(factor, 0)) / std::ldexp(1.0L * len, std::max(factor, 0)));
+        };
+        const auto means = of_parts(x, len, part);
+        if constexpr (ComplexSample<T>)
+            return {means.first, means.second};
+        else
+            return means;
+    }
+};
+
+/// By the formula, in extended precision: what counts is the sign of its NaNs.
+template <class T>
+long double deviation_of_anything(const T* x, int len) {
+    long double sum[2] = {}, squares[2] = {};
+    for (int i = 0; i < len; ++i) {
+        const long double v = x[i];
+        sum[i % 2] += v;
+        squares[i % 2] += v * v;
+    }
+    const long double s = sum[0] + sum[1], q = squares[0] + squares[1], n = len;
+    const long double quotient = (n * q - s * s) / (n * (n - 1));
+    return std::signbit(quotient) ? 0 : std::sqrt(quotient);
+}
+
+/// About the mean, where nothing cancels.
+template <class T>
+long double exact_deviation(const T* x, int len) {
+    const long double mean = total_of(x, len).value() / len;
+    ExtendedSum sum, squares;
+    for (int i = 0; i < len; ++i) {
+        const long double d = x[i] - mean;
+        sum.add(d);
+        squares.add_product(d, d);
+    }
+    return std::sqrt((squares.value() - sum.value() * sum.value() / len) / (len - 1));
+}
+
+struct Deviation {
+    template <class T>
+    Within operator()(const T* x, int len, int = 0) const {
+        if (!std::all_of(x, x + len, [](T v) { return std::isfinite(v); })) return {deviation_of_anything(x, len), 0};
+        const long double deviation = exact_deviation(x, len);
+        // Where elements are so large that squares leave the range of doubles, the formula's own cancellation counts.
+        ExtendedSum squares;
+        for (int i = 0; i < len; ++i) squares.add_product(x[i], x[i]);
+        const bool large = squares.value() > std::numeric_limits<Kel64f>::max();
+        return {deviation, large ? squares.slack<Kel64f>() / (len - 1) / deviation : 0};
+    }
+};
+
+template <class R>
+struct ScaledDeviation {
+    R operator()(const Kel16s* x, int len, int factor) const {
+        return scaled<R>(scaled<Kel32s>(exact_deviation(x, len), factor));
+    }
+};
+
+Row about_the_limits(const Row& row) { return row.values(0, {0, 1, -1, 3, 14, 15, 16, -14, -15, 48, 49, INT_MAX}); }
+
+const Row rows[] = {
+    reduction(kelsSum_16s32s_Sfs, reduced(ScaledSum<Kel32s>{})),
+    reduction(kelsSum_16s_Sfs, reduced(ScaledSum<Kel16s>{})),
+    reduction(kelsSum_16sc32sc_Sfs, reduced(ScaledSum<Kel32sc>{})),
+    reduction(kelsSum_16sc_Sfs, reduced(ScaledSum<Kel16sc>{})),
+    reduction(kelsSum_32f, reduced(Sum<Kel32f>{})).ulps(1),
+    reduction(kelsSum_32fc, reduced(Sum<Kel32f>{})).ulps(1),
+    reduction(kelsSum_64f, reduced(Sum<Kel64f>{})).ulps(1),
+    about_the_limits(reduction(kelsMean_16s_Sfs, reduced(ScaledMean{}))).follows_rounding(),
+    about_the_limits(reduction(kelsMean_16sc_Sfs, reduced(ScaledMean{}))).follows_rounding(),
+    reduction(kelsMean_32f, reduced(Mean<Kel32f>{})).ulps(1),
+    reduction(kelsMean_32fc, reduced(Mean<Kel32f>{})).ulps(1),
+    reduction(kelsMean_64f, reduced(Mean<Kel64f>{})).ulps(1),
+    reduction(kelsStdDev_16s32s_Sfs, reduced(ScaledDeviation<Kel32s>{})).shortest(2).follows_rounding(),
+    reduction(kelsStdDev_16s_Sfs, reduced(ScaledDeviation<Kel16s>{})).shortest(2).follows_rounding(),
+    reduction(kelsStdDev_32f, reduced(Deviation{})).ulps(1).shortest(2),
+    reduction(kelsStdDev_64f, reduced(Deviation{})).ulps(1).shortest(2),
+};
+
+const bool registered = kels_test::add_rows("Sums", rows);
+
+// Sums
+
+TEST(Sum, LiteralValues) {
+    EXPECT_EQ(reduce_with(kelsSum_16s_Sfs, {32767, 1}, 0), 32767);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {32767, 1}, 0), 32768);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1}, 1), 0);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1, 2}, 1), 2);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {5}, 1), 2);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {-1}, -32), INT_MIN);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1}, -31), INT_MAX);
+    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {0}, INT_MIN), 0);
+}
+
+// Lanes hold a limited number of steps: every length about a multiple of any such number, with the largest elements.
+TEST(Sum, IsExactAtAnyLength) {
+    for (const int len : {16383, 16384, 16385, 65535, 65536, 65537, 70000, 131072, 1000003}) {
+        for (const int value : {-32768, 32767, 1}) {
+            const std::vector<Kel16s> x(len, static_cast<Kel16s>(value));
+            const Kel64s sum = Kel64s{len} * value;
+            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 5), (scaled<Kel32s>(sum, 5)));
+            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 48), (scaled<Kel32s>(sum, 48)));
+            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 49), 0);
+            EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, 0), value);
+            const std::vector<Kel16sc> z(len, Kel16sc{static_cast<Kel16s>(value), 3});
+            const Kel32sc parts = reduce_with(kelsSum_16sc32sc_Sfs, z, 5);
+            EXPECT_EQ(parts.re, (scaled<Kel32s>(sum, 5)));
+            EXPECT_EQ(parts.im, (scaled<Kel32s>(Kel64s{len} * 3, 5)));
+        }
+    }
+}
+
+// A million terms that all but cancel: what a sum in double precision leaves is noise.
+TEST(Sum, CancellationInDoubles) {
+    kels_test::Random random("cancellation");
+    std::vector<Kel64f> x;
+    for (int i = 0; i < 500000; ++i) {
+        x.push_back(random.uniform(-1, 1) * std::exp2(random.below(40)));
+        x.push_back(-x.back());
+    }
+    for (std::size_t i = x.size() - 1; i > 0; --i) std::swap(x[i], x[random.below(static_cast<int>(i + 1))]);
+    x.push_back(0x1p-30);
+    const ExtendedSum sum = total_of(x.data(), static_cast<int>(x.size()));
+    EXPECT_NEAR(reduce_with(kelsSum_64f, x), 0x1p-30, static_cast<double>(sum.slack<Kel64f>()));
+    EXPECT_NEAR(reduce_with(kelsSum_64f, x), 0x1p-30, 0x1p-60) << "far better than the bound";
+    EXPECT_NEAR(reduce_with(kelsMean_64f, x), 0x1p-30 / static_cast<double>(x.size()), 0x1p-95);
+}
+
+TEST(Sum, DoublesMayLeaveTheirRangeOnTheWay) {
+    const Kel64f most = std::numeric_limits<Kel64f>::max(), far = std::numeric_limits<Kel64f>::infinity();
+    EXPECT_EQ(reduce_with(kelsSum_64f, {most, most, -most}), most);
+    EXPECT_EQ(reduce_with(kelsMean_64f, std::vector<Kel64f>(100, most)), most);
+    EXPECT_EQ(reduce_with(kelsSum_64f, {most, most}), far);
+    EXPECT_EQ(reduce_with(kelsSum_64f, {1, -far}), -far);
+    EXPECT_TRUE(std::isnan(reduce_with(kelsSum_64f, {far, -far})));
+}
+
+// Means
+
+TEST(Mean, LiteralValues) {
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {1, 2}, 0), 2);
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {2, 3}, 0), 2);
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {32767, 32767}, 16), 0);
+    std::vector<Kel16s> x(1000);
+    x[500] = 1;
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -15), 32767);
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -14), 16);
+    x[500] = -1;
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, INT_MIN), -32768);
+    x[500] = 0;
+    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -15), 0);
+}
+
+// Standard deviations
+
+TEST(StdDev, LiteralValues) {
+    EXPECT_EQ(reduce_with(kelsStdDev_16s_Sfs, {1, 2}, -20), 32767);
+    EXPECT_EQ(reduce_with(kelsStdDev_16s_Sfs, {7, 7, 7}, -20), 0);
+    EXPECT_EQ(reduce_with(kelsStdDev_16s32s_Sfs, {1, 2, 3, 4, 5, 6}, -10), 1916);
+    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, 2, 3, 4, 5}, 0), static_cast<Kel32f>(std::sqrt(2.5)));
+    EXPECT_EQ(reduce_with(kelsStdDev_64f, {1, 2, 3, 4, 5}), std::sqrt(2.5));
+}
+
+TEST(StdDev, ConstantVectorHasNone) {
+    for (const int len : {2, 7, 100, 5000}) {
+        EXPECT_EQ(reduce_with(kelsStdDev_32f, std::vector<Kel32f>(len, 0.1F), 0), 0);
+        EXPECT_EQ(reduce_with(kelsStdDev_64f, std::vector<Kel64f>(len, 0.1)), 0);
+        EXPECT_EQ(reduce_with(kelsStdDev_16s32s_Sfs, std::vector<Kel16s>(len, -32768), -30), 0);
+    }
+}
+
+// Elements of which the mean is far larger than the deviation: the plain formula leaves little.
+TEST(StdDev, FarFromZero) {
+    kels_test::Random random("deviation");
+    std::vector<Kel32f> singles;
+    std::vector<Kel64f> doubles;
+    std::vector<Kel16s> integers;
+    for (int i = 0; i < 100000; ++i) {
+        singles.push_back(static_cast<Kel32f>(4e6 + random.uniform(-1, 1)));
+        doubles.push_back(1e12 + random.uniform(-1, 1));
+        integers.push_back(static_cast<Kel16s>(32000 + random.below(3)));
+    }
+    const int len = static_cast<int>(singles.size());
+    EXPECT_EQ(reduce_with(kelsStdDev_32f, singles, 0), static_cast<Kel32f>(exact_deviation(singles.data(), len)));
+    EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, doubles), static_cast<Kel64f>(exact_deviation(doubles.data(), len)));
+    EXPECT_EQ(reduce_with(kelsStdDev_16s32s_Sfs, integers, -30),
+              scaled<Kel32s>(exact_deviation(integers.data(), len), -30));
+}
+
+TEST(StdDev, SignsOfNaNsCount) {
+    const Kel32f far = std::numeric_limits<Kel32f>::infinity(), nan = std::nanf("");
+    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, far, 2}, 0), 0);
+    EXPECT_TRUE(std::isnan(reduce_with(kelsStdDev_32f, {1, nan, 2}, 0)));
+    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, -nan, 2}, 0), 0);
+    EXPECT_EQ(reduce_with(kelsStdDev_64f, {1, far, 2}), 0);
+    EXPECT_TRUE(std::isnan(reduce_with(kelsStdDev_64f, {1, nan, 2})));
+    EXPECT_EQ(reduce_with(kelsStdDev_64f, {-nan, -nan, 1}), 0);
+}
+
+TEST(StdDev, SquaresMayLeaveTheRangeOfDoubles) {
+    EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, {1e300, -1e300}), std::sqrt(2) * 1e300);
+    EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, {1e-200, -1e-200}), std::sqrt(2) * 1e-200);
+}
+
+// Integer results that come of a quotient or a root follow the mode that the caller has set in the x87 unit.
+TEST(RoundedInCallersMode, MeanAndStdDev) {
+    const kels_test::KeepControlState keep;
+    const std::vector<Kel16s> x = {1, 2};
+    const std::vector<Kel16sc> z = {{1, -1}, {2, -2}};
+    kels_test::ControlState{0x0B7F, 0x5F80}.load(); // upward
+    const Kel16s mean = reduce_with(kelsMean_16s_Sfs, x, 0);
+    const Kel16sc means = reduce_with(kelsMean_16sc_Sfs, z, 0);
+    const Kel32s deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
+    kels_test::ControlState{0x0F7F, 0x7F80}.load(); // toward zero
+    const Kel16s lower_mean = reduce_with(kelsMean_16s_Sfs, x, 0);
+    const Kel32s lower_deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
+    kels_test::ControlState{0x037F, 0x1F80}.load();
+    EXPECT_EQ(mean, 2);
+    EXPECT_EQ(means.re, 2);
+    EXPECT_EQ(means.im, -1);
+    EXPECT_EQ(deviation, 1);
+    EXPECT_EQ(lower_mean, 1);
+    EXPECT_EQ(lower_deviation, 0);
+}
+
+} // namespace
