@@ -15,5 +15,6 @@
 #include "kels/fft.h"
 #include "kels/spectrum.h"
 #include "kels/fir.h"
+#include "kels/fir_direct.h"
 
 #endif

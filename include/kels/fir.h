@@ -93,8 +93,8 @@ KELS_API KelStatus kelsFIRMRInitAlloc64fc_16sc(KelFirContext** pState, const Kel
  *  @{ */
 KELS_API KelStatus kelsFIRInitAlloc32s_16s    (KelFirContext** pState, const Kel32s*  pTaps, int tapsLen, int tapsFactor, const Kel16s*  pDlyLine);
 KELS_API KelStatus kelsFIRInitAlloc32sc_16sc  (KelFirContext** pState, const Kel32sc* pTaps, int tapsLen, int tapsFactor, const Kel16sc* pDlyLine);
-KELS_API KelStatus kelsFIRMRInitAlloc32s_16s  (KelFirContext** pState, const Kel32s*  pTaps, int tapsLen, int tapsFactor, int            upFactor, int upPhase, int downFactor, int downPhase, const Kel16s*  pDlyLine);
-KELS_API KelStatus kelsFIRMRInitAlloc32sc_16sc(KelFirContext** pState, const Kel32sc* pTaps, int tapsLen, int tapsFactor, int            upFactor, int upPhase, int downFactor, int downPhase, const Kel16sc* pDlyLine);
+KELS_API KelStatus kelsFIRMRInitAlloc32s_16s  (KelFirContext** pState, const Kel32s*  pTaps, int tapsLen, int tapsFactor, int upFactor, int upPhase, int downFactor, int downPhase, const Kel16s*  pDlyLine);
+KELS_API KelStatus kelsFIRMRInitAlloc32sc_16sc(KelFirContext** pState, const Kel32sc* pTaps, int tapsLen, int tapsFactor, int upFactor, int upPhase, int downFactor, int downPhase, const Kel16sc* pDlyLine);
 /** @} */
 
 /** @name Making a filter of integer taps from real ones
@@ -103,8 +103,8 @@ KELS_API KelStatus kelsFIRMRInitAlloc32sc_16sc(KelFirContext** pState, const Kel
  *  @{ */
 KELS_API KelStatus kelsFIRInitAlloc32s_16s32f     (KelFirContext** pState, const Kel32f*  pTaps, int tapsLen, const Kel16s*  pDlyLine);
 KELS_API KelStatus kelsFIRInitAlloc32sc_16sc32fc  (KelFirContext** pState, const Kel32fc* pTaps, int tapsLen, const Kel16sc* pDlyLine);
-KELS_API KelStatus kelsFIRMRInitAlloc32s_16s32f   (KelFirContext** pState, const Kel32f*  pTaps, int tapsLen, int            upFactor, int upPhase, int downFactor, int downPhase, const Kel16s*  pDlyLine);
-KELS_API KelStatus kelsFIRMRInitAlloc32sc_16sc32fc(KelFirContext** pState, const Kel32fc* pTaps, int tapsLen, int            upFactor, int upPhase, int downFactor, int downPhase, const Kel16sc* pDlyLine);
+KELS_API KelStatus kelsFIRMRInitAlloc32s_16s32f   (KelFirContext** pState, const Kel32f*  pTaps, int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase, const Kel16s*  pDlyLine);
+KELS_API KelStatus kelsFIRMRInitAlloc32sc_16sc32fc(KelFirContext** pState, const Kel32fc* pTaps, int tapsLen, int upFactor, int upPhase, int downFactor, int downPhase, const Kel16sc* pDlyLine);
 /** @} */
 
 /** @name Releasing a filter

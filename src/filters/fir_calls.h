@@ -114,15 +114,6 @@ KelStatus filter_in_place(typename Family::Sample* samples, int count, KelFirCon
     });
 }
 
-/// A sum as one sample.
-template <class Sample, class Sum, class Rounding>
-Sample rounded_sample(const Sum& sum, const Rounding& rounding) {
-    Sample sample;
-    for (int part = 0; part < parts<Sample>; ++part)
-        reals(&sample)[part] = rounding.template to<Part<Sample>>(sum[part]);
-    return sample;
-}
-
 template <class Family>
 KelStatus filter_one(typename Family::Sample sample, typename Family::Sample* out, KelFirContext* context,
                      int scaleFactor = 0) {

@@ -20,13 +20,6 @@ struct KelFirContext {
 
 namespace kels {
 
-/// Memory for a times b elements.
-template <class T>
-Owned<T> make_owned_product(std::int64_t a, std::int64_t b) {
-    if (a > INT_MAX / b) return nullptr;
-    return make_owned<T>(static_cast<std::size_t>(a * b));
-}
-
 /// What contexts of both rates share. The window is the last `windowLen` samples, side by side, oldest first.
 template <class Family>
 struct FirContext : KelFirContext {
@@ -213,17 +206,13 @@ KelStatus make_multi_rate(KelFirContext** result, const typename Family::Taps* t
     if (Family::degenerates && rates.up == 1 && rates.down == 1)
         return make_single_rate<Family>(result, taps, tapsLen, tapsFactor, newest_first);
 
-    const PhaseLengths lengths(tapsLen, rates.up);
-    const int history = lengths.longest();
+    const int history = PhaseLengths(tapsLen, rates.up).longest();
     auto context = make_context<Context>(taps, tapsLen, tapsFactor, history, history, newest_first);
     if (!context) return kelStatusNoMemory;
     context->rates = rates;
     context->coefficients = make_owned_product<typename Context::Coefficient>(tapsLen, Sums::per_tap);
     if (!context->coefficients) return kelStatusNoMemory;
-    auto* out = context->coefficients.get();
-    for (int phase = 0; phase < std::min(rates.up, tapsLen); ++phase)
-        for (int k = lengths.of(phase) - 1; k >= 0; --k, out += Sums::per_tap)
-            Sums::put(context->taps[static_cast<std::size_t>(phase + k * rates.up)], 0, out);
+    put_phases<Sums>(context->taps.get(), tapsLen, rates.up, context->coefficients.get());
     *result = context.release();
     return kelStatusOk;
 }

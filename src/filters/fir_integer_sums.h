@@ -22,7 +22,6 @@ struct IntegerSums {
     static constexpr int width = complex ? 2 : 1;
     static constexpr int per_tap = complex ? 4 : 1;
     static constexpr int padding = complex ? 0 : 1; // taps are taken in pairs
-    static constexpr int most_passes = 2;
     using Sum = std::array<Total, width>;
 
     /// A pass's sum as a part of the total.
@@ -45,12 +44,27 @@ struct IntegerSums {
         }
     }
 
+    /// Passes over the samples that the taps need.
+    template <class Taps>
+    static int passes(const Taps* taps, int count) {
+        for (int i = 0; i < count; ++i) {
+            Coefficient above[per_tap];
+            put(taps[i], 1, above);
+            if (std::any_of(above, above + per_tap, [](Coefficient c) { return c != 0; })) return 2;
+        }
+        return 1;
+    }
+
     static void add_strips(const Line* line, const Coefficient* taps, int count, Total* total, int outputs, int pass);
 
     /// The products of `count` samples and the coefficients of as many taps.
     static Sum dot(const Line* x, const Coefficient* taps, int count);
 
     static Sum dot_of_fresh(const Line* x, const Coefficient* taps, int count);
+
+    /// The products of samples and taps of 32 bits, the last tap first.
+    template <class Taps>
+    static Sum dot_of_wide(const Line* x, const Taps* taps, int count);
 };
 
 using Words = Vec<Kel16s>;
@@ -173,6 +187,23 @@ auto IntegerSums<complex>::dot(const Line* x, const Coefficient* taps, int count
         total[0] += folded[0] + folded[1];
     }
     return total;
+}
+
+template <bool complex>
+template <class Taps>
+auto IntegerSums<complex>::dot_of_wide(const Line* x, const Taps* taps, int count) -> Sum {
+    Sum sum{};
+    for (int i = 0; i < count; ++i) {
+        const Taps& h = taps[count - 1 - i];
+        if constexpr (complex) {
+            const Kel32u hr(h.re), hi(h.im), xr(x[2 * i]), xi(x[2 * i + 1]);
+            sum[0] += hr * xr - hi * xi;
+            sum[1] += hr * xi + hi * xr;
+        } else {
+            sum[0] += static_cast<Kel32u>(h) * static_cast<Kel32u>(x[i]);
+        }
+    }
+    return sum;
 }
 
 /// Wide loads of what narrow stores have not yet brought to the cache wait for it: those samples come one by one.

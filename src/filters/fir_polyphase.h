@@ -7,7 +7,16 @@
 
 namespace kels {
 
-/// Where the engine takes its coefficients from: a context's, phase by phase, the last tap of each first.
+/// The coefficients of taps, phase by phase, the last tap of each first.
+template <class Sums, class Taps>
+void put_phases(const Taps* taps, int tapsLen, int up, typename Sums::Coefficient* out) {
+    const PhaseLengths lengths(tapsLen, up);
+    for (int phase = 0; phase < std::min(up, tapsLen); ++phase)
+        for (int k = lengths.of(phase) - 1; k >= 0; --k, out += Sums::per_tap)
+            Sums::put(taps[phase + std::ptrdiff_t{k} * up], 0, out);
+}
+
+/// Where the engine takes its coefficients from: a table of `put_phases`.
 template <class Sums>
 struct StoredPhases {
     using Coefficient = typename Sums::Coefficient;

@@ -50,7 +50,12 @@ struct RealSums {
     static constexpr int width = complex ? 2 : 1; ///< parts of a sample
     static constexpr int per_tap = width;         ///< coefficients of a tap
     static constexpr int padding = 0;             ///< zero taps behind the last
-    static constexpr int most_passes = 1;
+
+    /// Passes over the samples that the taps need.
+    template <class Taps>
+    static int passes(const Taps*, int) {
+        return 1;
+    }
 
     /// The coefficients of one tap, for one of the passes over all of them.
     template <class Taps>

@@ -79,6 +79,15 @@ void store_rounded(const Total* sums, R* dst, int count, const Rounding& roundin
         dst, count, [=](auto sum) KELS_INLINE { return rounding.template to<R>(sum); }, sums);
 }
 
+/// A sum as one sample.
+template <class Sample, class Sum, class Rounding>
+Sample rounded_sample(const Sum& sum, const Rounding& rounding) {
+    Sample sample;
+    for (int part = 0; part < parts<Sample>; ++part)
+        reals(&sample)[part] = rounding.template to<Part<Sample>>(sum[part]);
+    return sample;
+}
+
 // What comes from a transform is rounded as the conversions do, ties to even, where there is such a conversion.
 
 template <class T, class R>

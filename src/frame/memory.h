@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace kels {
@@ -28,6 +29,13 @@ using Owned = std::unique_ptr<T[], Release>;
 template <class T>
 Owned<T> make_owned(std::size_t count) {
     return Owned<T>(allocate<T>(count));
+}
+
+/// The same for a times b elements, where the product may be too large for an int.
+template <class T>
+Owned<T> make_owned_product(std::int64_t a, std::int64_t b) {
+    if (a > INT_MAX / b) return nullptr;
+    return make_owned<T>(static_cast<std::size_t>(a * b));
 }
 
 } // namespace kels
