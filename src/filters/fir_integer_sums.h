@@ -24,9 +24,6 @@ struct IntegerSums {
     static constexpr int padding = complex ? 0 : 1; // taps are taken in pairs
     using Sum = std::array<Total, width>;
 
-    /// A pass's sum as a part of the total.
-    static Total placed(Total sum, int pass) { return sum << (16 * pass); }
-
     /// The lower 16 bits, signed, of a coefficient; in the second pass what is above.
     static Coefficient of_pass(Kel32u coefficient, int pass) {
         const auto low = static_cast<Kel16s>(coefficient);
@@ -61,6 +58,13 @@ struct IntegerSums {
     static Sum dot(const Line* x, const Coefficient* taps, int count);
 
     static Sum dot_of_fresh(const Line* x, const Coefficient* taps, int count);
+
+    static Sum folded(const Vec<Kel32u, 4>& sum);
+
+    /// Adds dot products to every `total_step`-th total: `taps` with the samples from x on, those `step` later, and so
+    /// on. Reads up to eight parts behind the last.
+    static void add_dots(const Line* x, std::ptrdiff_t step, const Coefficient* taps, int count, int dots, Total* total,
+                         std::ptrdiff_t total_step, int pass);
 
     /// The products of samples and taps of 32 bits, the last tap first.
     template <class Taps>
@@ -150,43 +154,82 @@ template <bool complex, class W>
 
 /// Taps from..count - 1 one by one.
 template <bool complex>
-inline auto integer_dot_from(const Kel16s* x, const Kel16s* taps, int from, int count) {
+[[gnu::always_inline]] inline auto integer_dot_from(const Kel16s* x, const Kel16s* taps, int from, int count) {
     constexpr int width = complex ? 2 : 1;
     std::array<Kel32u, width> sum{};
     for (int i = from; i < count; ++i)
         if constexpr (complex) {
             const Kel16s* h = taps + 4 * i;
-            sum[0] += static_cast<Kel32u>(h[0] * x[2 * i]) + static_cast<Kel32u>(h[1] * x[2 * i + 1]);
-            sum[1] += static_cast<Kel32u>(h[2] * x[2 * i]) + static_cast<Kel32u>(h[3] * x[2 * i + 1]);
+            const int re = loaded_alone(x[2 * i]), im = loaded_alone(x[2 * i + 1]);
+            sum[0] += static_cast<Kel32u>(h[0] * re) + static_cast<Kel32u>(h[1] * im);
+            sum[1] += static_cast<Kel32u>(h[2] * re) + static_cast<Kel32u>(h[3] * im);
         } else {
-            sum[0] += static_cast<Kel32u>(taps[i] * x[i]);
+            sum[0] += static_cast<Kel32u>(taps[i] * loaded_alone(x[i]));
         }
     return sum;
 }
 
+/// Eight coefficients at once.
+using ShortWords = Vec<Kel16s, 8>;
+
+/// Taps from 0 on that fill vectors, `count` of them at most; how many those were goes to `taken`.
+template <bool complex>
+[[gnu::always_inline]] inline Vec<Kel32u, 4> dot_of_vectors(const Kel16s* x, const Kel16s* taps, int count,
+                                                            int& taken) {
+    constexpr int width = complex ? 2 : 1, per_tap = complex ? 4 : 1;
+    constexpr int in_words = lanes<Words> / per_tap, in_short = lanes<ShortWords> / per_tap;
+    Vec<Kel32u, 4> sum{};
+    int i = 0;
+    if (count >= in_words) {
+        Vec<Kel32u> wide{};
+        for (; i + in_words <= count; i += in_words)
+            wide += (Vec<Kel32u>)add_products_of_pairs(load_samples<complex, Words>(x + width * i),
+                                                       load<Words>(taps + per_tap * i));
+        sum = fold<4>(wide);
+    }
+    for (; i + in_short <= count; i += in_short)
+        sum += (Vec<Kel32u, 4>)add_products_of_pairs(load_samples<complex, ShortWords>(x + width * i),
+                                                     load<ShortWords>(taps + per_tap * i));
+    taken = i;
+    return sum;
+}
+
+template <bool complex>
+auto IntegerSums<complex>::folded(const Vec<Kel32u, 4>& sum) -> Sum {
+    const auto pair = fold<2>(sum);
+    if constexpr (complex)
+        return {pair[0], pair[1]};
+    else
+        return {pair[0] + pair[1]};
+}
+
 template <bool complex>
 auto IntegerSums<complex>::dot(const Line* x, const Coefficient* taps, int count) -> Sum {
-    constexpr int in_words = lanes<Words> / per_tap; // taps in a vector
-    using Short = Vec<Kel16s, 8>;
-    constexpr int in_short = 8 / per_tap;
-    Vec<Kel32u> sum{};
-    int i = 0;
-    for (; i + in_words <= count; i += in_words)
-        sum += (Vec<Kel32u>)add_products_of_pairs(load_samples<complex, Words>(x + width * i),
-                                                  load<Words>(taps + per_tap * i));
-    Vec<Kel32u, 4> rest = fold<4>(sum);
-    for (; i + in_short <= count; i += in_short)
-        rest += (Vec<Kel32u, 4>)add_products_of_pairs(load_samples<complex, Short>(x + width * i),
-                                                      load<Short>(taps + per_tap * i));
-    Sum total = integer_dot_from<complex>(x, taps, i, count);
-    const auto folded = fold<2>(rest);
-    if constexpr (complex) {
-        total[0] += folded[0];
-        total[1] += folded[1];
-    } else {
-        total[0] += folded[0] + folded[1];
-    }
+    int taken;
+    Sum total = folded(dot_of_vectors<complex>(x, taps, count, taken));
+    const Sum rest = integer_dot_from<complex>(x, taps, taken, count);
+    for (int part = 0; part < width; ++part) total[part] += rest[part];
     return total;
+}
+
+/// The last taps are filled up with zeros, once for all dots.
+template <bool complex>
+void IntegerSums<complex>::add_dots(const Line* x, std::ptrdiff_t step, const Coefficient* taps, int count, int dots,
+                                    Total* total, std::ptrdiff_t total_step, int pass) {
+    constexpr int in_short = lanes<ShortWords> / per_tap;
+    const int whole = count / in_short * in_short;
+    Coefficient last[8] = {};
+    std::copy(taps + whole * per_tap, taps + count * per_tap, last);
+    const auto rest = load<ShortWords>(last);
+    for (int i = 0; i < dots; ++i) {
+        const Line* from = x + i * step * width;
+        int taken;
+        Vec<Kel32u, 4> sum = dot_of_vectors<complex>(from, taps, whole, taken);
+        if (whole < count)
+            sum += (Vec<Kel32u, 4>)add_products_of_pairs(load_samples<complex, ShortWords>(from + whole * width), rest);
+        const Sum dot = folded(sum);
+        for (int part = 0; part < width; ++part) total[i * total_step * width + part] += dot[part] << (16 * pass);
+    }
 }
 
 template <bool complex>

@@ -41,15 +41,12 @@ public:
     static constexpr int span = 1024 / width;    ///< samples from the newest of its first output to that of its last
     static constexpr int segment = 1024 / width; ///< taps of a phase at once
 
-    /// Takes outputs from the walk, as many as there is room for.
-    int take(Walk& walk, std::ptrdiff_t outputs) {
-        first = walk;
-        for (count = 0; count < most_outputs && count < outputs; ++count, walk.next()) {
-            if (walk.newest() - first.newest() >= span) break;
-            last = walk.newest();
-        }
-        return count;
-    }
+    PolyphaseTile(const Rates& rates, const Place& place, std::ptrdiff_t outputs)
+        : rates(rates), first(place), count(static_cast<int>(std::min<std::int64_t>(
+                                          {most_outputs, outputs, outputs_within(span, place.phase, rates)}))),
+          last(place.later(count - 1, rates).newest) {}
+
+    int outputs() const { return count; }
 
     template <class Stream, class Phases>
     void sum(const Stream& stream, const Phases& phases) {
@@ -57,7 +54,9 @@ public:
         const int longest = phases.lengths.longest();
         for (int skipped = 0; skipped < longest; skipped += segment) {
             const int taps = std::min(segment, longest - skipped);
-            stream.copy(first.newest() - skipped - taps + 1, last - first.newest() + taps, line);
+            const std::ptrdiff_t needed = last - first.newest + taps;
+            stream.copy(first.newest - skipped - taps + 1, needed, line);
+            std::fill_n(line + needed * width, slack, typename Sums::Line{});
             for (int pass = 0; pass < phases.passes(); ++pass) add_dots(phases, skipped, taps, pass);
         }
     }
@@ -68,24 +67,27 @@ public:
     }
 
 private:
+    /// Every `up`-th output meets the same taps, and samples `down` further.
     template <class Phases>
     void add_dots(const Phases& phases, int skipped, int taps, int pass) {
         alignas(64) typename Sums::Coefficient room[Phases::room];
-        Walk at = first;
-        for (int i = 0; i < count; ++i, at.next()) {
-            const int met = std::min(taps, phases.lengths.of(at.phase()) - skipped);
+        Place place = first;
+        for (int i = 0; i < std::min(count, rates.up); ++i, place = place.later(1, rates)) {
+            const int met = std::min(taps, phases.lengths.of(place.phase) - skipped);
             if (met <= 0) continue;
-            const auto* x = line + (at.newest() - first.newest() + taps - met) * width;
-            const auto* h = phases.segment(at.phase(), skipped, met, pass, room);
-            const auto sum = Sums::dot(x, h, met);
-            for (int part = 0; part < width; ++part) total[i * width + part] += Sums::placed(sum[part], pass);
+            const auto* x = line + (place.newest - first.newest + taps - met) * width;
+            const auto* h = phases.segment(place.phase, skipped, met, pass, room);
+            Sums::add_dots(x, rates.down, h, met, (count - 1 - i) / rates.up + 1, total + i * width, rates.up, pass);
         }
     }
 
-    Walk first{Rates{1, 0, 1, 0}};
-    std::ptrdiff_t last = 0;
-    int count = 0;
-    alignas(64) typename Sums::Line line[(span + segment) * width];
+    static constexpr int slack = 8; // dot products may reach behind the last sample
+
+    const Rates& rates;
+    Place first;
+    int count;
+    std::ptrdiff_t last;
+    alignas(64) typename Sums::Line line[(span + segment) * width + slack];
     alignas(64) typename Sums::Total total[most_outputs * width];
 };
 
@@ -93,13 +95,13 @@ private:
 template <class Sums, class Stream, class Phases, class Sample, class Rounding>
 void filter_polyphase(const Stream& stream, const Phases& phases, const Rates& rates, Sample* dst,
                       std::ptrdiff_t outputs, const Rounding& rounding) {
-    PolyphaseTile<Sums> tile;
-    Walk walk(rates);
+    Place place = Place::of_first(rates);
     for (std::ptrdiff_t done = 0; done < outputs;) {
-        const int count = tile.take(walk, outputs - done);
+        PolyphaseTile<Sums> tile(rates, place, outputs - done);
         tile.sum(stream, phases);
         tile.store(dst + done, rounding);
-        done += count;
+        done += tile.outputs();
+        place = place.later(tile.outputs(), rates);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 namespace kels {
 
@@ -35,32 +36,24 @@ private:
     int least, longer;
 };
 
-/// The phase and the newest sample of one output after the other.
-class Walk {
-public:
-    explicit Walk(const Rates& rates)
-        : up(static_cast<unsigned>(rates.up)), whole(rates.down / rates.up),
-          remainder(static_cast<unsigned>(rates.down % rates.up)) {
-        const int tick = rates.downPhase - rates.upPhase; // above -up
-        newest_ = tick < 0 ? -1 : tick / rates.up;
-        phase_ = static_cast<unsigned>(tick < 0 ? tick + rates.up : tick % rates.up);
-    }
-    void next() {
-        newest_ += whole;
-        phase_ += remainder;
-        if (phase_ >= up) {
-            phase_ -= up;
-            ++newest_;
-        }
-    }
-    int phase() const { return static_cast<int>(phase_); }
-    std::ptrdiff_t newest() const { return newest_; }
+/// An output: the phase of its taps and the position of its newest sample.
+struct Place {
+    std::ptrdiff_t newest;
+    int phase;
 
-private:
-    unsigned up;
-    int whole;
-    unsigned remainder, phase_;
-    std::ptrdiff_t newest_;
+    static Place of_first(const Rates& rates) {
+        const int tick = rates.downPhase - rates.upPhase; // above -up
+        return tick < 0 ? Place{-1, tick + rates.up} : Place{tick / rates.up, tick % rates.up};
+    }
+    Place later(std::int64_t outputs, const Rates& rates) const {
+        const std::int64_t ticks = phase + outputs * rates.down;
+        return {newest + static_cast<std::ptrdiff_t>(ticks / rates.up), static_cast<int>(ticks % rates.up)};
+    }
 };
+
+/// How many outputs from one of this phase on have their newest sample less than `span` behind its own.
+inline std::int64_t outputs_within(int span, int phase, const Rates& rates) {
+    return (std::int64_t{span} * rates.up - phase - 1) / rates.down + 1;
+}
 
 } // namespace kels

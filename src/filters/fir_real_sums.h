@@ -68,8 +68,10 @@ struct RealSums {
 
     using Sum = std::array<Total, width>;
 
-    /// A pass's sum as a part of the total.
-    static Total placed(Total sum, int /*pass*/) { return sum; }
+    /// Adds dot products to every `total_step`-th total: `taps` with the samples from x on, those `step` later, and so
+    /// on. At most 1024 taps.
+    static void add_dots(const Line* x, std::ptrdiff_t step, const Coefficient* taps, int count, int dots, Total* total,
+                         std::ptrdiff_t total_step, int pass);
 
     /// The products of `count` samples and taps, added up.
     template <class X, class Taps>
@@ -166,33 +168,40 @@ template <class V>
     return bits_as<V>(bits_as<Bits>(a) & (Bits)wanted);
 }
 
-/// Chunks of `Lanes` parts, the last of which may overlap the one before. There are at least as many parts.
+/// Chunks of `Lanes` parts, then a half of one, then one that overlaps it. There are at least half a chunk's parts.
 template <int Lanes, int width, class X, class Taps>
 [[gnu::always_inline]] inline std::array<Kel64f, width> dot_in_chunks(const X* x, const Taps& taps, int n) {
-    using V = Vec<Kel64f, std::min(Lanes, max_lanes<Kel64f>)>;
+    constexpr int half_chunk = Lanes / 2;
+    using V = Vec<Kel64f, std::min(half_chunk, max_lanes<Kel64f>)>;
     constexpr int vectors = Lanes / lanes<V>;
     V direct[vectors] = {}, turned[vectors] = {};
-    const auto chunk = [&](int i, auto prepared) KELS_INLINE {
-        unrolled<vectors>([&](auto v) KELS_INLINE {
-            constexpr int at = v * lanes<V>;
-            const V in = prepared(at, convert<Kel64f>(load<Vec<X, lanes<V>>>(x + i + at)));
-            const V h = prepared(at, taps.template at<V>(i + at));
-            if constexpr (width == 1) {
-                direct[v] = fma(h, in, direct[v]);
-            } else {
-                direct[v] = fma(shuffle<[](int lane) { return lane & ~1; }>(h, h), in, direct[v]);
-                turned[v] = fma(shuffle<[](int lane) { return lane | 1; }>(h, h), in, turned[v]);
-            }
-        });
+    const auto add = [&](int i, auto v, auto prepared) KELS_INLINE {
+        constexpr int at = v * lanes<V>;
+        const V in = prepared(at, convert<Kel64f>(load<Vec<X, lanes<V>>>(x + i + at)));
+        const V h = prepared(at, taps.template at<V>(i + at));
+        if constexpr (width == 1) {
+            direct[v] = fma(h, in, direct[v]);
+        } else {
+            direct[v] = fma(shuffle<[](int lane) { return lane & ~1; }>(h, h), in, direct[v]);
+            turned[v] = fma(shuffle<[](int lane) { return lane | 1; }>(h, h), in, turned[v]);
+        }
     };
+    const auto whole = [](int, V a) KELS_INLINE { return a; };
     int i = 0;
-    for (; i + Lanes <= n; i += Lanes) chunk(i, [](int, V a) KELS_INLINE { return a; });
-    if (i < n) chunk(n - Lanes, [=](int at, V a) KELS_INLINE { return without_first(i - (n - Lanes), at, a); });
+    for (; i + Lanes <= n; i += Lanes) unrolled<vectors>([&](auto v) KELS_INLINE { add(i, v, whole); });
+    if (i + half_chunk <= n) {
+        unrolled<vectors / 2>([&](auto v) KELS_INLINE { add(i, v, whole); });
+        i += half_chunk;
+    }
+    if (const int last = n - half_chunk; i < n) {
+        const auto the_rest = [=](int at, V a) KELS_INLINE { return without_first(i - last, at, a); };
+        unrolled<vectors / 2>([&](auto v) KELS_INLINE { add(last, v, the_rest); });
+    }
 
     unrolled<vectors>([&](auto v) KELS_INLINE {
         if constexpr (width == 2) direct[v] = complex_sum(direct[v], turned[v]);
     });
-    unrolled<vectors == 1 ? 0 : std::bit_width(unsigned{vectors}) - 1>([&](auto step) KELS_INLINE {
+    unrolled<std::bit_width(unsigned{vectors}) - 1>([&](auto step) KELS_INLINE {
         constexpr int half = vectors >> (step + 1);
         unrolled<half>([&](auto v) KELS_INLINE { direct[v] = direct[v] + direct[v + half]; });
     });
@@ -229,8 +238,8 @@ template <int width, class X, class Taps>
 
 template <int width, class X, class Taps>
 [[gnu::always_inline]] inline std::array<Kel64f, width> short_dot(const X* x, const Taps& taps, int count) {
-    if (count * width >= 16) return dot_in_chunks<16, width>(x, taps, count * width);
-    if (count * width >= 4) return dot_in_chunks<4, width>(x, taps, count * width);
+    if (count * width >= 8) return dot_in_chunks<16, width>(x, taps, count * width);
+    if (count * width >= 4) return dot_in_chunks<8, width>(x, taps, count * width);
     return dot_one_by_one<width>(x, taps, 0, count);
 }
 
@@ -249,6 +258,15 @@ auto RealSums<complex>::dot(const X* x, const Taps& taps, int count) -> Sum {
         add_to(total, short_dot<width>(x + width * std::ptrdiff_t{i}, taps.from(width * std::ptrdiff_t{i}),
                                        std::min(count - i, piece)));
     return total;
+}
+
+template <bool complex>
+void RealSums<complex>::add_dots(const Line* x, std::ptrdiff_t step, const Coefficient* taps, int count, int dots,
+                                 Total* total, std::ptrdiff_t total_step, int /*pass*/) {
+    for (int i = 0; i < dots; ++i) {
+        const Sum sum = short_dot<width>(x + i * step * width, StoredTaps{taps}, count);
+        for (int part = 0; part < width; ++part) total[i * total_step * width + part] += sum[part];
+    }
 }
 
 /// Wide loads of what narrow stores have not yet brought to the cache wait for it: those samples come one by one.

@@ -363,6 +363,15 @@ template <class V>
     if constexpr (sizeof(V) == 16) return (R)_mm_madd_epi16((__m128i)a, (__m128i)b);
 }
 
+/// An integer in a register of its own: its load is not joined with others to a wide one, which would wait for narrow
+/// stores just before.
+template <class T>
+[[gnu::always_inline]] inline int loaded_alone(const T& x) {
+    int value = x;
+    asm("" : "+r"(value));
+    return value;
+}
+
 template <class V>
 [[gnu::always_inline]] inline V reverse(V a) {
     if constexpr (lanes<V> == 1)
