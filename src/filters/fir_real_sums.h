@@ -96,18 +96,56 @@ struct RealSums {
 /// Taps that are summed on their own before they join the total: bounds the rounding of long sums.
 inline constexpr int partial_taps = 32;
 
+/// Taps this far apart are taken together: what one of them reads for an output, the next reads for one further on. A
+/// whole vector at the widest level, where loads across cache lines would be what limits the engine.
+inline constexpr int tap_stride = 8;
+
+/// sum[j] += the products of `Rows` times eight taps, those of one row being eight apart.
+template <int Rows, int Vectors>
+[[gnu::always_inline]] inline void add_rows(const Kel64f* line, const Kel64f* taps, Vec<Kel64f>* sum) {
+    using V = Vec<Kel64f>;
+    constexpr int step = tap_stride / lanes<V>; // vectors from a tap to the next of its row
+    constexpr bool shared = step < Vectors;
+    for (int first = 0; first < tap_stride; ++first) {
+        constexpr int loads = shared ? Vectors + (Rows - 1) * step : 0;
+        V x[loads + 1];
+        unrolled<loads>([&](auto k) KELS_INLINE { x[k] = load<V>(line + first + k * lanes<V>); });
+        unrolled<Rows>([&](auto row) KELS_INLINE {
+            const V tap = splat<V>(taps[first + row * tap_stride]);
+            unrolled<Vectors>([&](auto v) KELS_INLINE {
+                if constexpr (shared)
+                    sum[v] = fma(tap, x[v + row * step], sum[v]);
+                else
+                    sum[v] = fma(tap, load<V>(line + first + row * tap_stride + v * lanes<V>), sum[v]);
+            });
+        });
+    }
+}
+
 template <int Vectors>
 [[gnu::always_inline]] inline void real_strip(const Kel64f* line, const Kel64f* taps, int count, Vec<Kel64f>* total) {
     using V = Vec<Kel64f>;
-    for (int begin = 0; begin < count; begin += partial_taps) {
-        const int end = std::min(begin + partial_taps, count);
+    int i = 0;
+    const auto join = [&](const V* sum)
+                          KELS_INLINE { unrolled<Vectors>([&](auto v) KELS_INLINE { total[v] = total[v] + sum[v]; }); };
+    for (; i + partial_taps <= count; i += partial_taps) {
         V sum[Vectors] = {};
-        for (int i = begin; i < end; ++i) {
-            const V tap = splat<V>(taps[i]);
-            unrolled<Vectors>([&](auto v) KELS_INLINE { sum[v] = fma(tap, load<V>(line + i + v * lanes<V>), sum[v]); });
-        }
-        unrolled<Vectors>([&](auto v) KELS_INLINE { total[v] = total[v] + sum[v]; });
+        add_rows<partial_taps / tap_stride, Vectors>(line + i, taps + i, sum);
+        join(sum);
     }
+    V sum[Vectors] = {};
+    const auto add = [&]<int Rows>(std::integral_constant<int, Rows>) KELS_INLINE {
+        if (i + Rows * tap_stride > count) return;
+        add_rows<Rows, Vectors>(line + i, taps + i, sum);
+        i += Rows * tap_stride;
+    };
+    add(std::integral_constant<int, 3>{});
+    add(std::integral_constant<int, 2>{});
+    for (; i < count; ++i) {
+        const V tap = splat<V>(taps[i]);
+        unrolled<Vectors>([&](auto v) KELS_INLINE { sum[v] = fma(tap, load<V>(line + i + v * lanes<V>), sum[v]); });
+    }
+    join(sum);
 }
 
 /// The sum that real parts of taps make and the one that imaginary parts make, which is turned by i.
@@ -137,7 +175,7 @@ template <int Vectors>
     }
 }
 
-/// Strips of four vectors, then of one.
+/// Strips as wide as the registers hold, then narrower ones.
 template <bool complex>
 void RealSums<complex>::add_strips(const Line* line, const Coefficient* taps, int count, Total* total, int outputs,
                                    int /*pass*/) {
@@ -152,7 +190,11 @@ void RealSums<complex>::add_strips(const Line* line, const Coefficient* taps, in
         unrolled<Vectors>([&](auto v) KELS_INLINE { store(total + at + v * lanes<V>, sum[v]); });
     };
     int at = 0;
-    for (; at + 4 * lanes<V> <= outputs; at += 4 * lanes<V>) strip(std::integral_constant<int, 4>{}, at);
+    const auto strips = [&]<int Vectors>(std::integral_constant<int, Vectors> vectors) {
+        for (; at + Vectors * lanes<V> <= outputs; at += Vectors * lanes<V>) strip(vectors, at);
+    };
+    if constexpr (vector_bytes == 64) strips(std::integral_constant<int, 8>{}); // as many registers again for samples
+    strips(std::integral_constant<int, 4>{});
     for (; at < outputs; at += lanes<V>) strip(std::integral_constant<int, 1>{}, at);
 }
 
