@@ -94,6 +94,43 @@ void movement() {
             [](const Complex* z, Complex* conjugate, int n) { volk_32fc_conjugate_32fc(conjugate, z, unsigned(n)); });
 }
 
+void statistics() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("statistics", function, "volk", call); };
+    vectors("kelsSum_32f", [](const float* a, int n) {
+        float sum;
+        volk_32f_accumulator_s32f(&sum, a, unsigned(n));
+    });
+    vectors("kelsStdDev_32f", [](const float* a, int n) {
+        float deviation, mean;
+        volk_32f_stddev_and_mean_32f_x2(&deviation, &mean, a, unsigned(n));
+    });
+    vectors("kelsMaxIndx_32f", [](const float* a, int n) {
+        std::uint32_t place;
+        volk_32f_index_max_32u(&place, a, unsigned(n));
+    });
+    vectors("kelsMinIndx_32f", [](const float* a, int n) {
+        std::uint32_t place;
+        volk_32f_index_min_32u(&place, a, unsigned(n));
+    });
+    vectors("kelsDotProd_32f", [](const float* a, const float* b, int n) {
+        float sum;
+        volk_32f_x2_dot_prod_32f(&sum, a, b, unsigned(n));
+    });
+    vectors("kelsDotProd_32fc", [](const Complex* a, const Complex* b, int n) {
+        Complex sum;
+        volk_32fc_x2_dot_prod_32fc(&sum, a, b, unsigned(n));
+    });
+    vectors("kelsDotProd_32f32fc", [](const float* a, const Complex* b, int n) {
+        Complex sum;
+        volk_32fc_32f_dot_prod_32fc(&sum, b, a, unsigned(n));
+    });
+    vectors("kelsDotProd_16sc32sc_Sfs", [](const std::complex<short>* a, const std::complex<short>* b, int n) {
+        lv_16sc_t sum;
+        volk_16ic_x2_dot_prod_16ic(&sum, reinterpret_cast<const lv_16sc_t*>(a), reinterpret_cast<const lv_16sc_t*>(b),
+                                   unsigned(n));
+    });
+}
+
 /// A block behind the history of the last one, and a dot product of it with the reversed taps for every output.
 template <class Sample, class DotProduct>
 void filter(const char* function, DotProduct dot_product) {
@@ -115,6 +152,7 @@ const Registration volk(
         conversion();
         division();
         movement();
+        statistics();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {
             volk_32f_x2_dot_prod_32f(sum, a, b, n);
         });
