@@ -33,6 +33,31 @@ template <int Kinds, class V>
     }
 }
 
+/// Sums of doubles. Two halves of the terms are added to each other first, so that half as many lanes hold the sums,
+/// and the way from one step to the next is half as long.
+template <class Terms>
+struct DoubleSums {
+    Vec<double, lanes<Terms> / 2> sums{};
+
+    [[gnu::always_inline]] void add(Terms terms) {
+        sums = add_by_fma(sums, add_by_fma(half<0>(terms), half<1>(terms)));
+    }
+    [[gnu::always_inline]] double total() const { return sum_of_lanes(sums); }
+};
+
+/// Sums of products of doubles, which are exact if whether a level fuses is not to show.
+template <class Factors>
+struct ProductSums {
+    Factors sums{};
+
+    [[gnu::always_inline]] void add_product(Factors a, Factors b) { sums = fma(a, b, sums); }
+    template <int Kinds = 1>
+    [[gnu::always_inline]] auto totals() const {
+        return sums_of_lanes<Kinds>(sums);
+    }
+    [[gnu::always_inline]] double total() const { return sum_of_lanes(sums); }
+};
+
 /// Every element of the block is new.
 struct AllLanes {
     template <class V>

@@ -176,6 +176,30 @@ inline constexpr bool fuses =
     false;
 #endif
 
+/// a + factor b, factor being 1 or -1. The compiler does not know that, and multiplies: a processor whose adders are
+/// busy with conversions or other sums does this beside them.
+template <class V>
+[[gnu::always_inline]] inline V add_times(V a, Element<V> factor, V b) {
+    if constexpr (fuses<V>) {
+        asm("" : "+x"(factor));
+        return fma(b, splat<V>(factor), a);
+    } else {
+        return factor > 0 ? a + b : a - b;
+    }
+}
+
+/// a + b by the multipliers, where they can.
+template <class V>
+[[gnu::always_inline]] inline V add_by_fma(V a, V b) {
+    return add_times(a, 1, b);
+}
+
+/// a - b by the multipliers, where they can.
+template <class V>
+[[gnu::always_inline]] inline V subtract_by_fma(V a, V b) {
+    return add_times(a, -1, b);
+}
+
 /// a b - c in even lanes, a b + c in odd ones, fused as `fma` is.
 template <class V>
 [[gnu::always_inline]] inline V fma_alternating(V a, V b, V c) {

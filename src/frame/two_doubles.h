@@ -51,32 +51,47 @@ inline double root(TwoDoubles a) {
     return r + (((a.high - square) - product_error(r, r, square)) + a.low) / (2 * r);
 }
 
-/// A running sum in every lane.
+/// Adds terms to running sums, lane by lane, and the rounding errors to other sums.
 template <class V>
-struct LaneSums {
-    V high{}, low{};
+[[gnu::always_inline]] inline void add_with_error(V& high, V& low, V terms) {
+    const V sum = high + terms, of_terms = sum - high, of_high = subtract_by_fma(sum, of_terms);
+    low += subtract_by_fma(high, of_high) + subtract_by_fma(terms, of_terms);
+    high = sum;
+}
 
-    [[gnu::always_inline]] void add(V term) {
-        const V sum = high + term;
-        low += sum_error(high, term, sum);
-        high = sum;
-    }
-    [[gnu::always_inline]] void add(V term, V error) {
-        add(term);
+/// Sums that keep the rounding errors of every step. Two halves of the terms are added to each other first, so that
+/// half as many lanes hold the sums, and the way from one step to the next is half as long.
+template <class Terms>
+class LaneSums {
+public:
+    [[gnu::always_inline]] void add(Terms terms) { add(terms, Terms{}); }
+    /// Terms of two doubles.
+    [[gnu::always_inline]] void add(Terms terms, Terms errors) {
+        Sums sum = half<0>(terms), error = half<0>(errors) + half<1>(errors);
+        add_with_error(sum, error, half<1>(terms));
+        add_with_error(high, low, sum);
         low += error;
     }
-    /// Adds products with their rounding errors.
-    [[gnu::always_inline]] void add_product(V a, V b) {
-        const V product = a * b;
+    [[gnu::always_inline]] void add_product(Terms a, Terms b) {
+        const Terms product = a * b;
         add(product, product_error(a, b, product));
     }
     /// Sums of the lanes of one kind, which come by turns.
-    template <int Kinds>
+    template <int Kinds = 1>
     [[gnu::always_inline]] std::array<TwoDoubles, Kinds> totals() const {
+        return fold<Kinds>(high, low);
+    }
+
+private:
+    using Sums = Vec<double, lanes<Terms> / 2>;
+    Sums high{}, low{};
+
+    template <int Kinds, class V>
+    [[gnu::always_inline]] static std::array<TwoDoubles, Kinds> fold(V high, V low) {
         if constexpr (lanes < V >> Kinds) {
-            LaneSums<Vec<double, lanes<V> / 2>> halves{half<0>(high), half<0>(low)};
-            halves.add(half<1>(high), half<1>(low));
-            return halves.template totals<Kinds>();
+            auto sum = half<0>(high), error = half<0>(low) + half<1>(low);
+            add_with_error(sum, error, half<1>(high));
+            return fold<Kinds>(sum, error);
         } else {
             double parts[2][Kinds];
             store(parts[0], high);

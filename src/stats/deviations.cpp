@@ -61,16 +61,16 @@ template <class T>
 /// Nothing is fused here: a square of a difference is not exact, and levels would differ.
 template <int Elements>
 struct SingleMoments {
-    Vec<Kel64f, Elements> sum{}, squares{};
+    DoubleSums<Vec<Kel64f, Elements>> sum, squares;
     Kel64f centre;
 
     explicit SingleMoments(Kel64f c) : centre(c) {}
     [[gnu::always_inline]] void add(auto keep, auto x) {
         const auto d = keep(convert<Kel64f>(x) - splat<Vec<Kel64f, Elements>>(centre));
-        sum += d;
-        squares += d * d;
+        sum.add(d);
+        squares.add(d * d);
     }
-    [[gnu::always_inline]] Moments<Kel64f> result() const { return {sum_of_lanes(sum), sum_of_lanes(squares)}; }
+    [[gnu::always_inline]] Moments<Kel64f> result() const { return {sum.total(), squares.total()}; }
 };
 
 /// The mean of a few elements, exactly theirs if they are equal.
@@ -82,7 +82,7 @@ Kel32f centre_of(const Kel32f* src, Index n) {
 
 Kel32f deviation(const Kel32f* src, Index n) {
     const Kel64f centre = centre_of(src, n);
-    const auto moments = reduce<32>(
+    const auto moments = reduce<64>(
         n, [=](auto width) KELS_INLINE { return SingleMoments<width>(centre); }, src);
     const Kel64f quotient = numerator(moments, n) / denominator(n);
     if (!(std::fabs(quotient) <= std::numeric_limits<Kel64f>::max())) return extended_deviation(src, n, 0.0F);
@@ -100,14 +100,12 @@ struct DoubleMoments {
         sum.add(fresh);
         squares.add_product(fresh, fresh);
     }
-    [[gnu::always_inline]] Moments<TwoDoubles> result() const {
-        return {sum.template totals<1>()[0], squares.template totals<1>()[0]};
-    }
+    [[gnu::always_inline]] Moments<TwoDoubles> result() const { return {sum.totals()[0], squares.totals()[0]}; }
 };
 
 Kel64f deviation(const Kel64f* src, Index n) {
     constexpr Kel64f tiny = 0x1p-900; // below it squares may have lost their errors
-    const auto moments = reduce<8, DoubleMoments>(n, src);
+    const auto moments = reduce<16, DoubleMoments>(n, src);
     const TwoDoubles difference = numerator(moments, n);
     if (!difference.in_range()) return extended_deviation(src, n, 0.0);
     // Elements so close to each other that not even two doubles tell them apart from their mean.

@@ -33,16 +33,6 @@ namespace {
 // Sums of products in lanes. The totals of lanes of one kind, which come by turns, are numbers of the type that each
 // kind of sums has.
 
-template <class V>
-struct DoubleSums {
-    V sum{};
-    [[gnu::always_inline]] void add_product(V a, V b) { sum = fma(a, b, sum); }
-    template <int Kinds>
-    [[gnu::always_inline]] auto totals() const {
-        return sums_of_lanes<Kinds>(sum);
-    }
-};
-
 /// Of products that are exact.
 template <class V>
 struct SumsOfExactProducts : LaneSums<V> {
@@ -234,13 +224,13 @@ bool are_complete(const std::array<TwoDoubles, parts<B>>& sums, const A* a, cons
 template <class A, class B>
 void dot_product_of(const A* a, const B* b, Index n, Kel32f* result) {
     constexpr int elements = parts<A> == 2 ? 8 : 32 / parts<B>;
-    const auto sums = sums_of_products<Kel64f, DoubleSums, elements>(a, b, n);
+    const auto sums = sums_of_products<Kel64f, ProductSums, elements>(a, b, n);
     for (int part = 0; part < parts<B>; ++part) result[part] = static_cast<Kel32f>(sums[part]);
 }
 
 template <class A, class B>
 void dot_product_of(const A* a, const B* b, Index n, Kel64f* result) {
-    constexpr int elements = 8 / parts<B>;
+    constexpr int elements = 16 / parts<B>;
     std::array<TwoDoubles, parts<B>> sums;
     if constexpr (std::is_same_v<Part<A>, Kel32f>)
         sums = sums_of_products<Kel64f, SumsOfExactProducts, elements>(a, b, n);

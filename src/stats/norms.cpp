@@ -114,65 +114,66 @@ struct Largest {
 
 template <class T, int Elements>
 struct Magnitudes {
-    Vec<Kel64f, Elements> sum{};
+    DoubleSums<Vec<Kel64f, Elements>> sums;
 
-    [[gnu::always_inline]] void add(auto keep, auto x) { sum += convert<Kel64f>(magnitude(keep(x))); }
+    [[gnu::always_inline]] void add(auto keep, auto x) { sums.add(magnitude(convert<Kel64f>(keep(x)))); }
     [[gnu::always_inline]] void add(auto keep, auto a, auto b) {
-        sum += magnitude(convert<Kel64f>(keep(a)) - convert<Kel64f>(keep(b)));
+        sums.add(magnitude(convert<Kel64f>(keep(a)) - convert<Kel64f>(keep(b))));
     }
-    [[gnu::always_inline]] Kel64f result() const { return sum_of_lanes(sum); }
+    [[gnu::always_inline]] Kel64f result() const { return sums.total(); }
 };
 
 /// Squares of singles are exact, those of differences are rounded by themselves, so that a level that fuses gives no
 /// other bits.
 template <class T, int Elements>
 struct Squares {
-    Vec<Kel64f, Elements> sum{};
+    ProductSums<Vec<Kel64f, Elements>> exact;
+    DoubleSums<Vec<Kel64f, Elements>> rounded;
 
     [[gnu::always_inline]] void add(auto keep, auto x) {
         const auto wide = convert<Kel64f>(keep(x));
-        sum = fma(wide, wide, sum);
+        exact.add_product(wide, wide);
     }
     [[gnu::always_inline]] void add(auto keep, auto a, auto b) {
         const auto d = convert<Kel64f>(keep(a)) - convert<Kel64f>(keep(b));
-        sum += d * d;
+        rounded.add(d * d);
     }
-    [[gnu::always_inline]] Kel64f result() const { return sum_of_lanes(sum); }
+    [[gnu::always_inline]] Kel64f result() const { return exact.total() + rounded.total(); }
 };
 
 template <int Elements>
 struct Magnitudes<Kel64f, Elements> {
     using V = Vec<Kel64f, Elements>;
-    LaneSums<V> sum;
+    LaneSums<V> sums;
 
-    [[gnu::always_inline]] void add(auto keep, V x) { sum.add(magnitude(keep(x))); }
+    [[gnu::always_inline]] void add(auto keep, V x) { sums.add(magnitude(keep(x))); }
     [[gnu::always_inline]] void add(auto keep, V a, V b) {
         const V x = keep(a), y = keep(b), d = x - y, error = sum_error(x, -y, d);
-        sum.add(magnitude(d), d < 0 ? -error : error);
+        sums.add(magnitude(d), d < 0 ? -error : error);
     }
-    [[gnu::always_inline]] TwoDoubles result() const { return sum.template totals<1>()[0]; }
+    [[gnu::always_inline]] TwoDoubles result() const { return sums.totals()[0]; }
 };
 
 template <int Elements>
 struct Squares<Kel64f, Elements> {
     using V = Vec<Kel64f, Elements>;
-    LaneSums<V> sum;
+    LaneSums<V> sums;
 
     [[gnu::always_inline]] void add(auto keep, V x) {
         const V fresh = keep(x);
-        sum.add_product(fresh, fresh);
+        sums.add_product(fresh, fresh);
     }
     [[gnu::always_inline]] void add(auto keep, V a, V b) {
         const V x = keep(a), y = keep(b), d = x - y, square = d * d;
-        sum.add(square, product_error(d, d, square) + (d + d) * sum_error(x, -y, d));
+        sums.add(square, product_error(d, d, square) + (d + d) * sum_error(x, -y, d));
     }
-    [[gnu::always_inline]] TwoDoubles result() const { return sum.template totals<1>()[0]; }
+    [[gnu::always_inline]] TwoDoubles result() const { return sums.totals()[0]; }
 };
 
 template <class T>
 inline constexpr int elements_in_block = sizeof(T) == 2   ? 64
                                          : sizeof(T) == 4 ? 32
-                                                          : 8;
+                                                          : 16;
 
 // Sources: one vector or two. `reduced` gives the total of an accumulator, `element` a value in extended precision.
 

@@ -51,10 +51,10 @@ struct IntegerTotals {
 
 template <int Parts, int Elements>
 struct SingleTotals {
-    Vec<Kel64f, Elements * Parts> sum{};
+    DoubleSums<Vec<Kel64f, Elements * Parts>> sums;
 
-    [[gnu::always_inline]] void add(auto keep, auto x) { sum += convert<Kel64f>(keep(x)); }
-    [[gnu::always_inline]] std::array<Kel64f, Parts> result() const { return sums_of_lanes<Parts>(sum); }
+    [[gnu::always_inline]] void add(auto keep, auto x) { sums.add(convert<Kel64f>(keep(x))); }
+    [[gnu::always_inline]] std::array<Kel64f, Parts> result() const { return sums_of_lanes<Parts>(sums.sums); }
 };
 
 template <int Elements>
@@ -62,7 +62,7 @@ struct DoubleTotal {
     LaneSums<Vec<Kel64f, Elements>> sum;
 
     [[gnu::always_inline]] void add(auto keep, auto x) { sum.add(keep(x)); }
-    [[gnu::always_inline]] TwoDoubles result() const { return sum.template totals<1>()[0]; }
+    [[gnu::always_inline]] TwoDoubles result() const { return sum.totals()[0]; }
 };
 
 template <class T>
@@ -70,8 +70,7 @@ using TotalOfParts = std::array<std::conditional_t<std::is_integral_v<Part<T>>, 
 
 template <class T>
 TotalOfParts<T> totals(const T* src, Index n) {
-    constexpr int lanes = std::is_integral_v<Part<T>> ? 64 : 32;
-    return reduce<lanes / parts<T>>(
+    return reduce<64 / parts<T>>(
         n,
         [](auto width) KELS_INLINE {
             if constexpr (std::is_integral_v<Part<T>>)
@@ -117,7 +116,7 @@ KelStatus sum(const T* src, int len, T* result) {
 
 KelStatus sum(const Kel64f* src, int len, Kel64f* result) {
     return vector_call({src, result}, len, [=] {
-        const TwoDoubles total = reduce<8, DoubleTotal>(len, src);
+        const TwoDoubles total = reduce<16, DoubleTotal>(len, src);
         *result = total.in_range() ? total.rounded() : static_cast<Kel64f>(extended_total(src, len));
     });
 }
@@ -138,7 +137,7 @@ KelStatus mean(const Kel32fc* src, int len, Kel32fc* result) {
 
 KelStatus mean(const Kel64f* src, int len, Kel64f* result) {
     return vector_call({src, result}, len, [=] {
-        const TwoDoubles total = reduce<8, DoubleTotal>(len, src);
+        const TwoDoubles total = reduce<16, DoubleTotal>(len, src);
         *result = total.in_range() ? quotient(total, len) : static_cast<Kel64f>(extended_total(src, len) / len);
     });
 }
