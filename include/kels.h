@@ -12,6 +12,7 @@
 #include "kels/conversion.h"
 #include "kels/statistics.h"
 #include "kels/division.h"
+#include "kels/roots.h"
 #include "kels/fft.h"
 #include "kels/spectrum.h"
 #include "kels/fir.h"

@@ -77,6 +77,11 @@ void division() {
     });
 }
 
+void roots() {
+    contend_vectors("roots", "kelsSqrt_32f", "volk",
+                    [](const float* x, float* d, int n) { volk_32f_sqrt_32f(d, x, unsigned(n)); });
+}
+
 void movement() {
     const auto vectors = [](const char* function, auto call) { contend_vectors("movement", function, "volk", call); };
     vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
@@ -151,6 +156,7 @@ const Registration volk(
         arithmetic();
         conversion();
         division();
+        roots();
         movement();
         statistics();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {

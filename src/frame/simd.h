@@ -297,6 +297,36 @@ template <bool TowardZero, class V>
         return half<0>(to_integer<TowardZero>(both(a, V{})));
 }
 
+/// Square roots, rounded once. A negative number gives a NaN with the sign bit set.
+template <class V>
+[[gnu::always_inline]] inline V square_root(V a) {
+    [[maybe_unused]] constexpr int all = (1 << lanes<V> % 32) - 1;
+    if constexpr (std::is_same_v<V, float>)
+        return __builtin_sqrtf(a);
+    else if constexpr (std::is_same_v<V, double>)
+        return __builtin_sqrt(a);
+    else if constexpr (sizeof(V) > vector_bytes)
+        return both(square_root(half<0>(a)), square_root(half<1>(a)));
+#if defined(__AVX512F__)
+    else if constexpr (std::is_same_v<V, Vec<float, 16>>)
+        return _mm512_maskz_sqrt_ps(all, a);
+    else if constexpr (std::is_same_v<V, Vec<double, 8>>)
+        return _mm512_maskz_sqrt_pd(all, a);
+#endif
+#if defined(__AVX2__)
+    else if constexpr (std::is_same_v<V, Vec<float, 8>>)
+        return _mm256_sqrt_ps(a);
+    else if constexpr (std::is_same_v<V, Vec<double, 4>>)
+        return _mm256_sqrt_pd(a);
+#endif
+    else if constexpr (std::is_same_v<V, Vec<float, 4>>)
+        return _mm_sqrt_ps(a);
+    else if constexpr (std::is_same_v<V, Vec<double, 2>>)
+        return _mm_sqrt_pd(a);
+    else
+        return half<0>(square_root(both(a, V{})));
+}
+
 /// Every other lane, from the first on.
 template <class V>
 [[gnu::always_inline]] inline auto even_lanes(V a) {

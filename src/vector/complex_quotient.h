@@ -9,10 +9,10 @@
 
 #include "frame/blocks.h"
 #include "frame/complex_vector.h"
-#include "frame/error_free.h"
 #include "kels/services.h"
 #include "vector/complex_product.h"
 #include "vector/division_groups.h"
+#include "vector/expanded.h"
 
 #include <algorithm>
 #include <bit>
@@ -41,48 +41,10 @@ requires std::is_same_v<Element<V>, Kel32f>
 
 // Doubles
 
-/// A number as the sum of two doubles.
-template <class V>
-struct TwoDoubles {
-    V high, low;
-};
-
-/// a b + c d, cancellation included: the errors of the products may be all that is left, and cancel in turn.
-template <class V>
-[[gnu::always_inline]] inline TwoDoubles<V> two_products(V a, V b, V c, V d) {
-    const V p = a * b, q = c * d, sum = p + q;
-    const V of_p = product_error(a, b, p), of_q = product_error(c, d, q), errors = of_p + of_q;
-    const V high = errors == 0 ? sum : sum + errors; // so written, a negative zero stays one
-    return {high, sum_error(sum, errors, high) + (sum_error(of_p, of_q, errors) + sum_error(p, q, sum))};
-}
-
-/// a^2 + b^2, where nothing cancels.
-template <class V>
-[[gnu::always_inline]] inline TwoDoubles<V> two_squares(V a, V b) {
-    const V p = a * a, q = b * b, sum = p + q;
-    return {sum, product_error(a, a, p) + product_error(b, b, q) + sum_error(p, q, sum)};
-}
-
-/// The division's remainder is divided as well.
-template <class V>
-[[gnu::always_inline]] inline V divide(TwoDoubles<V> numerator, TwoDoubles<V> divisor, V reciprocal) {
-    const V quotient = numerator.high * reciprocal, back = quotient * divisor.high;
-    const V remainder = (numerator.high - back) - product_error(quotient, divisor.high, back) +
-                        (numerator.low - quotient * divisor.low);
-    return remainder == 0 ? quotient : quotient + remainder * reciprocal;
-}
-
-/// Not zero, but so small that errors of its products may underflow.
-template <class V>
-[[gnu::always_inline]] inline auto is_small(V x) {
-    const V size = x < 0 ? -x : x;
-    return (size < splat<V>(0x1p-400)) & (x != 0);
-}
-
 template <class V>
 requires std::is_same_v<Element<V>, Kel64f>
 [[gnu::always_inline]] inline Quotients<V> divide_lanes(Complex<V> b, Complex<V> a) {
-    const TwoDoubles<V> size = two_squares(a.re, a.im);
+    const Expanded<V> size = two_squares(a.re, a.im);
     const V reciprocal = 1 / size.high;
     const V re = divide(two_products(b.re, a.re, b.im, a.im), size, reciprocal);
     const V im = divide(two_products(b.im, a.re, -a.im, b.re), size, reciprocal);

@@ -23,6 +23,7 @@
 #include "vector/complex_product.h"
 #include "vector/complex_quotient.h"
 #include "vector/division_groups.h"
+#include "vector/integers_by_reals.h"
 
 #include <algorithm>
 #include <cmath>
@@ -129,27 +130,13 @@ KelStatus divide_by_constant(const T* src, T val, T* dst, int len) {
 
 // Integers
 
-/// 2^-factor, or what does the same.
-template <class Work>
-Work scale(int factor) {
-    constexpr int limit = 60; // beyond it nothing changes any more
-    return power_of_two<Work>(-std::clamp(factor, -limit, limit));
-}
-
-/// What lies beyond the range becomes its ends, a NaN the lower one.
-template <class R, class V>
-[[gnu::always_inline]] inline auto to_nearest(V x) {
-    const V limit = splat<V>(std::numeric_limits<R>::max());
-    return saturate<R>(to_integer<false>(x > limit ? limit : x));
-}
-
 /// d[i] = b[i] / a[i], each an array or a constant. Gives whether a divisor was zero. Then the quotient is infinite and
 /// saturates, but for a dividend of zero, which stays one.
 template <class Work, class A, class B, class R>
 bool divide_integers(A a, B b, R* d, Index n, int factor) {
     const DefaultModes modes(!nearest_in_any_mode);
     bool zero_met = false;
-    const auto quotients = [&zero_met, power = scale<Work>(factor)](auto x, auto y) KELS_INLINE {
+    const auto quotients = [&zero_met, power = real_scale<Work>(factor)](auto x, auto y) KELS_INLINE {
         zero_met |= any_lane(x == 0);
         const auto quotient = convert<Work>(convert<int>(y)) * power / convert<Work>(convert<int>(x));
         return y == 0 ? y : to_nearest<R>(quotient);
@@ -195,7 +182,7 @@ void divide_grouped(Kel8u val, const Kel8u* src, Kel8u* dst, Index n, int factor
 
 /// Grouped 16-bit integers are all zero when the constant's reciprocal is below that of the largest one.
 void divide_grouped(Kel16s val, const Kel16s* src, Kel16s* dst, Index n, int factor) {
-    if (scale<Kel64f>(factor) / std::abs(val) < 1.0 / std::numeric_limits<Kel16s>::max())
+    if (real_scale<Kel64f>(factor) / std::abs(val) < 1.0 / std::numeric_limits<Kel16s>::max())
         std::fill_n(dst, n, Kel16s{0});
     else
         divide_integers(constant(val), src, dst, n, factor);
@@ -231,12 +218,6 @@ template <class V>
     return add_products(b, other) + convert<int>(even_lanes(b));
 }
 
-template <class V>
-[[gnu::always_inline]] inline auto squared_modulus(V a) {
-    const auto size = convert<Kel64f>(add_products(a, a));
-    return size < 0 ? -size : size; // 2^31 has wrapped
-}
-
 template <class V, class Size>
 [[gnu::always_inline]] inline auto complex_quotients(V b, V a, Size divisor) {
     const auto re = convert<Kel64f>(real_of_conjugate_product(b, a)) / divisor;
@@ -248,7 +229,7 @@ KelStatus divide(const Kel16sc* a, const Kel16sc* b, Kel16sc* d, int len, int fa
     return vector_call({a, b, d}, len, [=] {
         const DefaultModes modes(!nearest_in_any_mode);
         bool zero_met = false;
-        const auto quotients = [&zero_met, power = 1 / scale<Kel64f>(factor)](auto x, auto y) KELS_INLINE {
+        const auto quotients = [&zero_met, power = 1 / real_scale<Kel64f>(factor)](auto x, auto y) KELS_INLINE {
             const auto size = squared_modulus(x);
             using R = std::remove_const_t<decltype(size)>;
             zero_met |= any_lane(size == 0);
@@ -263,7 +244,7 @@ KelStatus divide_by_constant(const Kel16sc* src, Kel16sc val, Kel16sc* dst, int 
     return vector_call({src, dst}, len, [=] {
         if (val.re == 0 && val.im == 0) return kelStatusDivByZero;
         const DefaultModes modes(!nearest_in_any_mode);
-        const Kel64f re = val.re, im = val.im, divisor = (re * re + im * im) / scale<Kel64f>(factor);
+        const Kel64f re = val.re, im = val.im, divisor = (re * re + im * im) / real_scale<Kel64f>(factor);
         const auto quotients = [=](auto x) KELS_INLINE {
             using R = Vec<Kel64f, lanes<decltype(x)> / 2>;
             return complex_quotients(x, alternate<decltype(x)>(val.re, val.im), splat<R>(divisor));

@@ -1,0 +1,348 @@
+// Squares and roots. Integer roots are held against squares of integers, which need no root to be exact; real ones
+// against extended precision.
+
+#include "kels/roots.h"
+#include "kels/services.h"
+#include "support/exact.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::each;
+using kels_test::ExactComplex;
+using kels_test::in_place;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::scaled;
+using kels_test::whole;
+
+// Squares
+
+constexpr auto squared = each([]<class T>(T x, auto... scale) {
+    const long double v = x;
+    if constexpr (std::is_integral_v<T>)
+        return scaled<T>(v * v, (0 + ... + scale));
+    else
+        return v * v;
+});
+
+constexpr auto squared_complex = each([]<class T>(T z, auto... scale) {
+    const long double a = z.re, b = z.im;
+    if constexpr (std::is_same_v<T, Kel16sc>)
+        return T{scaled<Kel16s>(a * a - b * b, (0 + ... + scale)), scaled<Kel16s>(2 * a * b, (0 + ... + scale))};
+    else
+        return ExactComplex{(a + b) * (a - b), 2 * a * b};
+});
+
+// Integers of any size, for squares of 65-bit numbers
+
+struct Wide {
+    std::uint64_t high, low;
+    auto operator<=>(const Wide&) const = default;
+};
+
+Wide product(std::uint64_t a, std::uint64_t b) {
+    const std::uint64_t al = a & 0xFFFFFFFF, ah = a >> 32, bl = b & 0xFFFFFFFF, bh = b >> 32;
+    const std::uint64_t middle = (al * bl >> 32) + (ah * bl & 0xFFFFFFFF) + (al * bh & 0xFFFFFFFF);
+    return {ah * bh + (ah * bl >> 32) + (al * bh >> 32) + (middle >> 32), a * b};
+}
+
+Wide shifted(std::uint64_t x, int left) {
+    if (left >= 64) return {x << (left - 64), 0};
+    return {left == 0 ? 0 : x >> (64 - left), x << left};
+}
+
+/// The integer nearest to x^(1/2) 2^-factor, found by trying its bits; at most `limit`.
+std::uint64_t integer_root(std::uint64_t x, int factor, std::uint64_t limit) {
+    if (x == 0 || factor > 40) return 0;
+    if (factor < -63 || static_cast<int>(std::bit_width(x)) - 2 * factor > 126) return limit;
+    // r - 1/2 < x^(1/2) 2^-factor: r (r - 1) < x 4^-factor, in integers
+    const auto reaches = [&](std::uint64_t r) {
+        if (factor <= 0) return product(r, r - 1) < shifted(x, -2 * factor);
+        if (2 * r - 1 > 1ULL << (33 - std::min(factor, 33))) return false;
+        const std::uint64_t half = (2 * r - 1) << (factor - 1); // (r - 1/2) 2^factor; a tie belongs to the even one
+        const Wide square = product(half, half);
+        return square < Wide{0, x} || (square == Wide{0, x} && r % 2 == 0);
+    };
+    std::uint64_t root = 0;
+    for (std::uint64_t bit = 1ULL << 62; bit > 0; bit >>= 1)
+        if (reaches(root | bit)) root |= bit;
+    return std::min(root, limit);
+}
+
+template <class T>
+T rooted_integer(T x, int factor) {
+    if (x < 0) return 0;
+    return static_cast<T>(integer_root(static_cast<std::uint64_t>(x), factor, std::numeric_limits<T>::max()));
+}
+
+template <class T>
+KelStatus negative_among(const T* x, int len) {
+    return std::any_of(x, x + len, [](T v) { return v < 0; }) ? kelStatusSqrtNegArg : kelStatusOk;
+}
+
+constexpr auto rooted_integers = whole([]<class T>(const T* x, T* d, int len, int factor) {
+    for (int i = 0; i < len; ++i) d[i] = rooted_integer(x[i], factor);
+    return negative_among(x, len);
+});
+
+// Real and complex roots
+
+constexpr auto rooted = whole([]<class T>(const T* x, T* d, int len) {
+    for (int i = 0; i < len; ++i) d[i] = static_cast<T>(std::sqrt(static_cast<long double>(x[i])));
+    return negative_among(x, len);
+});
+
+ExactComplex complex_root(long double re, long double im) {
+    const long double a = re / 2, b = im / 2;
+    if (a == 0) {
+        const long double root = std::sqrt(b < 0 ? -b : b);
+        return {root, b < 0 ? -root : root};
+    }
+    const long double r = std::sqrt(a * a + b * b);
+    if (a < 0) {
+        const long double v = b < 0 ? -std::sqrt(r - a) : std::sqrt(r - a);
+        return {b / v, v};
+    }
+    const long double u = std::sqrt(a + r);
+    return {u, b / u};
+}
+
+constexpr auto rooted_complex = each([](auto z) { return complex_root(z.re, z.im); });
+
+/// sqrt(twice / 2) 2^-factor, rounded: sqrt(2 twice) 2^-(factor + 1).
+Kel16s half_root(std::int64_t twice, int factor) {
+    return static_cast<Kel16s>(integer_root(static_cast<std::uint64_t>(2 * twice), std::min(factor, 100) + 1, 32767));
+}
+
+constexpr auto rooted_complex_integer = each([](Kel16sc z, int factor) {
+    if (factor < 0) {
+        const ExactComplex root = complex_root(z.re, z.im);
+        return Kel16sc{scaled<Kel16s>(root.re, factor), scaled<Kel16s>(root.im, factor)};
+    }
+    const std::int64_t re = z.re, im = z.im, square = re * re + im * im;
+    auto modulus = static_cast<std::int64_t>(std::sqrt(static_cast<double>(square)));
+    if (factor == 0 && square > modulus * modulus + modulus) ++modulus;
+    const Kel16s root = half_root(modulus - re, factor);
+    return Kel16sc{half_root(modulus + re, factor), static_cast<Kel16s>(im < 0 ? -root : root)};
+});
+
+// Cube roots
+
+/// The rational function's value for a magnitude, brought into its range as it is stated.
+long double cube_root(double magnitude) {
+    int e = 0;
+    long double m = std::frexp(magnitude, &e);
+    int r = e % 3;
+    if (r > 0) r -= 3;
+    m = std::ldexp(m, r);
+    const long double n =
+        m * (((45.2548339756803 * m + 192.2798368355061) * m + 119.16548242855816) * m + 13.432501390862399) +
+        0.16361612265857542;
+    const long double d =
+        (((14.808840932191346 * m + 151.97140510444356) * m + 168.52544141015682) * m + 33.99059413502156) * m + 1.0;
+    return std::ldexp(n / d, (e - r) / 3);
+}
+
+constexpr auto cube_rooted = each([](Kel32f x) -> long double {
+    if (!std::isfinite(x)) return x;
+    if (std::fabs(x) <= 1.1754943508222875e-38F) return 0.0L;
+    return x < 0 ? -cube_root(-static_cast<double>(x)) : cube_root(x);
+});
+
+constexpr auto cube_rooted_integer = each([](Kel32s x, int factor) {
+    if (x == 0) return Kel16s{0};
+    const double power = std::pow(2.0, -static_cast<double>(std::clamp(factor, -200, 200)));
+    const long double v = (cube_root(std::fabs(static_cast<double>(x))) * power + 0.5L) * (x < 0 ? -1 : 1);
+    return static_cast<Kel16s>(v > 32767 ? 32767 : v < -32768 ? -32768 : std::trunc(v));
+});
+
+// clang-format off
+const Row rows[] = {
+    row(kelsSqr_8u_Sfs, squared),                   in_place(kelsSqr_8u_ISfs, squared),
+    row(kelsSqr_16u_Sfs, squared),                  in_place(kelsSqr_16u_ISfs, squared),
+    row(kelsSqr_16s_Sfs, squared),                  in_place(kelsSqr_16s_ISfs, squared),
+    row(kelsSqr_16sc_Sfs, squared_complex),         in_place(kelsSqr_16sc_ISfs, squared_complex),
+    row(kelsSqr_32f, squared).ulps(0),              in_place(kelsSqr_32f_I, squared).ulps(0),
+    row(kelsSqr_32fc, squared_complex).ulps(1),     in_place(kelsSqr_32fc_I, squared_complex).ulps(1),
+    row(kelsSqr_64f, squared).ulps(1),              in_place(kelsSqr_64f_I, squared).ulps(1),
+    row(kelsSqr_64fc, squared_complex).ulps(1),     in_place(kelsSqr_64fc_I, squared_complex).ulps(1),
+
+    row(kelsSqrt_8u_Sfs, rooted_integers),          in_place(kelsSqrt_8u_ISfs, rooted_integers),
+    row(kelsSqrt_16u_Sfs, rooted_integers),         in_place(kelsSqrt_16u_ISfs, rooted_integers),
+    row(kelsSqrt_16s_Sfs, rooted_integers),         in_place(kelsSqrt_16s_ISfs, rooted_integers),
+    row(kelsSqrt_64s_Sfs, rooted_integers),         in_place(kelsSqrt_64s_ISfs, rooted_integers),
+    row(kelsSqrt_16sc_Sfs, rooted_complex_integer), in_place(kelsSqrt_16sc_ISfs, rooted_complex_integer),
+    row(kelsSqrt_32f, rooted).ulps(0),              in_place(kelsSqrt_32f_I, rooted).ulps(0),
+    row(kelsSqrt_32fc, rooted_complex).ulps(1),     in_place(kelsSqrt_32fc_I, rooted_complex).ulps(1),
+    row(kelsSqrt_64f, rooted).ulps(1),              in_place(kelsSqrt_64f_I, rooted).ulps(1),
+    row(kelsSqrt_64fc, rooted_complex).ulps(1),     in_place(kelsSqrt_64fc_I, rooted_complex).ulps(1),
+
+    row(kelsCubrt_32f, cube_rooted).ulps(1),        row(kelsCubrt_32s16s_Sfs, cube_rooted_integer),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Roots", rows);
+
+// Every scale factor on every 16-bit value, and on 64-bit values around the squares of halves and of integers.
+
+constexpr int extreme_factors[] = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
+
+template <class T, class Reference>
+void expect_every_factor(KelStatus (*function)(const T*, T*, int, int), const std::vector<T>& x, Reference reference) {
+    std::vector<T> d(x.size());
+    const KelStatus wanted =
+        std::is_same_v<Reference, T (*)(T, int)> ? negative_among(x.data(), static_cast<int>(x.size())) : kelStatusOk;
+    const auto check = [&](int factor) {
+        ASSERT_EQ(function(x.data(), d.data(), static_cast<int>(x.size()), factor), wanted);
+        for (std::size_t i = 0; i < x.size(); ++i)
+            ASSERT_EQ(d[i], reference(x[i], factor)) << +x[i] << " at " << factor;
+    };
+    for (int factor = -70; factor <= 70; ++factor) check(factor);
+    for (int factor : extreme_factors) check(factor);
+}
+
+template <class T>
+std::vector<T> every_value() {
+    std::vector<T> x;
+    for (int v = std::numeric_limits<T>::min(); v <= std::numeric_limits<T>::max(); ++v) x.push_back(static_cast<T>(v));
+    return x;
+}
+
+TEST(Square, EveryFactor) {
+    const auto square = [](auto x, int factor) { return scaled<decltype(x)>(static_cast<long double>(x) * x, factor); };
+    expect_every_factor(kelsSqr_8u_Sfs, every_value<Kel8u>(), square);
+    expect_every_factor(kelsSqr_16u_Sfs, every_value<Kel16u>(), square);
+    expect_every_factor(kelsSqr_16s_Sfs, every_value<Kel16s>(), square);
+}
+
+TEST(IntegerRoot, EveryFactorOfSmallTypes) {
+    expect_every_factor(kelsSqrt_8u_Sfs, every_value<Kel8u>(), &rooted_integer<Kel8u>);
+    std::vector<Kel16u> some;
+    for (int v = 0; v < 65536; v += v < 5000 || v > 64000 ? 1 : 7) some.push_back(static_cast<Kel16u>(v));
+    expect_every_factor(kelsSqrt_16u_Sfs, some, &rooted_integer<Kel16u>);
+    std::vector<Kel16s> positive;
+    for (int v = -3; v < 32768; v += v < 5000 || v > 32000 ? 1 : 5) positive.push_back(static_cast<Kel16s>(v));
+    expect_every_factor(kelsSqrt_16s_Sfs, positive, &rooted_integer<Kel16s>);
+}
+
+TEST(IntegerRoot, EveryFactorOf64Bits) {
+    std::vector<Kel64s> x = {0, 1, 2, 3, LLONG_MAX, LLONG_MAX - 1, -1, LLONG_MIN, 1LL << 62, (1LL << 62) - 1};
+    for (int shift = 0; shift < 32; ++shift)
+        for (std::int64_t delta : {-3, -2, -1, 0, 1, 2, 3}) {
+            const std::uint64_t root = static_cast<std::uint64_t>((1LL << shift) + 12345 * shift + delta);
+            for (std::uint64_t square :
+                 {root * root, root * root + root, root * root * 4, (2 * root + 1) * (2 * root + 1)})
+                for (std::int64_t beside : {-1, 0, 1})
+                    x.push_back(static_cast<Kel64s>((square + static_cast<std::uint64_t>(beside)) & LLONG_MAX));
+        }
+    expect_every_factor(kelsSqrt_64s_Sfs, x, &rooted_integer<Kel64s>);
+}
+
+// Literal values
+
+template <class T>
+void expect(KelStatus (*function)(const T*, T*, int, int), int factor, std::initializer_list<T> x,
+            std::initializer_list<T> want, KelStatus status = kelStatusOk) {
+    std::vector<T> d(x.size());
+    EXPECT_EQ(function(x.begin(), d.data(), static_cast<int>(x.size()), factor), status);
+    EXPECT_EQ(std::memcmp(d.data(), want.begin(), x.size() * sizeof(T)), 0) << "factor " << factor;
+}
+
+TEST(Square, LiteralValues) {
+    expect<Kel16s>(kelsSqr_16s_Sfs, 0, {181, 182}, {32761, 32767});
+    expect<Kel16s>(kelsSqr_16s_Sfs, 30, {-32768}, {1});
+    expect<Kel16s>(kelsSqr_16s_Sfs, 31, {-32768}, {0});
+    expect<Kel16u>(kelsSqr_16u_Sfs, 4, {5}, {2});
+    expect<Kel16u>(kelsSqr_16u_Sfs, 32, {46340, 46341, 65535}, {0, 1, 1});
+    expect<Kel8u>(kelsSqr_8u_Sfs, -8, {0, 1}, {0, 255});
+    expect<Kel16sc>(kelsSqr_16sc_Sfs, 0, {{-32768, -32768}}, {{0, 32767}});
+}
+
+TEST(IntegerRoot, LiteralValues) {
+    expect<Kel8u>(kelsSqrt_8u_Sfs, 0, {2, 3}, {1, 2});
+    expect<Kel8u>(kelsSqrt_8u_Sfs, 1, {9, 25, 49}, {2, 2, 4});
+    expect<Kel16s>(kelsSqrt_16s_Sfs, 9, {4, -1, -32768}, {0, 0, 0}, kelStatusSqrtNegArg);
+    expect<Kel16u>(kelsSqrt_16u_Sfs, 8, {65535}, {1});
+    expect<Kel16u>(kelsSqrt_16u_Sfs, 9, {65535}, {0});
+    expect<Kel16sc>(kelsSqrt_16sc_Sfs, 0, {{3, 4}, {-3, -4}, {-32768, -32768}}, {{2, 1}, {1, -2}, {82, -199}});
+    expect<Kel16sc>(kelsSqrt_16sc_Sfs, -1, {{3, -4}, {-4, 0}, {0, 0}}, {{4, -2}, {0, 4}, {0, 0}});
+}
+
+// Numbers whose root is as close to a half as it can be, at every width of a vector.
+TEST(IntegerRoot, CloseToAHalf) {
+    for (int len = 1; len < 70; ++len) {
+        const std::vector<Kel16s> x(static_cast<std::size_t>(len), 2321);
+        std::vector<Kel16s> d(x.size());
+        ASSERT_EQ(kelsSqrt_16s_Sfs(x.data(), d.data(), len, -9), kelStatusOk);
+        EXPECT_EQ(d, std::vector<Kel16s>(x.size(), 24667)) << len;
+    }
+}
+
+TEST(RealRoot, NegativeNumbers) {
+    const Kel32f x[] = {-1, 4, -0.0F, -HUGE_VALF, -1e-45F}, undefined = kelConstantOfNAN_32f;
+    const Kel32f want[] = {undefined, 2, -0.0F, undefined, undefined};
+    Kel32f d[5];
+    EXPECT_EQ(kelsSqrt_32f(x, d, 5), kelStatusSqrtNegArg);
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+    Kel64f quiet[] = {-0.0, -std::numeric_limits<Kel64f>::quiet_NaN()};
+    EXPECT_EQ(kelsSqrt_64f_I(quiet, 2), kelStatusOk);
+    EXPECT_TRUE(quiet[0] == 0 && std::signbit(quiet[0]) && std::isnan(quiet[1]));
+    Kel64f negative = -1e-320;
+    EXPECT_EQ(kelsSqrt_64f_I(&negative, 1), kelStatusSqrtNegArg);
+    EXPECT_EQ(std::memcmp(&negative, &kelConstantOfNAN_64f, sizeof negative), 0);
+}
+
+TEST(ComplexRoot, LiteralValues) {
+    const Kel32fc z[] = {{-4, 0}, {0, -8}, {-4, -0.0F}, {0, -0.0F}, {3, -4}};
+    const Kel32fc want[] = {{0, 2}, {2, -2}, {-0.0F, 2}, {-0.0F, -0.0F}, {2, -1}};
+    Kel32fc d[5];
+    EXPECT_EQ(kelsSqrt_32fc(z, d, 5), kelStatusOk);
+    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+}
+
+// The parts of a difference of squares that is small beside them.
+TEST(ComplexSquare, DifferenceHasTheFormOfAProduct) {
+    const Kel32fc z[] = {{-1, 1}, {1.0000001F, 1}};
+    Kel32fc d[2];
+    ASSERT_EQ(kelsSqr_32fc(z, d, 2), kelStatusOk);
+    EXPECT_TRUE(d[0].re == 0 && std::signbit(d[0].re));
+    EXPECT_EQ(d[1].re, static_cast<Kel32f>((1.0000001F + 1.0) * (1.0000001F - 1.0)));
+    Kel64fc x = {1.7e308, 1.7e308};
+    ASSERT_EQ(kelsSqr_64fc_I(&x, 1), kelStatusOk);
+    EXPECT_EQ(x.re, 0);
+    EXPECT_EQ(x.im, HUGE_VAL);
+}
+
+TEST(CubeRoot, LiteralValues) {
+    const Kel32f x[] = {27, -8, 1e-39F, -1e-39F, -0.0F, 1e30F};
+    Kel32f d[6];
+    ASSERT_EQ(kelsCubrt_32f(x, d, 6), kelStatusOk);
+    EXPECT_NEAR(d[0], 3, 1e-6);
+    EXPECT_NEAR(d[1], -2, 1e-6);
+    for (int i = 2; i < 5; ++i) EXPECT_TRUE(d[i] == 0 && !std::signbit(d[i]));
+    EXPECT_NEAR(d[5], 1e10, 1e4);
+    const Kel32s i[] = {27, -27, INT_MIN, INT_MAX, 0, 1};
+    Kel16s r[6];
+    ASSERT_EQ(kelsCubrt_32s16s_Sfs(i, r, 6, 0), kelStatusOk);
+    const Kel16s want[] = {3, -3, -1290, 1290, 0, 1};
+    EXPECT_EQ(std::memcmp(r, want, sizeof r), 0);
+    ASSERT_EQ(kelsCubrt_32s16s_Sfs(i, r, 6, -6), kelStatusOk);
+    EXPECT_EQ(r[2], -32768);
+    EXPECT_EQ(r[3], 32767);
+}
+
+} // namespace
