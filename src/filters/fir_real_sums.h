@@ -96,29 +96,32 @@ struct RealSums {
 /// Taps that are summed on their own before they join the total: bounds the rounding of long sums.
 inline constexpr int partial_taps = 32;
 
-/// Taps this far apart are taken together: what one of them reads for an output, the next reads for one further on. A
-/// whole vector at the widest level, where loads across cache lines would be what limits the engine.
+/// Taps are taken in rows of those that are this far apart: what one of them reads for an output, the next reads for
+/// one further on.
 inline constexpr int tap_stride = 8;
 
-/// sum[j] += the products of `Rows` times eight taps, those of one row being eight apart.
+/// sum[j] += the products of `Rows` times eight taps. With the widest vectors, nearly all loads cross cache lines and
+/// would limit the engine: the taps of a row share theirs. Narrower levels have no registers for it, nor the need.
 template <int Rows, int Vectors>
 [[gnu::always_inline]] inline void add_rows(const Kel64f* line, const Kel64f* taps, Vec<Kel64f>* sum) {
     using V = Vec<Kel64f>;
-    constexpr int step = tap_stride / lanes<V>; // vectors from a tap to the next of its row
-    constexpr bool shared = step < Vectors;
+    KELS_ROLLED
     for (int first = 0; first < tap_stride; ++first) {
-        constexpr int loads = shared ? Vectors + (Rows - 1) * step : 0;
-        V x[loads + 1];
-        unrolled<loads>([&](auto k) KELS_INLINE { x[k] = load<V>(line + first + k * lanes<V>); });
-        unrolled<Rows>([&](auto row) KELS_INLINE {
-            const V tap = splat<V>(taps[first + row * tap_stride]);
-            unrolled<Vectors>([&](auto v) KELS_INLINE {
-                if constexpr (shared)
-                    sum[v] = fma(tap, x[v + row * step], sum[v]);
-                else
-                    sum[v] = fma(tap, load<V>(line + first + row * tap_stride + v * lanes<V>), sum[v]);
+        if constexpr (lanes<V> == tap_stride) {
+            V x[Vectors + Rows - 1];
+            unrolled<Vectors + Rows - 1>([&](auto k) KELS_INLINE { x[k] = load<V>(line + first + k * lanes<V>); });
+            unrolled<Rows>([&](auto row) KELS_INLINE {
+                const V tap = splat<V>(taps[first + row * tap_stride]);
+                unrolled<Vectors>([&](auto v) KELS_INLINE { sum[v] = fma(tap, x[v + row], sum[v]); });
             });
-        });
+        } else {
+            KELS_ROLLED
+            for (int i = first; i < Rows * tap_stride; i += tap_stride) {
+                const V tap = splat<V>(taps[i]);
+                unrolled<Vectors>([&](auto v)
+                                      KELS_INLINE { sum[v] = fma(tap, load<V>(line + i + v * lanes<V>), sum[v]); });
+            }
+        }
     }
 }
 
@@ -193,7 +196,8 @@ void RealSums<complex>::add_strips(const Line* line, const Coefficient* taps, in
     const auto strips = [&]<int Vectors>(std::integral_constant<int, Vectors> vectors) {
         for (; at + Vectors * lanes<V> <= outputs; at += Vectors * lanes<V>) strip(vectors, at);
     };
-    if constexpr (vector_bytes == 64) strips(std::integral_constant<int, 8>{}); // as many registers again for samples
+    constexpr int registers = vector_bytes == 64 ? 32 : 16; // half of them for sums, of which complex outputs have two
+    if constexpr (!complex || registers == 32) strips(std::integral_constant<int, 8>{});
     strips(std::integral_constant<int, 4>{});
     for (; at < outputs; at += lanes<V>) strip(std::integral_constant<int, 1>{}, at);
 }

@@ -14,6 +14,13 @@
 /// For the bodies of lambdas inside kernels: a call left standing would send a register file through memory.
 #define KELS_INLINE __attribute__((always_inline))
 
+/// Before a loop that shall stay one: unrolled, it would keep more values than there are registers.
+#if defined(__clang__)
+#define KELS_ROLLED _Pragma("clang loop unroll(disable)")
+#else
+#define KELS_ROLLED _Pragma("GCC unroll 1")
+#endif
+
 namespace kels {
 
 /// Bytes of the widest vector of this level.
