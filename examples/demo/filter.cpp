@@ -16,40 +16,96 @@ struct Free {
 };
 using Filter = std::unique_ptr<KelFirContext, Free>;
 
-Filter make_filter(const std::vector<float>& taps) {
+Filter make_filter(const Filtering& f) {
     KelFirContext* state = nullptr;
-    check(kelsFIRInitAlloc_32f(&state, taps.data(), int(taps.size()), nullptr), "kelsFIRInitAlloc_32f");
+    const int taps = int(f.taps.size());
+    if (f.changes_rate())
+        check(kelsFIRMRInitAlloc_32f(&state, f.taps.data(), taps, f.up, 0, f.down, 0, nullptr),
+              "kelsFIRMRInitAlloc_32f");
+    else
+        check(kelsFIRInitAlloc_32f(&state, f.taps.data(), taps, nullptr), "kelsFIRInitAlloc_32f");
     return Filter(state);
+}
+
+/// Rate changes go by whole periods of `down` samples: silence fills up the last.
+std::vector<float> whole_periods(const Filtering& f, std::vector<float> samples) {
+    samples.resize((samples.size() + f.down - 1) / f.down * f.down);
+    return samples;
+}
+
+/// What is left of the outputs when those of the silence at the end are taken away.
+std::vector<float> for_samples(const Filtering& f, std::vector<float> filtered, std::size_t samples) {
+    filtered.resize((samples * f.up + f.down - 1) / f.down);
+    return filtered;
+}
+
+/// Calls block(first, count) for the stream's blocks, in periods.
+template <class Block>
+void for_each_block(std::size_t periods, Block block) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; done < periods; ++i) {
+        const std::size_t count = std::min<std::size_t>(block_lengths[i % std::size(block_lengths)], periods - done);
+        block(done, int(count));
+        done += count;
+    }
+}
+
+/// The points of the filter's plan, beyond which a block runs overlap-save; none below 32 taps.
+int plan_of(std::size_t taps) {
+    std::size_t points = 1;
+    while (points <= taps) points *= 2;
+    return taps < 32 ? 0 : int(points < 256 ? 2 * points : points);
 }
 
 } // namespace
 
-std::vector<float> filter_stream(const std::vector<float>& taps, const std::vector<float>& samples) {
-    const Filter filter = make_filter(taps);
-    std::vector<float> filtered(samples.size());
-    std::size_t done = 0;
-    for (std::size_t block = 0; done < samples.size(); ++block) {
-        const int length =
-            int(std::min<std::size_t>(block_lengths[block % std::size(block_lengths)], samples.size() - done));
-        check(kelsFIR_32f(&samples[done], &filtered[done], length, filter.get()), "kelsFIR_32f");
-        done += length;
-    }
-    return filtered;
+std::vector<float> filter_stream(const Filtering& f, const std::vector<float>& samples) {
+    const Filter filter = make_filter(f);
+    const std::vector<float> source = whole_periods(f, samples);
+    const std::size_t periods = source.size() / f.down;
+    std::vector<float> filtered(periods * f.up);
+    for_each_block(periods, [&](std::size_t first, int count) {
+        check(kelsFIR_32f(&source[first * f.down], &filtered[first * f.up], count, filter.get()), "kelsFIR_32f");
+    });
+    return for_samples(f, std::move(filtered), samples.size());
 }
 
-std::vector<float> filter_at_once(const std::vector<float>& taps, const std::vector<float>& samples) {
-    const Filter filter = make_filter(taps);
-    std::vector<float> filtered(samples.size());
-    check(kelsFIR_32f(samples.data(), filtered.data(), int(samples.size()), filter.get()), "kelsFIR_32f");
-    return filtered;
+std::vector<float> filter_at_once(const Filtering& f, const std::vector<float>& samples) {
+    const Filter filter = make_filter(f);
+    const std::vector<float> source = whole_periods(f, samples);
+    const std::size_t periods = source.size() / f.down;
+    std::vector<float> filtered(periods * f.up);
+    check(kelsFIR_32f(source.data(), filtered.data(), int(periods), filter.get()), "kelsFIR_32f");
+    return for_samples(f, std::move(filtered), samples.size());
 }
 
-std::vector<float> filter_one_by_one(const std::vector<float>& taps, const std::vector<float>& samples) {
-    const Filter filter = make_filter(taps);
+std::vector<float> filter_one_by_one(const Filtering& f, const std::vector<float>& samples) {
+    const Filter filter = make_filter(f);
     std::vector<float> filtered(samples.size());
     for (std::size_t i = 0; i < samples.size(); ++i)
         check(kelsFIROne_32f(samples[i], &filtered[i], filter.get()), "kelsFIROne_32f");
     return filtered;
+}
+
+std::vector<float> filter_without_context(const Filtering& f, const std::vector<float>& samples) {
+    const std::vector<float> source = whole_periods(f, samples);
+    const std::size_t periods = source.size() / f.down;
+    const int taps = int(f.taps.size());
+    std::vector<float> filtered(periods * f.up), line((taps + f.up - 1) / f.up);
+    check(kelsFIRMR_Direct_32f(source.data(), filtered.data(), int(periods), f.taps.data(), taps, f.up, 0, f.down, 0,
+                               line.data()),
+          "kelsFIRMR_Direct_32f");
+    return for_samples(f, std::move(filtered), samples.size());
+}
+
+std::string engines_of_stream(const Filtering& f, std::size_t samples) {
+    if (f.changes_rate())
+        return "polyphase, at most " + std::to_string((f.taps.size() + f.up - 1) / f.up) + " taps an output";
+    const int plan = plan_of(f.taps.size());
+    int direct = 0, overlap_save = 0;
+    for_each_block(samples, [&](std::size_t, int count) { ++(plan > 0 && count > plan ? overlap_save : direct); });
+    return "overlap-save in " + std::to_string(overlap_save) + " blocks, direct in " + std::to_string(direct) +
+           (plan > 0 ? ", those of at most " + std::to_string(plan) + " samples" : "");
 }
 
 } // namespace demo

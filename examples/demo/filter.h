@@ -1,17 +1,32 @@
-// A channel through the filter, in the three ways a caller may take.
+// A channel through the filter, in the ways a caller may take.
 #pragma once
 
+#include <string>
 #include <vector>
 
 namespace demo {
 
+/// The taps, and the rate change that they make: `up` samples for every `down`.
+struct Filtering {
+    std::vector<float> taps;
+    int up = 1, down = 1;
+
+    bool changes_rate() const { return up > 1 || down > 1; }
+};
+
 /// As a stream arrives: in blocks of uneven lengths, one context carrying the stream over their borders.
-std::vector<float> filter_stream(const std::vector<float>& taps, const std::vector<float>& samples);
+std::vector<float> filter_stream(const Filtering& filtering, const std::vector<float>& samples);
 
 /// In one call.
-std::vector<float> filter_at_once(const std::vector<float>& taps, const std::vector<float>& samples);
+std::vector<float> filter_at_once(const Filtering& filtering, const std::vector<float>& samples);
 
-/// Sample by sample.
-std::vector<float> filter_one_by_one(const std::vector<float>& taps, const std::vector<float>& samples);
+/// Sample by sample; at one rate only.
+std::vector<float> filter_one_by_one(const Filtering& filtering, const std::vector<float>& samples);
+
+/// Without a context: taps and delay line are ours, and go along with the call.
+std::vector<float> filter_without_context(const Filtering& filtering, const std::vector<float>& samples);
+
+/// Which engines the stream's blocks run.
+std::string engines_of_stream(const Filtering& filtering, std::size_t samples);
 
 } // namespace demo

@@ -10,6 +10,7 @@
 #include "spectrum.h"
 #include "wav_file.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -26,10 +27,11 @@ struct Filtered {
     double seconds; ///< spent filtering
 };
 
-Filtered filter_all(const std::vector<float>& taps, const Recording& recording) {
+Filtered filter_all(const Filtering& filtering, const Recording& recording) {
     Filtered filtered{recording, 0};
+    filtered.recording.rate = recording.rate * filtering.up / filtering.down;
     const auto start = std::chrono::steady_clock::now();
-    for (std::vector<float>& samples : filtered.recording.channels) samples = filter_stream(taps, samples);
+    for (std::vector<float>& samples : filtered.recording.channels) samples = filter_stream(filtering, samples);
     filtered.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return filtered;
 }
@@ -44,14 +46,14 @@ double greatest_difference(const std::vector<float>& a, const std::vector<float>
     return greatest;
 }
 
-using Way = std::vector<float> (*)(const std::vector<float>& taps, const std::vector<float>& samples);
+using Way = std::vector<float> (*)(const Filtering& filtering, const std::vector<float>& samples);
 
 /// Filters the recording in another way and compares: equal but for rounding, or the demo has failed.
-void compare(const char* name, Way way, const std::vector<float>& taps, const Recording& recording, double peak,
+void compare(const char* name, Way way, const Filtering& filtering, const Recording& recording, double peak,
              const Recording& streamed) {
     double greatest = 0;
     for (std::size_t c = 0; c < recording.channels.size(); ++c) {
-        const double difference = greatest_difference(way(taps, recording.channels[c]), streamed.channels[c]);
+        const double difference = greatest_difference(way(filtering, recording.channels[c]), streamed.channels[c]);
         if (!(difference <= tolerance * peak))
             throw Failure(std::string("The stream differs from ") + name + " by more than rounding.");
         greatest = std::max(greatest, difference);
@@ -73,6 +75,9 @@ void print_question(const Options& options, const Recording& recording) {
                 recording.rate, channels, channels == 1 ? "" : "s");
     std::printf("Filter     %d taps, windowed sinc, %g to %g Hz\n", options.band.taps, options.band.low,
                 options.band.high);
+    if (options.up != 1 || options.down != 1)
+        std::printf("Rate       %d samples for every %d: %d Hz\n", options.up, options.down,
+                    recording.rate * options.up / options.down);
 }
 
 /// Both files are complete before either takes its place.
@@ -84,29 +89,52 @@ void write_results(const Options& options, const Recording& recording, const Rec
     char filter[80];
     std::snprintf(filter, sizeof filter, ", band-pass %g to %g Hz, %d taps", options.band.low, options.band.high,
                   options.band.taps);
-    plot(png.part(), options.input.filename().string() + filter, spectrum_of(recording), spectrum_of(filtered),
-         options.band);
+    plot(png.part(), options.input.filename().string() + filter, spectrum_of(recording, recording.rate),
+         spectrum_of(filtered, recording.rate), options.band);
     wav.commit();
     png.commit();
     std::printf("Written    %s\n           %s\n", wav.final_path().c_str(), png.final_path().c_str());
 }
 
+/// The band lies below half of either rate, and both rates are whole numbers.
+void require_possible(const Options& options, int rate) {
+    constexpr int most = 100; // factor
+    if (options.up < 1 || options.up > most || options.down < 1 || options.down > most)
+        throw Failure("--up and --down take numbers from 1 to " + std::to_string(most) + ".");
+    const long long fast = (long long)rate * options.up;
+    if (fast % options.down != 0 || fast > 10'000'000)
+        throw Failure("A rate of " + std::to_string(rate) + " Hz times " + std::to_string(options.up) + " by " +
+                      std::to_string(options.down) + " is not possible.");
+    require_possible(options.band, std::min(rate, int(fast / options.down)));
+}
+
+/// Taps for the fast rate, at which the filter works when it changes the rate; there `up - 1` of `up` samples are
+/// zeros.
+Filtering filtering_of(const Options& options, int rate) {
+    Filtering filtering{design(options.band, rate * options.up), options.up, options.down};
+    for (float& tap : filtering.taps) tap *= float(options.up);
+    return filtering;
+}
+
 void run(const Options& options) {
     const Recording recording = read_wav(options.input);
-    require_possible(options.band, recording.rate);
+    require_possible(options, recording.rate);
     print_question(options, recording);
 
-    const std::vector<float> taps = design(options.band, recording.rate);
-    const auto [filtered, seconds] = filter_all(taps, recording);
+    const Filtering filtering = filtering_of(options, recording.rate);
+    const auto [filtered, seconds] = filter_all(filtering, recording);
     const Level before = level_of(recording), after = level_of(filtered);
     print_level("Before", before);
     print_level("After", after);
     if (after.peak > 1)
         std::printf("           (a WAV of integers holds no more than 0 dBFS: the peaks are clipped)\n");
+    std::printf("Engine     %s\n", engines_of_stream(filtering, recording.length()).c_str());
     std::printf("Speed      %.0f times real time, in blocks of uneven lengths\n", recording.seconds() / seconds);
 
-    compare("one call", filter_at_once, taps, recording, before.peak, filtered);
-    compare("single samples", filter_one_by_one, taps, recording, before.peak, filtered);
+    compare("one call", filter_at_once, filtering, recording, before.peak, filtered);
+    if (!filtering.changes_rate())
+        compare("single samples", filter_one_by_one, filtering, recording, before.peak, filtered);
+    compare("no context", filter_without_context, filtering, recording, before.peak, filtered);
     write_results(options, recording, filtered);
 }
 

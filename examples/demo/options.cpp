@@ -36,6 +36,8 @@ std::optional<Options> parse_options(int argc, char** argv) {
     app.add_option("--low", options.band.low, "lower edge of the pass band in Hz")->capture_default_str();
     app.add_option("--high", options.band.high, "upper edge of the pass band in Hz")->capture_default_str();
     app.add_option("--taps", options.band.taps, "length of the filter, odd")->capture_default_str();
+    app.add_option("--up", options.up, "resample: this many samples ...")->capture_default_str();
+    app.add_option("--down", options.down, "... for every so many of the recording")->capture_default_str();
     app.add_option("--out", options.out, "directory for the filtered WAV and the PNG")->capture_default_str();
     try {
         app.parse(argc, argv);

@@ -11,6 +11,7 @@ namespace demo {
 struct Options {
     std::filesystem::path input;
     BandPass band{.low = 300, .high = 3400, .taps = 511}; // the band of a telephone line
+    int up = 1, down = 1;
     std::filesystem::path out = "demo";
 };
 

@@ -11,15 +11,13 @@
 namespace demo {
 namespace {
 
-constexpr int order = 12; // 4,096 samples: 12 Hz from bin to bin at 48 kHz
-constexpr std::size_t segment = std::size_t{1} << order;
-constexpr std::size_t bins = segment / 2 + 1;
+constexpr int usual_order = 12;  // 4,096 samples: 12 Hz from bin to bin at 48 kHz
 constexpr double silence = -200; // dB, in the place of minus infinity
 
 /// The library's real transform with its plan and its work buffer.
 class RealTransform {
 public:
-    RealTransform() {
+    explicit RealTransform(int order) {
         KelsFftPlan_32f* plan = nullptr;
         check(kelsFFTInitAlloc_R_32f(&plan, order, kelFftNormNone, kelHintDefault), "kelsFFTInitAlloc_R_32f");
         plan_.reset(plan);
@@ -42,16 +40,17 @@ private:
     std::vector<Kel8u> buffer_;
 };
 
-std::vector<float> hann_window() {
+std::vector<float> hann_window(std::size_t segment) {
     std::vector<float> window(segment);
     for (std::size_t n = 0; n < segment; ++n)
-        window[n] = float(0.5 - 0.5 * std::cos(2 * std::numbers::pi * double(n) / segment));
+        window[n] = float(0.5 - 0.5 * std::cos(2 * std::numbers::pi * double(n) / double(segment)));
     return window;
 }
 
 /// Adds the power of every whole segment of a channel, or of its only one, filled up with zeros.
 std::size_t accumulate(RealTransform& transform, const std::vector<float>& window, const std::vector<float>& samples,
                        std::vector<double>& power) {
+    const std::size_t segment = window.size(), bins = power.size();
     std::vector<float> windowed(segment), spectrum(2 * bins);
     std::size_t segments = 0;
     for (std::size_t start = 0; start == 0 || start + segment <= samples.size(); start += segment / 2, ++segments) {
@@ -67,17 +66,20 @@ std::size_t accumulate(RealTransform& transform, const std::vector<float>& windo
 
 } // namespace
 
-Spectrum spectrum_of(const Recording& recording) {
-    RealTransform transform;
-    const std::vector<float> window = hann_window();
-    std::vector<double> power(bins, 0.0);
+Spectrum spectrum_of(const Recording& recording, int usual_rate) {
+    // Bins as wide as at the usual rate, as nearly as may be: the level of what is no sine depends on it.
+    const int order = std::max(4, usual_order + int(std::lround(std::log2(double(recording.rate) / usual_rate))));
+    const std::size_t segment = std::size_t{1} << order;
+    RealTransform transform(order);
+    const std::vector<float> window = hann_window(segment);
+    std::vector<double> power(segment / 2 + 1, 0.0);
     std::size_t segments = 0;
     for (const std::vector<float>& samples : recording.channels)
         segments += accumulate(transform, window, samples, power);
 
     // A sine of amplitude 1 in the middle of a bin has the magnitude sum(window) / 2 = segment / 4 there.
-    const double full_scale = std::pow(segment / 4.0, 2) * double(segments);
-    Spectrum spectrum{double(recording.rate) / segment, power};
+    const double full_scale = std::pow(double(segment) / 4, 2) * double(segments);
+    Spectrum spectrum{double(recording.rate) / double(segment), power};
     for (double& value : spectrum.decibels) value = std::max(silence, 10 * std::log10(value / full_scale));
     return spectrum;
 }

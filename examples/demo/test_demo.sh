@@ -87,6 +87,16 @@ succeeds "a recording of one sample" --input one-sample.wav
 succeeds "a silent recording" --input silence.wav --high 4000
 succeeds "a recording that is cut short" --input cut-short.wav
 succeeds "a low-pass" --input stereo.wav --low 0 --high 2000 --taps 31
+succeeds "two samples for three" --input stereo.wav --up 2 --down 3
+[ "$(od -An -tu4 -j24 -N4 out/stereo-filtered.wav)" -eq 29400 ] || complain "resampling: not two thirds of the rate"
+rms=$(rms_of out/stereo-filtered.wav 0)
+case $rms in 0.353[4567]) ;; *) complain "resampling: the tone inside the band has changed: $rms" ;; esac
+grep -q "Engine *polyphase" stdout || complain "resampling: no engine told"
+succeeds "three samples for one" --input stereo.wav --up 3
+succeeds "a resampled recording of one sample" --input one-sample.wav --up 3 --down 4
+refuses "a rate that is no whole number" "not possible" --input stereo.wav --down 99 --high 200
+refuses "a factor below 1" "from 1 to" --up 0
+refuses "a band above half the new rate" "at most 2000 Hz" --input silence.wav --down 2
 
 refuses "a missing file" "does not exist" --input missing.wav
 refuses "a directory" "is a directory" --input .
