@@ -41,10 +41,10 @@ public:
     static constexpr int span = 1024 / width;    ///< samples from the newest of its first output to that of its last
     static constexpr int segment = 1024 / width; ///< taps of a phase at once
 
-    PolyphaseTile(const Rates& rates, const Place& place, std::ptrdiff_t outputs)
-        : rates(rates), first(place), count(static_cast<int>(std::min<std::int64_t>(
-                                          {most_outputs, outputs, outputs_within(span, place.phase, rates)}))),
-          last(place.later(count - 1, rates).newest) {}
+    PolyphaseTile(const Rates& change, const Place& place, std::ptrdiff_t outputs)
+        : rates(change), first(place), count(static_cast<int>(std::min<std::int64_t>(
+                                           {most_outputs, outputs, outputs_within(span, place.phase, change)}))),
+          last(place.later(count - 1, change).newest) {}
 
     int outputs() const { return count; }
 
