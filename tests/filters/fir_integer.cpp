@@ -155,6 +155,7 @@ TEST(FirIntegerTaps, SumsWrap) {
 }
 
 TEST(FirIntegerTaps, RefusalsKeepTheirOrder) {
+    const long live = kels_test::live_blocks();
     KelFirContext* context = nullptr;
     const Kel32f real[] = {1, 2};
     const Kel32fc complex[] = {{1, 2}};
@@ -173,7 +174,7 @@ TEST(FirIntegerTaps, RefusalsKeepTheirOrder) {
     EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(nullptr, complex, 1, 0, 0, 0, 0, nullptr), kelStatusNullPtr);
     EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(&context, complex, 1, 1, 0, 1, 1, nullptr), kelStatusBadMrPhase);
     EXPECT_EQ(context, nullptr);
-    EXPECT_EQ(kels_test::live_blocks(), 0) << "what was converted is released";
+    EXPECT_EQ(kels_test::live_blocks(), live) << "what was converted is released";
 
     const Made made(Ints{1}, 0, false);
     Kel32s tap;
