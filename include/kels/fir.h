@@ -70,7 +70,7 @@ KELS_API KelStatus kelsFIRInitAlloc64fc_16sc(KelFirContext** pState, const Kel64
 
 /** @name Making a filter that changes the rate
  *  `_32f` and `32f_16s` filters of factors 1 and 1 are filters of one rate.
- *  @param pDlyLine null for silence, or the ceil(tapsLen / upFactor) samples before the stream, the most recent first
+ *  `pDlyLine` is null for silence, or the ceil(tapsLen / upFactor) samples before the stream, the most recent first.
  *  @return `kelStatusNullPtr`, `kelStatusBadFirLength`, `kelStatusBadMrFactor` (a factor below 1), `kelStatusBadMrPhase`
  *          (a phase below 0 or not below its factor), `kelStatusNoMemory` or `kelStatusOk`
  *  @{ */
