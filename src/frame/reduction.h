@@ -99,18 +99,20 @@ inline constexpr int steps_to_settle = 256;
 /// The vector has at least one block. Its last block ends with it.
 template <int Elements, class Accumulator, class... T>
 [[gnu::always_inline]] inline auto reduce_blocks(Index n, Accumulator accumulator, const T*... sources) {
-    Index i = 0;
-    const auto blocks_up_to = [&](Index end) KELS_INLINE {
-        for (; i + Elements <= end; i += Elements) accumulator.add(AllLanes{}, elements_at<Elements>(sources, i)...);
+    const auto add_blocks = [&](Index from, Index end) KELS_INLINE {
+        for (; from + Elements <= end; from += Elements)
+            accumulator.add(AllLanes{}, elements_at<Elements>(sources, from)...);
+        return from;
     };
+    Index i = 0;
     if constexpr (requires { accumulator.settle(); }) {
         constexpr Index most = Index{steps_to_settle - 1} * Elements;
         while (n - i > most) {
-            blocks_up_to(i + most);
+            i = add_blocks(i, i + most);
             accumulator.settle();
         }
     }
-    blocks_up_to(n);
+    i = add_blocks(i, n);
     if (i < n) accumulator.add(LastLanes<Elements>{n - i}, elements_at<Elements>(sources, n - Elements)...);
     return accumulator.result();
 }

@@ -325,10 +325,10 @@ struct Row {
 
     int tolerance = every_bit;
     int shortest_length = 1;
+    int nullable_argument = -1;
     bool needs_disjoint = false;
     bool checks_length_first = false;
     bool takes_null_sources = false;
-    int nullable_argument = -1;
     bool depends_on_rounding = false;
     bool depends_on_place = false;
     double low = 0, high = 0;
