@@ -120,43 +120,47 @@ template <class V>
     return shuffle<[](int i) { return every_other_part<V>(i, 1); }>(a, b);
 }
 
+/// Vectors 0 to G - 1 against the elements of each 128-bit part.
+template <class V>
+[[gnu::always_inline]] inline void transpose_inside_parts(V* row) {
+    if constexpr (part<V> == 2) {
+        const V a = row[0], b = row[1];
+        row[0] = join_lower<V, 1>(a, b);
+        row[1] = join_upper<V, 1>(a, b);
+    } else if constexpr (part<V> == 4) {
+        const V a = join_lower<V, 1>(row[0], row[1]), b = join_upper<V, 1>(row[0], row[1]);
+        const V c = join_lower<V, 1>(row[2], row[3]), d = join_upper<V, 1>(row[2], row[3]);
+        row[0] = join_lower<V, 2>(a, c);
+        row[1] = join_upper<V, 2>(a, c);
+        row[2] = join_lower<V, 2>(b, d);
+        row[3] = join_upper<V, 2>(b, d);
+    }
+}
+
+/// As many vectors, `Stride` apart, as there are 128-bit parts in one, against the parts.
+template <class V, int Stride = 1>
+[[gnu::always_inline]] inline void transpose_parts(V* row) {
+    constexpr int parts = lanes<V> / part<V>;
+    if constexpr (parts == 2) {
+        const V a = row[0], b = row[Stride];
+        row[0] = even_parts(a, b);
+        row[Stride] = odd_parts(a, b);
+    } else if constexpr (parts == 4) {
+        const V e01 = even_parts(row[0], row[Stride]), o01 = odd_parts(row[0], row[Stride]);
+        const V e23 = even_parts(row[2 * Stride], row[3 * Stride]), o23 = odd_parts(row[2 * Stride], row[3 * Stride]);
+        row[0] = even_parts(e01, e23);
+        row[Stride] = even_parts(o01, o23);
+        row[2 * Stride] = odd_parts(e01, e23);
+        row[3 * Stride] = odd_parts(o01, o23);
+    }
+}
+
 /// Transposes the square matrix whose rows are the vectors: elements inside 128-bit parts first, then whole parts.
 template <class V>
 [[gnu::always_inline]] inline void transpose(V (&row)[lanes<V>]) {
-    constexpr int g = part<V>, parts = lanes<V> / g;
-    if constexpr (g == 2) {
-        unrolled<lanes<V> / 2>([&](auto q) KELS_INLINE {
-            const V a = row[2 * q], b = row[2 * q + 1];
-            row[2 * q] = join_lower<V, 1>(a, b);
-            row[2 * q + 1] = join_upper<V, 1>(a, b);
-        });
-    } else if constexpr (g == 4) {
-        unrolled<parts>([&](auto q) KELS_INLINE {
-            V* r = row + 4 * q;
-            const V a = join_lower<V, 1>(r[0], r[1]), b = join_upper<V, 1>(r[0], r[1]);
-            const V c = join_lower<V, 1>(r[2], r[3]), d = join_upper<V, 1>(r[2], r[3]);
-            r[0] = join_lower<V, 2>(a, c);
-            r[1] = join_upper<V, 2>(a, c);
-            r[2] = join_lower<V, 2>(b, d);
-            r[3] = join_upper<V, 2>(b, d);
-        });
-    }
-    if constexpr (parts == 2) {
-        unrolled<g>([&](auto c) KELS_INLINE {
-            const V a = row[c], b = row[g + c];
-            row[c] = even_parts(a, b);
-            row[g + c] = odd_parts(a, b);
-        });
-    } else if constexpr (parts == 4) {
-        unrolled<g>([&](auto c) KELS_INLINE {
-            const V e01 = even_parts(row[c], row[g + c]), o01 = odd_parts(row[c], row[g + c]);
-            const V e23 = even_parts(row[2 * g + c], row[3 * g + c]), o23 = odd_parts(row[2 * g + c], row[3 * g + c]);
-            row[c] = even_parts(e01, e23);
-            row[g + c] = even_parts(o01, o23);
-            row[2 * g + c] = odd_parts(e01, e23);
-            row[3 * g + c] = odd_parts(o01, o23);
-        });
-    }
+    constexpr int g = part<V>;
+    unrolled<lanes<V> / g>([&](auto q) KELS_INLINE { transpose_inside_parts(row + q * g); });
+    unrolled<g>([&](auto c) KELS_INLINE { transpose_parts<V, g>(row + c); });
 }
 
 } // namespace kels

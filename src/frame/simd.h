@@ -266,6 +266,12 @@ inline constexpr bool nearest_in_any_mode = true;
 inline constexpr bool nearest_in_any_mode = false;
 #endif
 
+/// Lanes Index * S to Index * S + S - 1.
+template <int S, int Index, class V>
+[[gnu::always_inline]] inline Vec<Element<V>, S> slice(V a) {
+    return load<Vec<Element<V>, S>>(reinterpret_cast<const char*>(&a) + Index * S * sizeof(Element<V>));
+}
+
 /// Real lanes converted to 32-bit integers, toward zero or to nearest. What does not fit, NaNs too, becomes the lowest
 /// integer.
 template <bool TowardZero, class V>

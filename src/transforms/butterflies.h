@@ -12,6 +12,22 @@ template <class V>
     return {z.im, -z.re};
 }
 
+/// z exp(-i a), with c and s the cosine and sine of a.
+template <class V>
+[[gnu::always_inline]] inline Complex<V> turned(Complex<V> z, V c, V s) {
+    return {fma(s, z.im, c * z.re), fma(-s, z.re, c * z.im)};
+}
+
+/// Calls f(k) for every result of a butterfly, those that it finishes together one behind the other, so that few are on
+/// the way at a time: what else is done to a result and its store belong into one such call.
+template <int R, class F>
+[[gnu::always_inline]] inline void each_result(F&& f) {
+    unrolled<R>([&](auto i) KELS_INLINE {
+        constexpr int k = R == 16 ? i / 4 + 4 * (i % 4) : i;
+        f(std::integral_constant<int, k>{});
+    });
+}
+
 /// The transform of R points, in place.
 template <int R, class V>
 [[gnu::always_inline]] inline void butterfly(Complex<V>* x) {
@@ -54,15 +70,15 @@ template <int R, class V>
         const auto diagonal = [&](Complex<V> z) KELS_INLINE {
             return Complex<V>{h * (z.re + z.im), h * (z.im - z.re)};
         };
-        x[5] = x[5] * Complex<V>{c, -s};
+        x[5] = turned(x[5], c, s);
         x[6] = diagonal(x[6]);
-        x[7] = x[7] * Complex<V>{s, -c};
+        x[7] = turned(x[7], s, c);
         x[9] = diagonal(x[9]);
         x[10] = times_minus_i(x[10]);
         x[11] = times_minus_i(diagonal(x[11]));
-        x[13] = x[13] * Complex<V>{s, -c};
+        x[13] = turned(x[13], s, c);
         x[14] = times_minus_i(diagonal(x[14]));
-        x[15] = x[15] * Complex<V>{-c, s};
+        x[15] = turned(x[15], -c, -s);
         Complex<V> z[16];
         unrolled<4>([&](auto k) KELS_INLINE {
             Complex<V> y[4] = {x[4 * k], x[4 * k + 1], x[4 * k + 2], x[4 * k + 3]};

@@ -2,72 +2,62 @@
 
 #include "transforms/fft_in_cache.h"
 
+#include "transforms/fft_pairs.h"
 #include "transforms/fft_passes.h"
 #include "transforms/fft_radices.h"
 
-#include <numeric>
+#include <algorithm>
+#include <bit>
 
 namespace kels {
 namespace {
 
-/// Calls f with the radices of an in-cache order. Measured choices: the first radix is at least the widest vector, and
-/// radix 16 pays where registers hold it.
+/// Lanes of an in-cache transform: as many as the level has and a quarter of the points fill.
+template <class T>
+constexpr int pass_lanes(int order) {
+    return std::min(max_lanes<T>, (1 << order) / 4);
+}
+
+/// Calls f with the number of lanes and the radices of an in-cache order: 8 needs the fewest passes that registers
+/// hold, and the first one is at least what a transform along the lanes takes at a time.
 template <class T, class F>
 auto with_radices(int order, F&& f) {
-    if constexpr (sizeof(T) == 4) {
-        switch (order) {
+    const auto with = [&]<int Lanes>(std::integral_constant<int, Lanes> width) {
+        if constexpr (Lanes < max_lanes<T>) return f(width, Radices<4>{});
+        switch (order - std::countr_zero(unsigned{Lanes})) {
+        case 2:
+            return f(width, Radices<4>{});
+        case 3:
+            return f(width, Radices<8>{});
         case 4:
-            return f(Radices<4, 4>{});
+            return f(width, Radices<4, 4>{});
         case 5:
-            return f(Radices<8, 4>{});
+            return f(width, Radices<4, 8>{});
         case 6:
-            return f(Radices<8, 8>{});
+            return f(width, Radices<8, 8>{});
         case 7:
-            return f(Radices<16, 8>{});
+            return f(width, Radices<4, 4, 8>{});
         case 8:
-            return f(Radices<16, 16>{});
+            return f(width, Radices<4, 8, 8>{});
         case 9:
-            return f(Radices<16, 4, 8>{});
+            return f(width, Radices<8, 8, 8>{});
         case 10:
-            return f(Radices<16, 8, 8>{});
-        case 11:
-            return f(Radices<16, 8, 16>{});
-        case 12:
-            return f(Radices<16, 4, 8, 8>{});
+            return f(width, Radices<4, 4, 8, 8>{});
         default:
-            return f(Radices<16, 8, 8, 8>{});
+            return f(width, Radices<4, 8, 8, 8>{});
         }
-    } else {
-        switch (order) {
-        case 4:
-            return f(Radices<4, 4>{});
-        case 5:
-            return f(Radices<8, 4>{});
-        case 6:
-            return f(Radices<8, 8>{});
-        case 7:
-            return f(Radices<8, 4, 4>{});
-        case 8:
-            return f(Radices<8, 4, 8>{});
-        case 9:
-            return f(Radices<8, 8, 8>{});
-        case 10:
-            return f(Radices<8, 4, 4, 8>{});
-        case 11:
-            return f(Radices<8, 4, 8, 8>{});
-        default:
-            return f(Radices<8, 8, 8, 8>{});
-        }
+    };
+    switch (order) {
+    case 4:
+        return with(std::integral_constant<int, pass_lanes<T>(4)>{});
+    case 5:
+        return with(std::integral_constant<int, pass_lanes<T>(5)>{});
+    default:
+        return with(std::integral_constant<int, pass_lanes<T>(6)>{});
     }
 }
 
-/// Lanes of the passes: as many as the level, the columns and the first radix allow.
-template <class T, int R1, int... Rest>
-constexpr int pass_lanes(Radices<R1, Rest...>) {
-    return std::min(max_lanes<T>, std::gcd(R1, (Rest * ...)));
-}
-
-/// A complex transform of order 0 to 3: one butterfly of scalars.
+/// A complex transform of order 0 to 2: one butterfly of scalars.
 template <class Layout, class T, int N>
 void one_butterfly(const FftPlan<T>&, T factor, Points<const T> src, Points<T> dst) {
     using Data = typename Layout::template Of<T>;
@@ -75,6 +65,18 @@ void one_butterfly(const FftPlan<T>&, T factor, Points<const T> src, Points<T> d
     unrolled<N>([&](auto n) KELS_INLINE { x[n] = Data::read(src, n); });
     butterfly<N>(x);
     unrolled<N>([&](auto k) KELS_INLINE { Data::write(dst, k, x[k] * factor); });
+}
+
+/// A transform of 2 V points in registers.
+template <class Layout, class T, int Lanes>
+void pair_transform(const FftPlan<T>&, T factor, Points<const T> src, Points<T> dst) {
+    using V = Vec<T, Lanes>;
+    using Data = typename Layout::template Of<V>;
+    V result[4];
+    transform_pairs(Data::read_across(src, 0), Data::read_across(src, Lanes), result);
+    unrolled<4>([&](auto i) KELS_INLINE { result[i] = result[i] * splat<V>(factor); });
+    Data::write_pairs(dst, 0, result[0], result[1]);
+    Data::write_pairs(dst, Lanes, result[2], result[3]);
 }
 
 } // namespace
@@ -89,24 +91,27 @@ FftKernel<T> in_cache_kernel(int order) {
     case 2:
         return one_butterfly<Layout, T, 4>;
     case 3:
-        return one_butterfly<Layout, T, 8>;
+        return pair_transform<Layout, T, 4>;
     default:
+        if constexpr (max_lanes<T> >= 8)
+            if (order == 4) return pair_transform<Layout, T, 8>;
+        if constexpr (max_lanes<T> >= 16)
+            if (order == 5) return pair_transform<Layout, T, 16>;
         return with_radices<T>(
-            order, []<int... R>(Radices<R...>)->FftKernel<T> {
+            order, []<int Lanes, int... R>(std::integral_constant<int, Lanes>, Radices<R...>)->FftKernel<T> {
                 return [](const FftPlan<T>& plan, T factor, Points<const T> src, Points<T> dst) {
-                    Passes<Layout, T, pass_lanes<T>(Radices<R...>{}), R...>::run(src, dst, plan.twiddles, factor);
+                    Passes<Layout, T, Lanes, R...>::run(src, dst, plan.twiddles, factor);
                 };
             });
     }
 }
 
-template <class Layout, class T>
+template <class T>
 void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
     with_radices<T>(
-        plan.complex_order, [&]<int... R>(Radices<R...> radices) {
-            constexpr int V = pass_lanes<T>(decltype(radices){});
-            T* table = space.take<T>(pass_table_size({R...}));
-            if (table) make_pass_table<typename Layout::template Of<Vec<T, V>>, V>(table, {R...});
+        plan.complex_order, [&]<int Lanes, int... R>(std::integral_constant<int, Lanes>, Radices<R...>) {
+            T* table = space.take<T>(pass_table_size({R...}, Lanes));
+            if (table) make_pass_table<Vec<T, Lanes>>(table, {R...});
             plan.twiddles = table;
         });
 }
@@ -117,9 +122,7 @@ template FftKernel<Kel32f> in_cache_kernel<Split, Kel32f>(int);
 template FftKernel<Kel64f> in_cache_kernel<Interleaved<false>, Kel64f>(int);
 template FftKernel<Kel64f> in_cache_kernel<Interleaved<true>, Kel64f>(int);
 template FftKernel<Kel64f> in_cache_kernel<Split, Kel64f>(int);
-template void lay_in_cache<Interleaved<false>>(FftPlan<Kel32f>&, TableSpace&);
-template void lay_in_cache<Split>(FftPlan<Kel32f>&, TableSpace&);
-template void lay_in_cache<Interleaved<false>>(FftPlan<Kel64f>&, TableSpace&);
-template void lay_in_cache<Split>(FftPlan<Kel64f>&, TableSpace&);
+template void lay_in_cache(FftPlan<Kel32f>&, TableSpace&);
+template void lay_in_cache(FftPlan<Kel64f>&, TableSpace&);
 
 } // namespace kels

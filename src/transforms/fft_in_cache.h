@@ -13,7 +13,7 @@ template <class Layout, class T>
 FftKernel<T> in_cache_kernel(int order);
 
 /// The twiddle table that the kernel of the plan's complex order reads.
-template <class Layout, class T>
+template <class T>
 void lay_in_cache(FftPlan<T>& plan, TableSpace& space);
 
 } // namespace kels

@@ -5,9 +5,11 @@
 #pragma once
 
 #include "frame/complex_vector.h"
+#include "transforms/fft_lanes.h"
 
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 namespace kels {
 
@@ -27,8 +29,9 @@ Points<T> interleaved_points(T* p) {
 }
 
 // A layout says, for vectors V: `order(lane)`, the number of the point that a lane holds after `read`; `read` from the
-// i-th point on; and `write`. `Forward` is the layout of what lies between two sweeps of one transform, and `width` the
-// values of one array that a point takes.
+// i-th point on; and `write`. `keep` and `kept` are for what lies in the caller's array between two sweeps: the same
+// lanes in the room of the same points, but with no shuffles. `Forward` is the layout without an exchange, and `width`
+// the values of one array that a point takes.
 
 template <bool inverse>
 struct Interleaved {
@@ -47,6 +50,38 @@ struct Interleaved {
         [[gnu::always_inline]] static void write(Points<T> p, std::ptrdiff_t i, Complex<V> z) {
             store_interleaved<V>(p.re + 2 * i, inverse ? Complex<V>{z.im, z.re} : z);
         }
+        [[gnu::always_inline]] static Complex<V> kept(Points<const T> p, std::ptrdiff_t i) {
+            return {load<V>(p.re + 2 * i), load<V>(p.re + 2 * i + lanes<V>)};
+        }
+        [[gnu::always_inline]] static void keep(Points<T> p, std::ptrdiff_t i, Complex<V> z) {
+            store<V>(p.re + 2 * i, z.re);
+            store<V>(p.re + 2 * i + lanes<V>, z.im);
+        }
+        [[gnu::always_inline]] static Complex<V> read_across(Points<const T> p, std::ptrdiff_t i) {
+            const V lo = load<V>(p.re + 2 * i), hi = load<V>(p.re + 2 * i + lanes<V>);
+            const V even = shuffle<[](int lane) { return 2 * lane_point<V>(lane); }>(lo, hi);
+            const V odd = shuffle<[](int lane) { return 2 * lane_point<V>(lane) + 1; }>(lo, hi);
+            return inverse ? Complex<V>{odd, even} : Complex<V>{even, odd};
+        }
+        template <int S>
+        [[gnu::always_inline]] static void write_pieces(Points<T> p, std::ptrdiff_t i, std::ptrdiff_t spacing,
+                                                        Complex<V> z) {
+            // Two halves of a piece, or two pieces, or twice two, which come side by side when they are that short.
+            const V re = inverse ? z.im : z.re, im = inverse ? z.re : z.im;
+            store(p.re + 2 * i, shuffle<joined<0>>(re, im));
+            store(p.re + 2 * i + (2 * S == lanes<V> ? 2 * spacing : lanes<V>), shuffle<joined<1>>(re, im));
+        }
+        [[gnu::always_inline]] static void write_pairs(Points<T> p, std::ptrdiff_t i, V lo, V hi) {
+            constexpr auto kept_or_exchanged = [](int lane) { return inverse ? lane ^ 1 : lane; };
+            store(p.re + 2 * i, shuffle<kept_or_exchanged>(lo, lo));
+            store(p.re + 2 * i + lanes<V>, shuffle<kept_or_exchanged>(hi, hi));
+        }
+
+    private:
+        /// Real and imaginary parts by turns, of one half of the results.
+        template <int half>
+        static constexpr auto joined =
+            [](int lane) { return lane % 2 * lanes<V> + lane_of_result<V>(half * lanes<V> / 2 + lane / 2); };
     };
 };
 
@@ -65,6 +100,26 @@ struct Split {
         [[gnu::always_inline]] static void write(Points<T> p, std::ptrdiff_t i, Complex<V> z) {
             store<V>(p.re + i, z.re);
             store<V>(p.im + i, z.im);
+        }
+        [[gnu::always_inline]] static Complex<V> kept(Points<const T> p, std::ptrdiff_t i) { return read(p, i); }
+        [[gnu::always_inline]] static void keep(Points<T> p, std::ptrdiff_t i, Complex<V> z) { write(p, i, z); }
+        [[gnu::always_inline]] static Complex<V> read_across(Points<const T> p, std::ptrdiff_t i) {
+            const Complex<V> z = read(p, i);
+            return {shuffle<[](int lane) { return lane_point<V>(lane); }>(z.re, z.re),
+                    shuffle<[](int lane) { return lane_point<V>(lane); }>(z.im, z.im)};
+        }
+        template <int S>
+        [[gnu::always_inline]] static void write_pieces(Points<T> p, std::ptrdiff_t i, std::ptrdiff_t spacing,
+                                                        Complex<V> z) {
+            const V re = shuffle<lane_of_result<V>>(z.re, z.re), im = shuffle<lane_of_result<V>>(z.im, z.im);
+            unrolled<lanes<V> / S>([&](auto piece) KELS_INLINE {
+                store(p.re + i + piece * spacing, slice<S, piece>(re));
+                store(p.im + i + piece * spacing, slice<S, piece>(im));
+            });
+        }
+        [[gnu::always_inline]] static void write_pairs(Points<T> p, std::ptrdiff_t i, V lo, V hi) {
+            store(p.re + i, shuffle<[](int lane) { return 2 * lane; }>(lo, hi));
+            store(p.im + i, shuffle<[](int lane) { return 2 * lane + 1; }>(lo, hi));
         }
     };
 };

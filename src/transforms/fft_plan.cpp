@@ -5,6 +5,7 @@
 
 #include "transforms/fft_plan.h"
 
+#include "transforms/fft_blocked.h"
 #include "transforms/fft_in_cache.h"
 #include "transforms/fft_large.h"
 #include "transforms/real_recombination.h"
@@ -53,16 +54,19 @@ bool too_large(int order) {
 /// All tables of a plan whose order is set.
 template <class Layout, class T>
 void lay_tables(FftPlan<T>& plan, bool real, TableSpace& space) {
-    if (plan.complex_order > top_in_cache_order<T>)
+    if (plan.complex_order > top_blocked_order)
         lay_large<Layout>(plan, space);
+    else if (plan.complex_order > top_in_cache_order<T>)
+        lay_blocked<Layout>(plan, space);
     else if (plan.complex_order >= first_pass_order)
-        lay_in_cache<Layout>(plan, space);
+        lay_in_cache(plan, space);
     if (real) lay_recombination(plan, space);
 }
 
 template <class Layout, class T>
 FftKernel<T> kernel(int order) {
-    return order > top_in_cache_order<T> ? large_kernel<Layout, T>() : in_cache_kernel<Layout, T>(order);
+    if (order > top_blocked_order) return large_kernel<Layout, T>();
+    return order > top_in_cache_order<T> ? blocked_kernel<Layout, T>() : in_cache_kernel<Layout, T>(order);
 }
 
 /// Sets the normalisation that a flag stands for; false for any other value.

@@ -45,9 +45,10 @@ struct FftPlan {
     Kel32s workBytes = 0;
     Kel32s complex_order = 0;
     FftDirection<T> forward{}, inverse{};
-    const T* twiddles = nullptr;        ///< of the passes of an in-cache transform, or of a large one's outer columns
-    const T* middle_twiddles = nullptr; ///< large transforms, see fft_large.h: middle columns
-    const T* lane_twiddles = nullptr;   ///< neighbouring columns of a strip
+    const T* twiddles = nullptr;        ///< of the passes of an in-cache transform, or of a longer one's first sweep
+    const T* middle_twiddles = nullptr; ///< longer transforms: of the middle columns
+    const T* lane_twiddles = nullptr;   ///< between neighbouring columns
+    const T* coarse_turns = nullptr;    ///< blocked transforms: of the middle sweep's results
     const Kel64f* coarse_roots = nullptr;
     const Kel64f* fine_roots = nullptr;
     const T* recombination = nullptr;        ///< real data: see fft_real.cpp

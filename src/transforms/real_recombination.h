@@ -9,21 +9,15 @@
 #pragma once
 
 #include "frame/complex_vector.h"
-#include "transforms/fft_passes.h"
 #include "transforms/fft_plan.h"
+#include "transforms/roots.h"
 
 namespace kels {
 
 /// Roots in the table of one block; longer transforms multiply it by one more root a block.
 inline constexpr std::ptrdiff_t recombination_block = 1024;
 
-/// Lanes that n/2 bin pairs fill.
-template <class T>
-int recombination_lanes(std::ptrdiff_t n) {
-    return static_cast<int>(std::min<std::ptrdiff_t>(max_lanes<T>, n / 2));
-}
-
-/// Calls f with the number of lanes as a constant.
+/// Calls f with the number of lanes, which n/2 bin pairs fill, as a constant.
 template <class T, int V = max_lanes<T>, class F>
 void with_recombination_lanes(std::ptrdiff_t n, F&& f) {
     if constexpr (V * static_cast<int>(sizeof(T)) == 16) {
@@ -60,13 +54,33 @@ void lay_recombination(FftPlan<T>& plan, TableSpace& space) {
     }
 }
 
+/// Points 1 to V of the 2 V points in two vectors.
+template <class V>
+[[gnu::always_inline]] inline Complex<V> from_second_point(Complex<V> a, Complex<V> b) {
+    constexpr auto lane = [](int i) {
+        const int point = 1 + lane_order<V>(i);
+        int at = 0;
+        while (lane_order<V>(at) != point % lanes<V>) ++at;
+        return point / lanes<V> * lanes<V> + at;
+    };
+    if constexpr (lanes<V> == 1)
+        return b;
+    else
+        return {shuffle<lane>(a.re, b.re), shuffle<lane>(a.im, b.im)};
+}
+
 /// One pass over all bin pairs. Bin k stands at src[2k] and dst[2k]; the arrays may be shifted against each other by
 /// one value in place, so the next vectors are read before the present ones are written.
 template <bool inverse, int V, class T>
 void recombine(const T* src, T* dst, std::ptrdiff_t n, const T* table, const T* blocks) {
     using Vector = Vec<T, V>;
     const std::ptrdiff_t count = n / 2 / V;
-    Complex<Vector> low = load_interleaved<Vector>(src + 2), high = load_interleaved<Vector>(src + 2 * (n - V));
+    Complex<Vector> high = load_interleaved<Vector>(src + 2 * (n - V)), low;
+    // Eight points have just been stored as four vectors: a load across two of them would wait for the cache.
+    if (V == 4 && n == 8 && !inverse)
+        low = from_second_point(load_interleaved<Vector>(src), high);
+    else
+        low = load_interleaved<Vector>(src + 2);
     Complex<Vector> turn = {splat<Vector>(1), splat<Vector>(0)};
     for (std::ptrdiff_t i = 0; i < count; ++i) {
         const Complex<Vector> a = low, b = {reverse(high.re), -reverse(high.im)};

@@ -21,6 +21,10 @@ using kels_test::reference_transform;
 
 constexpr int flags[] = {kelFftNormFwd, kelFftNormInv, kelFftNormSqrt, kelFftNormNone};
 
+/// Complex orders up to this one meet every path: the butterflies, passes in the cache, blocks beyond it, and strips in
+/// two and in three sweeps.
+constexpr int last_order = 19;
+
 // One type's functions, under names that a test can use for both.
 
 template <class PlanType>
@@ -133,13 +137,14 @@ TYPED_TEST_SUITE(FftTest, Types, TypeNames);
 TYPED_TEST(FftTest, ComplexMatchesReferenceInPlaceToo) {
     using T = TypeParam;
     using F = Fft<T>;
-    for (int order = 0; order <= 17; ++order)
+    for (int order = 0; order <= last_order; ++order)
         for (int flag : flags) {
             if (order > 8 && order % 5 && flag != kelFftNormInv)
                 continue; // each path with each flag, most orders with one
             const std::size_t n = std::size_t{1} << order;
             const auto plan = make<T>(F::complex, order, flag);
             for (int sign : {-1, 1}) {
+                if (order > 15 && (order % 2 == 0) == (sign > 0)) continue; // long ones in one direction
                 const std::vector<T> x = noise<T>(order, 2 * n);
                 std::vector<T> y(2 * n), in_place = x;
                 const auto run = [&](const std::vector<T>& src, std::vector<T>& dst) {
@@ -162,7 +167,7 @@ TYPED_TEST(FftTest, LargeOrdersTurnAnImpulseIntoASpiral) {
     using T = TypeParam;
     using F = Fft<T>;
     Random random("impulse");
-    for (int order : {18, 19, 21}) {
+    for (int order : {20, 21, 22}) {
         const std::size_t n = std::size_t{1} << order;
         const auto plan = make<T>(F::complex, order, kelFftNormNone);
         for (int repeat = 0; repeat < 4; ++repeat) {
@@ -186,7 +191,7 @@ TYPED_TEST(FftTest, LargeOrdersTurnAnImpulseIntoASpiral) {
 TYPED_TEST(FftTest, TwoArraysGiveTheBitsOfOne) {
     using T = TypeParam;
     using F = Fft<T>;
-    for (int order = 0; order <= 17; ++order)
+    for (int order = 0; order <= last_order; ++order)
         for (int sign : {-1, 1}) {
             const std::size_t n = std::size_t{1} << order, bytes = n * sizeof(T);
             const int flag = flags[static_cast<std::size_t>(order) % 4];
@@ -252,7 +257,7 @@ TYPED_TEST(FftTest, ImpulseShowsExactlyTheFactor) {
 TYPED_TEST(FftTest, RealMatchesReferenceInEveryLayout) {
     using T = TypeParam;
     using F = Fft<T>;
-    for (int order = 0; order <= 17; ++order) {
+    for (int order = 0; order <= last_order; ++order) {
         const std::size_t n = std::size_t{1} << order;
         const auto plan = make<T>(F::real, order, order % 3 == 0 ? kelFftNormSqrt : kelFftNormInv);
         const std::vector<T> x = noise<T>(order, n);
@@ -293,8 +298,9 @@ TYPED_TEST(FftTest, RealMatchesReferenceInEveryLayout) {
 TYPED_TEST(FftTest, RealInverseReturnsFromEveryLayout) {
     using T = TypeParam;
     using F = Fft<T>;
-    for (int order = 0; order <= 17; ++order)
+    for (int order = 0; order <= last_order; ++order)
         for (int flag : flags) {
+            if (order > 14 && flag != kelFftNormInv) continue;
             const std::size_t n = std::size_t{1} << order;
             const auto plan = make<T>(F::real, order, flag);
             const std::vector<T> x = noise<T>(order, n);
@@ -331,7 +337,7 @@ TYPED_TEST(FftTest, RealInverseReturnsFromEveryLayout) {
 TYPED_TEST(FftTest, StaysInsideItsArraysAtAnyAddress) {
     using T = TypeParam;
     using F = Fft<T>;
-    for (int order : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}) {
+    for (int order = 0; order <= last_order; ++order) {
         const std::size_t n = std::size_t{1} << order, bytes = 2 * n * sizeof(T), real_bytes = (n + 2) * sizeof(T);
         const auto complex = make<T>(F::complex, order, kelFftNormInv);
         const auto real = make<T>(F::real, order, kelFftNormInv);
@@ -416,7 +422,7 @@ TYPED_TEST(FftTest, PlansRefuseWhatTheyCannotBe) {
             EXPECT_EQ(functions.make(&plan, 5, kelFftNormNone, hint), kelStatusOk) << hint;
             EXPECT_EQ(functions.release(plan), kelStatusOk);
         }
-        for (int order : {2, 9, 15})
+        for (int order : {2, 9, 15, 20})
             kels_test::for_each_allocation_failure([&] {
                 typename F::Plan* made = untouched;
                 const KelStatus status = functions.make(&made, order, 1, 0);
@@ -488,7 +494,7 @@ TYPED_TEST(FftTest, AllocatesNothingAndLeavesTheModesAlone) {
     using T = TypeParam;
     using F = Fft<T>;
     const kels_test::KeepControlState keep;
-    for (int order : {3, 8, 10, 13, 15}) {
+    for (int order : {3, 8, 10, 13, 15, 19}) {
         const auto plan = make<T>(F::real, order, kelFftNormInv);
         std::vector<T> x = noise<T>(order, (std::size_t{1} << order) + 2);
         const long before = kels_test::allocations();

@@ -18,7 +18,18 @@ inline Extended root_of_unity(int sign, std::size_t k, std::size_t n) {
     return {std::cos(angle), sign * std::sin(angle)};
 }
 
-/// The transform of any power of two, sign -1 forward: odd and even samples apart, joined by a butterfly.
+/// exp(2 pi i k / 2^20), evaluated once for all references.
+inline const std::vector<Extended>& circle() {
+    static const std::vector<Extended> roots = [] {
+        constexpr std::size_t n = std::size_t{1} << 20;
+        std::vector<Extended> all(n);
+        for (std::size_t k = 0; k < n; ++k) all[k] = root_of_unity(1, k, n);
+        return all;
+    }();
+    return roots;
+}
+
+/// The transform of any power of two up to 2^20, sign -1 forward: odd and even samples apart, joined by a butterfly.
 inline std::vector<Extended> reference_transform(const std::vector<Extended>& x, int sign) {
     const std::size_t n = x.size();
     if (n <= 4) {
@@ -34,8 +45,10 @@ inline std::vector<Extended> reference_transform(const std::vector<Extended>& x,
     }
     even = reference_transform(even, sign);
     odd = reference_transform(odd, sign);
+    const std::vector<Extended>& roots = circle();
     for (std::size_t k = 0; k < n / 2; ++k) {
-        const Extended turned = odd[k] * root_of_unity(sign, k, n);
+        const Extended root = roots[k * (roots.size() / n)];
+        const Extended turned = odd[k] * (sign < 0 ? std::conj(root) : root);
         y[k] = even[k] + turned;
         y[k + n / 2] = even[k] - turned;
     }

@@ -1,0 +1,169 @@
+// Transforms that fit the outer cache: N = 16 B 16 points, seen as a cube.
+//
+// With n = (n1 B + b) 16 + n3 and k = k1 + 16 (kb + B k3):
+//
+//   first sweep   for every b: transform over n1, turn by exp(-2 pi i k1 (16 b + n3) / N), and exchange k1 with n3, so
+//                 that k1 runs along the rows and n3 counts them;
+//   middle sweep  for every n3: transform over b, turn by exp(-2 pi i n3 kb / (16 B));
+//   last sweep    for every kb: transform over n3.
+//
+// Each step of a sweep writes just where it has read: the first and the last one a square of 16 rows of 16 points, the
+// middle one a row of B squares' edges, contiguous. So the sweeps work in place, leave natural order, and never meet
+// more lines of one cache set than the set has ways, whatever power of two the rows lie apart. Between the sweeps the
+// points are kept as vectors of real and imaginary parts.
+
+#include "transforms/fft_blocked.h"
+
+#include "transforms/fft_strip.h"
+
+namespace kels {
+namespace {
+
+/// Rows and columns of a square.
+constexpr int side = 16;
+constexpr int side_order = 4;
+
+/// Calls f with the radices of the middle transform at a complex order.
+template <class F>
+auto with_middle_radices(int order, F&& f) {
+    return with_column_radices(order - 2 * side_order, f);
+}
+
+template <class Layout, class T>
+class BlockedTransform {
+    using S = Strip<T>;
+    using Vector = typename S::Vector;
+    using Kept = typename Layout::Forward::template Of<Vector>;
+    using Ends = typename Layout::template Of<Vector>;
+    static constexpr int V = S::V;
+    static constexpr int groups = side / V;
+
+    const FftPlan<T>& plan_;
+    const T factor_;
+    const std::ptrdiff_t blocks_ = std::ptrdiff_t{1} << (plan_.complex_order - 2 * side_order);
+    const std::ptrdiff_t row_ = blocks_ * side;
+    S strip_;
+
+public:
+    BlockedTransform(const FftPlan<T>& plan, T factor) : plan_(plan), factor_(factor) {}
+
+    void run(Points<const T> src, Points<T> dst) {
+        for (std::ptrdiff_t b = 0; b < blocks_; ++b) first_square(src, dst, b);
+        with_middle_radices(plan_.complex_order, [&](auto radices) {
+            for (std::ptrdiff_t n3 = 0; n3 < side; ++n3)
+                for (std::ptrdiff_t column = 0; column < side; column += strip_lanes<T>)
+                    middle_strip(radices, dst, n3, column);
+        });
+        for (std::ptrdiff_t i = 0; i < row_; i += V) last_columns(dst, i);
+    }
+
+private:
+    /// Columns of the square from `column` on, through the butterfly to k1, turned.
+    [[gnu::always_inline]] void turned_columns(Complex<Vector>* x, Points<const T> src, std::ptrdiff_t b,
+                                               int column) const {
+        unrolled<side>([&](auto n1) KELS_INLINE { x[n1] = Ends::read(src, n1 * row_ + b * side + column); });
+        butterfly<side>(x);
+        const T* lane = plan_.lane_twiddles + 2 * (side - 1) * column;
+        const T* base = plan_.twiddles + 2 * (side - 1) * b;
+        each_result<side>([&](auto k) KELS_INLINE {
+            if constexpr (k > 0) {
+                const T* fine = lane + 2 * V * (k - 1);
+                x[k] = times_root<k>(x[k], base) * Complex<Vector>{load<Vector>(fine), load<Vector>(fine + V)};
+            }
+        });
+    }
+
+    void first_square(Points<const T> src, Points<T> dst, std::ptrdiff_t b) {
+        unrolled<groups>([&](auto group) KELS_INLINE {
+            Complex<Vector> x[side];
+            turned_columns(x, src, b, group * V);
+            unrolled<groups>([&](auto k) KELS_INLINE {
+                transpose_tile<Ends, V, T>(x + k * V);
+                unrolled<V>([&](auto i) KELS_INLINE {
+                    const int row = group * V + Ends::order(i);
+                    if constexpr (groups == 1)
+                        Kept::keep(dst, row * row_ + b * side, x[i]);
+                    else
+                        strip_.put_vector(row * groups + k, x[k * V + i]);
+                });
+            });
+        });
+        for (std::ptrdiff_t row = 0; groups > 1 && row < side; ++row) // now that all of the square has been read
+            for (std::ptrdiff_t k = 0; k < groups; ++k)
+                Kept::keep(dst, row * row_ + b * side + k * V, strip_.get_vector(row * groups + k));
+    }
+
+    /// A strip of row n3, from `column` of every square on.
+    template <int... R>
+    void middle_strip(Radices<R...> radices, Points<T> dst, std::ptrdiff_t n3, std::ptrdiff_t column) {
+        const std::ptrdiff_t first = n3 * row_ + column;
+        const T* turns = plan_.coarse_turns + 2 * n3 * blocks_;
+        strip_.transform(
+            radices, plan_.middle_twiddles,
+            [&](std::ptrdiff_t b, std::ptrdiff_t group)
+                KELS_INLINE { return Kept::kept(dst, first + b * side + group * V); },
+            [&](std::ptrdiff_t k, std::ptrdiff_t group, Complex<Vector> z, std::ptrdiff_t) KELS_INLINE {
+                const Complex<Vector> turn = {splat<Vector>(turns[2 * k]), splat<Vector>(turns[2 * k + 1])};
+                Kept::keep(dst, first + k * side + group * V, z * turn);
+            });
+    }
+
+    void last_columns(Points<T> dst, std::ptrdiff_t column) const {
+        Complex<Vector> x[side];
+        unrolled<side>([&](auto n) KELS_INLINE { x[n] = Kept::kept(dst, n * row_ + column); });
+        butterfly<side>(x);
+        each_result<side>([&](auto k) KELS_INLINE { Ends::write(dst, k * row_ + column, x[k] * factor_); });
+    }
+};
+
+} // namespace
+
+template <class Layout, class T>
+FftKernel<T> blocked_kernel() {
+    return [](const FftPlan<T>& plan, T factor, Points<const T> src, Points<T> dst) {
+        BlockedTransform<Layout, T>(plan, factor).run(src, dst);
+    };
+}
+
+template <class Layout, class T>
+void lay_blocked(FftPlan<T>& plan, TableSpace& space) {
+    const std::size_t points = std::size_t{1} << plan.complex_order, blocks = points / (side * side);
+    plan.middle_twiddles =
+        with_middle_radices(plan.complex_order, [&](auto radices) { return lay_column_table<T>(space, radices); });
+
+    T* coarse = space.take<T>(2 * blocks * (side - 1)); // of the first sweep: exp(-2 pi i k1 b / (16 B))
+    plan.twiddles = coarse;
+    for (std::size_t b = 0; coarse && b < blocks; ++b)
+        for (std::size_t k = 1; k < side; ++k, coarse += 2) write_root(coarse, b * k * side, points);
+
+    constexpr int V = Strip<T>::V;
+    T* fine = space.take<T>(2 * side * (side - 1)); // and exp(-2 pi i k1 n3 / N), in vectors
+    plan.lane_twiddles = fine;
+    for (std::size_t column = 0; fine && column < side; column += V)
+        for (std::size_t k = 1; k < side; ++k, fine += 2 * V)
+            for (int lane = 0; lane < V; ++lane) {
+                T root[2];
+                const auto n = column + static_cast<std::size_t>(Layout::template Of<Vec<T, V>>::order(lane));
+                write_root(root, n * k, points);
+                fine[lane] = root[0];
+                fine[V + lane] = root[1];
+            }
+
+    T* turns = space.take<T>(2 * blocks * side); // of the middle sweep
+    plan.coarse_turns = turns;
+    for (std::size_t row = 0; turns && row < side; ++row)
+        for (std::size_t k = 0; k < blocks; ++k, turns += 2) write_root(turns, row * k * side, points);
+}
+
+template FftKernel<Kel32f> blocked_kernel<Interleaved<false>, Kel32f>();
+template FftKernel<Kel32f> blocked_kernel<Interleaved<true>, Kel32f>();
+template FftKernel<Kel32f> blocked_kernel<Split, Kel32f>();
+template FftKernel<Kel64f> blocked_kernel<Interleaved<false>, Kel64f>();
+template FftKernel<Kel64f> blocked_kernel<Interleaved<true>, Kel64f>();
+template FftKernel<Kel64f> blocked_kernel<Split, Kel64f>();
+template void lay_blocked<Interleaved<false>>(FftPlan<Kel32f>&, TableSpace&);
+template void lay_blocked<Split>(FftPlan<Kel32f>&, TableSpace&);
+template void lay_blocked<Interleaved<false>>(FftPlan<Kel64f>&, TableSpace&);
+template void lay_blocked<Split>(FftPlan<Kel64f>&, TableSpace&);
+
+} // namespace kels

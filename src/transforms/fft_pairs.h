@@ -1,0 +1,101 @@
+// Transforms of 2 V points in registers: a vector of the first half and one of the second.
+//
+// With the point n = V h + l and the result k = j + 2 (ka + G kb), the lane w of part p of a vector holding point
+// l = P w + p:
+//
+//   sums and differences over h give j, turned by exp(-2 pi i l j / (2 V));
+//   the real and imaginary parts of both, four vectors, are transposed against w: a vector for every w, which holds
+//   complex numbers j = 0 and 1 side by side in each part;
+//   butterflies over w give ka, turned by exp(-2 pi i p ka / V);
+//   ka changes places with p, and butterflies over p give kb.
+//
+// The results lie in the vectors in the order of memory.
+#pragma once
+
+#include "transforms/butterflies.h"
+#include "transforms/fft_lanes.h"
+
+#include <array>
+
+namespace kels {
+
+/// exp(-2 pi i f(lane) / points): a vector of real and one of imaginary parts.
+template <class V, class F>
+constexpr auto constant_roots(int points, F f) {
+    std::array<Element<V>, 2 * lanes<V>> roots{};
+    for (int lane = 0; lane < lanes<V>; ++lane) {
+        roots[lane] = static_cast<Element<V>>(cosine_32(32 / points * f(lane)));
+        roots[lanes<V> + lane] = static_cast<Element<V>>(cosine_32(32 / points * f(lane) + 8)); // -sin
+    }
+    return roots;
+}
+
+template <class V>
+inline constexpr auto pair_roots = constant_roots<V>(2 * lanes<V>, lane_point<V>);
+
+template <class V, int ka>
+inline constexpr auto pair_lane_roots = constant_roots<V>(lanes<V>,
+                                                          [](int lane) { return lane / LaneDigits<V>::G * ka; });
+
+/// -i z, the parts of z side by side.
+template <class V>
+[[gnu::always_inline]] inline V pair_times_minus_i(V z) {
+    return shuffle<[](int i) { return i % 2 == 0 ? i + 1 : lanes<V> + i - 1; }>(z, -z);
+}
+
+/// z w, the parts of z side by side, those of w in two vectors.
+template <class V>
+[[gnu::always_inline]] inline V pair_product(V z, const Element<V>* w) {
+    const V crossed = shuffle<[](int i) { return i ^ 1; }>(z, z);
+    return fma_alternating(z, load<V>(w), crossed * load<V>(w + lanes<V>));
+}
+
+/// The transform of R points, one in each vector.
+template <int R, class V>
+[[gnu::always_inline]] inline void pair_butterfly(V* x) {
+    if constexpr (R == 2) {
+        const V a = x[0], b = x[1];
+        x[0] = a + b;
+        x[1] = a - b;
+    } else if constexpr (R == 4) {
+        const V sum02 = x[0] + x[2], dif02 = x[0] - x[2], sum13 = x[1] + x[3];
+        const V turned = pair_times_minus_i(x[1] - x[3]);
+        x[0] = sum02 + sum13;
+        x[1] = dif02 + turned;
+        x[2] = sum02 - sum13;
+        x[3] = dif02 - turned;
+    }
+}
+
+/// The results as four vectors of complex numbers in the order of memory.
+template <class V>
+[[gnu::always_inline]] inline void transform_pairs(Complex<V> a, Complex<V> b, V* result) {
+    constexpr int G = LaneDigits<V>::G, P = LaneDigits<V>::P;
+    const Element<V>* root = pair_roots<V>.data();
+    const Complex<V> sum = a + b, turned = (a - b) * Complex<V>{load<V>(root), load<V>(root + lanes<V>)};
+    V x[4] = {sum.re, sum.im, turned.re, turned.im};
+    if constexpr (P == 1) {
+        transpose<V>(x);
+        unrolled<4>([&](auto lane) KELS_INLINE { result[lane_point<V>(lane)] = x[lane]; });
+        pair_butterfly<4>(result);
+    } else {
+        // With two elements a part holds one number, and the vectors are w = 0 and 1 of j = 0, then of j = 1.
+        constexpr int sets = 4 / G;
+        unrolled<sets>([&](auto j) KELS_INLINE {
+            V* w = x + j * G;
+            transpose_inside_parts<V>(w);
+            pair_butterfly<G>(w);
+            unrolled<G - 1>([&](auto i)
+                                KELS_INLINE { w[i + 1] = pair_product(w[i + 1], pair_lane_roots<V, i + 1>.data()); });
+        });
+        V y[4]; // number ka sets + j
+        unrolled<4>([&](auto i) KELS_INLINE { y[i % G * sets + i / G] = x[i]; });
+        unrolled<4 / P>([&](auto h) KELS_INLINE {
+            transpose_parts<V>(y + h * P);
+            pair_butterfly<P>(y + h * P);
+            unrolled<P>([&](auto kb) KELS_INLINE { result[kb * (4 / P) + h] = y[h * P + kb]; });
+        });
+    }
+}
+
+} // namespace kels
