@@ -193,10 +193,13 @@ KelStatus divide_by_constant(const T* src, T val, T* dst, int len, int factor) {
     return vector_call({src, dst}, len, [=] {
         if (val == 0) return kelStatusDivByZero;
         const Stretch s = grouped_stretch<T>(Begin::at_boundary, len, src, dst);
+        const auto divide_alone = [=](Index from, Index to) {
+            if (from < to) divide_integers(constant(val), src + from, dst + from, to - from, factor);
+        };
         const Index behind = s.ahead + s.grouped;
-        divide_integers(constant(val), src, dst, s.ahead, factor);
+        divide_alone(0, s.ahead);
         divide_grouped(val, src + s.ahead, dst + s.ahead, s.grouped, factor);
-        divide_integers(constant(val), src + behind, dst + behind, len - behind, factor);
+        divide_alone(behind, len);
         return kelStatusOk;
     });
 }
