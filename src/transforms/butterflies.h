@@ -28,6 +28,26 @@ template <int R, class F>
     });
 }
 
+/// z exp(-2 pi i m / 16), for the products m of two digits.
+template <int m, class V>
+[[gnu::always_inline]] inline Complex<V> turned_16(Complex<V> z) {
+    using T = Element<V>;
+    const V c = splat<V>(T(0.92387953251128675613L)), s = splat<V>(T(0.38268343236508977173L)); // of pi / 8
+    const V h = splat<V>(T(0.70710678118654752440L));
+    if constexpr (m == 1)
+        return turned(z, c, s);
+    else if constexpr (m == 2)
+        return {h * (z.re + z.im), h * (z.im - z.re)};
+    else if constexpr (m == 3)
+        return turned(z, s, c);
+    else if constexpr (m == 9)
+        return turned(z, -c, -s);
+    else if constexpr (m >= 4)
+        return times_minus_i(turned_16<m - 4>(z));
+    else
+        return z;
+}
+
 /// The transform of R points, in place.
 template <int R, class V>
 [[gnu::always_inline]] inline void butterfly(Complex<V>* x) {
@@ -63,22 +83,8 @@ template <int R, class V>
         unrolled<4>([&](auto j) KELS_INLINE {
             Complex<V> y[4] = {x[j], x[j + 4], x[j + 8], x[j + 12]};
             butterfly<4>(y);
-            unrolled<4>([&](auto k) KELS_INLINE { x[j + 4 * k] = y[k]; });
+            unrolled<4>([&](auto k) KELS_INLINE { x[j + 4 * k] = turned_16<j * k>(y[k]); });
         });
-        const V c = splat<V>(T(0.92387953251128675613L)), s = splat<V>(T(0.38268343236508977173L)); // cos, sin pi / 8
-        const V h = splat<V>(T(0.70710678118654752440L));
-        const auto diagonal = [&](Complex<V> z) KELS_INLINE {
-            return Complex<V>{h * (z.re + z.im), h * (z.im - z.re)};
-        };
-        x[5] = turned(x[5], c, s);
-        x[6] = diagonal(x[6]);
-        x[7] = turned(x[7], s, c);
-        x[9] = diagonal(x[9]);
-        x[10] = times_minus_i(x[10]);
-        x[11] = times_minus_i(diagonal(x[11]));
-        x[13] = turned(x[13], s, c);
-        x[14] = times_minus_i(diagonal(x[14]));
-        x[15] = turned(x[15], -c, -s);
         Complex<V> z[16];
         unrolled<4>([&](auto k) KELS_INLINE {
             Complex<V> y[4] = {x[4 * k], x[4 * k + 1], x[4 * k + 2], x[4 * k + 3]};

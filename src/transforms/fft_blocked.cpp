@@ -57,38 +57,73 @@ public:
         for (std::ptrdiff_t i = 0; i < row_; i += V) last_columns(dst, i);
     }
 
-private:
-    /// Columns of the square from `column` on, through the butterfly to k1, turned.
-    [[gnu::always_inline]] void turned_columns(Complex<Vector>* x, Points<const T> src, std::ptrdiff_t b,
-                                               int column) const {
-        unrolled<side>([&](auto n1) KELS_INLINE { x[n1] = Ends::read(src, n1 * row_ + b * side + column); });
-        butterfly<side>(x);
-        const T* lane = plan_.lane_twiddles + 2 * (side - 1) * column;
-        const T* base = plan_.twiddles + 2 * (side - 1) * b;
-        each_result<side>([&](auto k) KELS_INLINE {
-            if constexpr (k > 0) {
-                const T* fine = lane + 2 * V * (k - 1);
-                x[k] = times_root<k>(x[k], base) * Complex<Vector>{load<Vector>(fine), load<Vector>(fine + V)};
-            }
+    // How the ends of the transform are read and written. A vector as long as a row is transposed in two steps, which
+    // leave the results in natural order.
+    static constexpr bool wide = V == side;
+
+    static constexpr int point(int lane) { return wide ? lane_point<Vector>(lane) : Ends::order(lane); }
+    [[gnu::always_inline]] static Complex<Vector> read(Points<const T> src, std::ptrdiff_t i) {
+        if constexpr (wide)
+            return Ends::read_across(src, i);
+        else
+            return Ends::read(src, i);
+    }
+    [[gnu::always_inline]] static void write(Points<T> dst, std::ptrdiff_t i, Complex<Vector> z) {
+        if constexpr (wide)
+            Ends::template write_pieces<V>(dst, i, 0, z);
+        else
+            Ends::write(dst, i, z);
+    }
+
+    /// Result k1 of the columns from `column` on, turned.
+    template <int k1>
+    [[gnu::always_inline]] Complex<Vector> turned(Complex<Vector> z, std::ptrdiff_t b, int column) const {
+        if constexpr (k1 == 0) {
+            return z;
+        } else {
+            const T* fine = plan_.lane_twiddles + 2 * (side - 1) * column + 2 * V * (k1 - 1);
+            return times_root<k1>(z, plan_.twiddles + 2 * (side - 1) * b) *
+                   Complex<Vector>{load<Vector>(fine), load<Vector>(fine + V)};
+        }
+    }
+
+    /// In steps of four vectors, which registers hold: both halves of the butterfly, and of the transposition.
+    void first_square(Points<const T> src, Points<T> dst, std::ptrdiff_t b) requires(wide) {
+        unrolled<4>([&](auto j) KELS_INLINE {
+            Complex<Vector> x[4];
+            unrolled<4>([&](auto i) KELS_INLINE { x[i] = read(src, (j + 4 * i) * row_ + b * side); });
+            butterfly<4>(x);
+            unrolled<4>([&](auto k) KELS_INLINE { strip_.put_vector(4 * k + j, turned_16<j * k>(x[k])); });
+        });
+        unrolled<4>([&](auto k) KELS_INLINE {
+            Complex<Vector> x[4];
+            unrolled<4>([&](auto j) KELS_INLINE { x[j] = strip_.get_vector(4 * k + j); });
+            butterfly<4>(x);
+            unrolled<4>([&](auto i) KELS_INLINE { x[i] = turned<k + 4 * i>(x[i], b, 0); });
+            exchange<4>(x, [](auto& rows) KELS_INLINE { transpose_parts<Vector>(rows); });
+            unrolled<4>([&](auto p) KELS_INLINE { strip_.put_vector(side + 4 * p + k, x[p]); });
+        });
+        unrolled<4>([&](auto p) KELS_INLINE {
+            Complex<Vector> x[4];
+            unrolled<4>([&](auto k) KELS_INLINE { x[k] = strip_.get_vector(side + 4 * p + k); });
+            exchange<4>(x, [](auto& rows) KELS_INLINE { transpose_inside_parts<Vector>(rows); });
+            unrolled<4>([&](auto w) KELS_INLINE { Kept::keep(dst, point(4 * p + w) * row_ + b * side, x[w]); });
         });
     }
 
-    void first_square(Points<const T> src, Points<T> dst, std::ptrdiff_t b) {
+    void first_square(Points<const T> src, Points<T> dst, std::ptrdiff_t b) requires(!wide) {
         unrolled<groups>([&](auto group) KELS_INLINE {
             Complex<Vector> x[side];
-            turned_columns(x, src, b, group * V);
+            unrolled<side>([&](auto n1) KELS_INLINE { x[n1] = read(src, n1 * row_ + b * side + group * V); });
+            butterfly<side>(x);
+            each_result<side>([&](auto k1) KELS_INLINE { x[k1] = turned<k1>(x[k1], b, group * V); });
             unrolled<groups>([&](auto k) KELS_INLINE {
                 transpose_tile<Ends, V, T>(x + k * V);
-                unrolled<V>([&](auto i) KELS_INLINE {
-                    const int row = group * V + Ends::order(i);
-                    if constexpr (groups == 1)
-                        Kept::keep(dst, row * row_ + b * side, x[i]);
-                    else
-                        strip_.put_vector(row * groups + k, x[k * V + i]);
-                });
+                unrolled<V>([&](auto i)
+                                KELS_INLINE { strip_.put_vector((group * V + point(i)) * groups + k, x[k * V + i]); });
             });
         });
-        for (std::ptrdiff_t row = 0; groups > 1 && row < side; ++row) // now that all of the square has been read
+        for (std::ptrdiff_t row = 0; row < side; ++row) // now that all of the square has been read
             for (std::ptrdiff_t k = 0; k < groups; ++k)
                 Kept::keep(dst, row * row_ + b * side + k * V, strip_.get_vector(row * groups + k));
     }
@@ -112,7 +147,7 @@ private:
         Complex<Vector> x[side];
         unrolled<side>([&](auto n) KELS_INLINE { x[n] = Kept::kept(dst, n * row_ + column); });
         butterfly<side>(x);
-        each_result<side>([&](auto k) KELS_INLINE { Ends::write(dst, k * row_ + column, x[k] * factor_); });
+        each_result<side>([&](auto k) KELS_INLINE { write(dst, k * row_ + column, x[k] * factor_); });
     }
 };
 
@@ -143,7 +178,7 @@ void lay_blocked(FftPlan<T>& plan, TableSpace& space) {
         for (std::size_t k = 1; k < side; ++k, fine += 2 * V)
             for (int lane = 0; lane < V; ++lane) {
                 T root[2];
-                const auto n = column + static_cast<std::size_t>(Layout::template Of<Vec<T, V>>::order(lane));
+                const auto n = column + static_cast<std::size_t>(BlockedTransform<Layout, T>::point(lane));
                 write_root(root, n * k, points);
                 fine[lane] = root[0];
                 fine[V + lane] = root[1];
