@@ -5,7 +5,9 @@
 #include "frame/numeric.h"
 #include "frame/simd.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <type_traits>
 
 namespace kels {
@@ -43,9 +45,16 @@ public:
         Kel64f most = 0;
         for (std::ptrdiff_t i = 0; i < count; ++i)
             if (std::isfinite(taps[i])) most = std::max(most, std::fabs(Kel64f{taps[i]}));
-        for (; most > 32767; most /= 2, scale /= 2) ++factor_;
-        if (most > 0 && factor_ == 0)
-            for (most *= 2; most < 32767; most *= 2, scale *= 2) --factor_;
+        while (most > 32767) {
+            most /= 2;
+            scale /= 2;
+            ++factor_;
+        }
+        while (most > 0 && 2 * most < 32767 && factor_ <= 0) {
+            most *= 2;
+            scale *= 2;
+            --factor_;
+        }
     }
     int factor() const { return factor_; }
 

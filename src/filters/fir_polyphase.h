@@ -83,12 +83,12 @@ private:
 
     static constexpr int slack = 8; // dot products may reach behind the last sample
 
+    alignas(64) typename Sums::Total total[most_outputs * width];
+    alignas(64) typename Sums::Line line[(span + segment) * width + slack];
     const Rates& rates;
     Place first;
     int count;
     std::ptrdiff_t last;
-    alignas(64) typename Sums::Line line[(span + segment) * width + slack];
-    alignas(64) typename Sums::Total total[most_outputs * width];
 };
 
 /// Makes all outputs of a block.
