@@ -8,9 +8,9 @@
 //   last sweep    for every kb: transform over n3.
 //
 // Each step of a sweep writes just where it has read: the first and the last one a square of 16 rows of 16 points, the
-// middle one a row of B squares' edges, contiguous. So the sweeps work in place, leave natural order, and never meet
-// more lines of one cache set than the set has ways, whatever power of two the rows lie apart. Between the sweeps the
-// points are kept as vectors of real and imaginary parts.
+// middle one a row of B squares' edges, contiguous. So the sweeps work in place and leave natural order, and every step
+// meets a line once: that rows a power of two apart fall into the same set of the cache costs no second fetch. Between
+// the sweeps the points are kept as vectors of real and imaginary parts.
 
 #include "transforms/fft_blocked.h"
 
@@ -44,7 +44,13 @@ class BlockedTransform {
     const std::ptrdiff_t row_ = blocks_ * side;
     S strip_;
 
+    // A vector as long as a row is transposed in two steps, which leave the results in natural order.
+    static constexpr bool wide = V == side;
+
 public:
+    /// The column that a lane holds when a square has been read.
+    static constexpr int point(int lane) { return wide ? lane_point<Vector>(lane) : Ends::order(lane); }
+
     BlockedTransform(const FftPlan<T>& plan, T factor) : plan_(plan), factor_(factor) {}
 
     void run(Points<const T> src, Points<T> dst) {
@@ -57,11 +63,7 @@ public:
         for (std::ptrdiff_t i = 0; i < row_; i += V) last_columns(dst, i);
     }
 
-    // How the ends of the transform are read and written. A vector as long as a row is transposed in two steps, which
-    // leave the results in natural order.
-    static constexpr bool wide = V == side;
-
-    static constexpr int point(int lane) { return wide ? lane_point<Vector>(lane) : Ends::order(lane); }
+private:
     [[gnu::always_inline]] static Complex<Vector> read(Points<const T> src, std::ptrdiff_t i) {
         if constexpr (wide)
             return Ends::read_across(src, i);
