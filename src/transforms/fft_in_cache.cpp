@@ -83,6 +83,11 @@ void pair_transform(const FftPlan<T>&, T factor, Points<const T> src, Points<T> 
 
 template <class Layout, class T>
 FftKernel<T> in_cache_kernel(int order) {
+    FftKernel<T> in_registers = nullptr;
+    const auto take = [&]<int Lanes>(std::integral_constant<int, Lanes>) {
+        in_registers = pair_transform<Layout, T, Lanes>;
+    };
+    if (with_pair_lanes<T>(order, take)) return in_registers;
     switch (order) {
     case 0:
         return one_butterfly<Layout, T, 1>;
@@ -90,13 +95,7 @@ FftKernel<T> in_cache_kernel(int order) {
         return one_butterfly<Layout, T, 2>;
     case 2:
         return one_butterfly<Layout, T, 4>;
-    case 3:
-        return pair_transform<Layout, T, 4>;
     default:
-        if constexpr (max_lanes<T> >= 8)
-            if (order == 4) return pair_transform<Layout, T, 8>;
-        if constexpr (max_lanes<T> >= 16)
-            if (order == 5) return pair_transform<Layout, T, 16>;
         return with_radices<T>(
             order, []<int Lanes, int... R>(std::integral_constant<int, Lanes>, Radices<R...>)->FftKernel<T> {
                 return [](const FftPlan<T>& plan, T factor, Points<const T> src, Points<T> dst) {

@@ -16,8 +16,28 @@
 #include "transforms/fft_lanes.h"
 
 #include <array>
+#include <type_traits>
 
 namespace kels {
+
+/// Calls f with the number of lanes, as a constant, where a complex transform of this order is one of 2 V points; false
+/// where it is not.
+template <class T, class F>
+bool with_pair_lanes(int order, F&& f) {
+    switch (order) {
+    case 3:
+        f(std::integral_constant<int, 4>{});
+        return true;
+    case 4:
+        if constexpr (max_lanes<T> >= 8) f(std::integral_constant<int, 8>{});
+        return max_lanes<T> >= 8;
+    case 5:
+        if constexpr (max_lanes<T> >= 16) f(std::integral_constant<int, 16>{});
+        return max_lanes<T> >= 16;
+    default:
+        return false;
+    }
+}
 
 /// exp(-2 pi i f(lane) / points): a vector of real and one of imaginary parts.
 template <class V, class F>
@@ -96,6 +116,26 @@ template <class V>
             unrolled<P>([&](auto kb) KELS_INLINE { result[kb * (4 / P) + h] = y[h * P + kb]; });
         });
     }
+}
+
+/// The numbers of a vector in the other order, conjugated.
+template <class V>
+[[gnu::always_inline]] inline V mirrored_pairs(V z) {
+    return shuffle<[](int i) { return i % 2 == 0 ? lanes<V> - 2 - i : 2 * lanes<V> - i; }>(z, -z);
+}
+
+/// Bins 1 to n - 1 of the real transform from the n points of the complex one in four vectors, as `recombine` does it
+/// (real_recombination.h); the roots v come as two vectors of their real and imaginary parts, twice each, for each of
+/// two vectors of bins.
+template <class V>
+[[gnu::always_inline]] inline void recombine_pairs(const V* z, const Element<V>* roots, Element<V>* bins) {
+    constexpr int V2 = lanes<V>; // values of V / 2 bins
+    unrolled<2>([&](auto i) KELS_INLINE {
+        const V a = shuffle<[](int lane) { return lane + 2; }>(z[i], z[i + 1]), b = mirrored_pairs(z[3 - i]);
+        const V s = a + b, t = pair_product(a - b, roots + 2 * V2 * i), half = splat<V>(Element<V>(0.5));
+        store(bins + 2 + V2 * i, (s + t) * half);
+        store(bins + 4 * V2 - V2 * (i + 1), mirrored_pairs((s - t) * half));
+    });
 }
 
 } // namespace kels

@@ -52,6 +52,7 @@ struct FftPlan {
     const Kel64f* coarse_roots = nullptr;
     const Kel64f* fine_roots = nullptr;
     const T* recombination = nullptr;        ///< real data: see fft_real.cpp
+    const T* recombination_pairs = nullptr;  ///< real data: the same for a transform in registers, see fft_pairs.h
     const T* recombination_blocks = nullptr; ///< real data: roots between blocks of the table above
     Owned<Kel8u> tables;                     ///< all of the above
 };

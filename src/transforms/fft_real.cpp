@@ -1,6 +1,7 @@
 // Real transforms: N samples as N/2 complex ones through the complex kernel, and the recombination of the halves. The
 // packed layouts differ in where three values stand, and the recombination writes or reads them in place.
 
+#include "transforms/fft_pairs.h"
 #include "transforms/fft_plan.h"
 #include "transforms/packed_spectrum.h"
 #include "transforms/real_recombination.h"
@@ -11,6 +12,23 @@ namespace {
 /// Where bin k >= 1 of an even length stands, less 2k.
 constexpr std::ptrdiff_t shift(Layout layout) { return first_complex(layout, 2) - 2; }
 
+/// The transform and the recombination in registers, to the bins and to bin 0 of the complex transform; false where
+/// they do not fit.
+template <class T>
+bool forward_in_registers(const FftPlan<T>& plan, const T* src, T* bins, T& even, T& odd) {
+    return with_pair_lanes<T>(plan.complex_order, [&]<int Lanes>(std::integral_constant<int, Lanes>) {
+        using V = Vec<T, Lanes>;
+        using Data = typename Interleaved<false>::template Of<V>;
+        const Points<const T> points = interleaved_points(src);
+        V z[4];
+        transform_pairs(Data::read_across(points, 0), Data::read_across(points, Lanes), z);
+        unrolled<4>([&](auto i) KELS_INLINE { z[i] = z[i] * splat<V>(plan.forward.factor); });
+        even = z[0][0];
+        odd = z[0][1];
+        recombine_pairs(z, plan.recombination_pairs, bins);
+    });
+}
+
 template <Layout layout, class T>
 void forward(const FftPlan<T>& plan, const T* src, T* dst) {
     const std::ptrdiff_t points = std::ptrdiff_t{1} << plan.order;
@@ -19,9 +37,13 @@ void forward(const FftPlan<T>& plan, const T* src, T* dst) {
         if (layout == Layout::ccs) dst[1] = 0;
         return;
     }
-    transform<T>(plan, false, interleaved_points(src), interleaved_points(dst));
-    const T even = dst[0], odd = dst[1];
-    recombine<false>(plan, dst, dst + shift(layout));
+    T even = 0, odd = 0;
+    if (!forward_in_registers(plan, src, dst + shift(layout), even, odd)) {
+        transform<T>(plan, false, interleaved_points(src), interleaved_points(dst));
+        even = dst[0];
+        odd = dst[1];
+        recombine<false>(plan, dst, dst + shift(layout));
+    }
     dst[0] = even + odd;
     dst[nyquist(layout, points)] = even - odd;
     if (layout == Layout::ccs) dst[1] = dst[points + 1] = 0;

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "frame/complex_vector.h"
+#include "transforms/fft_pairs.h"
 #include "transforms/fft_plan.h"
 #include "transforms/roots.h"
 
@@ -47,26 +48,22 @@ void lay_recombination(FftPlan<T>& plan, TableSpace& space) {
             }
     };
     with_recombination_lanes<T>(static_cast<std::ptrdiff_t>(points / 2), make);
+    with_pair_lanes<T>(plan.complex_order, [&]<int V>(std::integral_constant<int, V>) {
+        T* twice = space.take<T>(4 * V);
+        plan.recombination_pairs = twice;
+        for (std::size_t i = 0; twice && i < 2; ++i, twice += 2 * V)
+            for (std::size_t lane = 0; lane < V; ++lane) {
+                T root[2];
+                write_root(root, 1 + (i * V + lane) / 2, points);
+                twice[lane] = root[1];
+                twice[V + lane] = -root[0];
+            }
+    });
     if (pairs > entries) {
         T* blocks = space.take<T>(2 * (pairs / entries));
         plan.recombination_blocks = blocks;
         for (std::size_t b = 0; blocks && b < pairs / entries; ++b) write_root(blocks + 2 * b, b * entries, points);
     }
-}
-
-/// Points 1 to V of the 2 V points in two vectors.
-template <class V>
-[[gnu::always_inline]] inline Complex<V> from_second_point(Complex<V> a, Complex<V> b) {
-    constexpr auto lane = [](int i) {
-        const int point = 1 + lane_order<V>(i);
-        int at = 0;
-        while (lane_order<V>(at) != point % lanes<V>) ++at;
-        return point / lanes<V> * lanes<V> + at;
-    };
-    if constexpr (lanes<V> == 1)
-        return b;
-    else
-        return {shuffle<lane>(a.re, b.re), shuffle<lane>(a.im, b.im)};
 }
 
 /// One pass over all bin pairs. Bin k stands at src[2k] and dst[2k]; the arrays may be shifted against each other by
@@ -75,12 +72,7 @@ template <bool inverse, int V, class T>
 void recombine(const T* src, T* dst, std::ptrdiff_t n, const T* table, const T* blocks) {
     using Vector = Vec<T, V>;
     const std::ptrdiff_t count = n / 2 / V;
-    Complex<Vector> high = load_interleaved<Vector>(src + 2 * (n - V)), low;
-    // Eight points have just been stored as four vectors: a load across two of them would wait for the cache.
-    if (V == 4 && n == 8 && !inverse)
-        low = from_second_point(load_interleaved<Vector>(src), high);
-    else
-        low = load_interleaved<Vector>(src + 2);
+    Complex<Vector> low = load_interleaved<Vector>(src + 2), high = load_interleaved<Vector>(src + 2 * (n - V));
     Complex<Vector> turn = {splat<Vector>(1), splat<Vector>(0)};
     for (std::ptrdiff_t i = 0; i < count; ++i) {
         const Complex<Vector> a = low, b = {reverse(high.re), -reverse(high.im)};
