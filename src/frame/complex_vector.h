@@ -4,6 +4,8 @@
 
 #include "frame/simd.h"
 
+#include <limits>
+
 namespace kels {
 
 /// Complex numbers, one per lane.
@@ -31,6 +33,23 @@ template <class V>
 template <class V>
 [[gnu::always_inline]] inline Complex<V> operator*(Complex<V> z, Element<V> factor) {
     return {z.re * splat<V>(factor), z.im * splat<V>(factor)};
+}
+
+// Complex numbers with their parts side by side, in pairs of lanes of one vector.
+
+/// Real and imaginary parts exchanged.
+template <class V>
+[[gnu::always_inline]] inline V swapped(V pairs) {
+    return shuffle<[](int i) { return i ^ 1; }>(pairs, pairs);
+}
+
+/// The numbers in the other order, conjugated; the negative of the lowest integer is the highest.
+template <class V>
+[[gnu::always_inline]] inline V mirrored(V pairs) {
+    using Limits = std::numeric_limits<Element<V>>;
+    V negative = -pairs;
+    if constexpr (Limits::is_integer) negative = pairs == Limits::min() ? splat<V>(Limits::max()) : negative;
+    return shuffle<[](int i) { return i % 2 == 0 ? lanes<V> - 2 - i : 2 * lanes<V> - i; }>(pairs, negative);
 }
 
 /// Elements in one 128-bit part of a vector: what the cheap shuffles stay inside.

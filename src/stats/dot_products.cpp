@@ -14,12 +14,12 @@
 #include "kels/statistics.h"
 
 #include "frame/calling_frame.h"
+#include "frame/complex_vector.h"
 #include "frame/numeric.h"
 #include "frame/reduction.h"
 #include "frame/scale.h"
 #include "frame/two_doubles.h"
 #include "stats/integer_sums.h"
-#include "vector/complex_product.h"
 
 #include <algorithm>
 #include <array>

@@ -177,14 +177,11 @@ void lay_blocked(FftPlan<T>& plan, TableSpace& space) {
     T* fine = space.take<T>(2 * side * (side - 1)); // and exp(-2 pi i k1 n3 / N), in vectors
     plan.lane_twiddles = fine;
     for (std::size_t column = 0; fine && column < side; column += V)
-        for (std::size_t k = 1; k < side; ++k, fine += 2 * V)
-            for (int lane = 0; lane < V; ++lane) {
-                T root[2];
-                const auto n = column + static_cast<std::size_t>(BlockedTransform<Layout, T>::point(lane));
-                write_root(root, n * k, points);
-                fine[lane] = root[0];
-                fine[V + lane] = root[1];
-            }
+        for (std::size_t k = 1; k < side; ++k)
+            fine = write_root_vectors<V>(fine, points, [=](std::size_t lane) {
+                const int point = BlockedTransform<Layout, T>::point(static_cast<int>(lane));
+                return k * (column + static_cast<std::size_t>(point));
+            });
 
     T* turns = space.take<T>(2 * blocks * side); // of the middle sweep
     plan.coarse_turns = turns;

@@ -6,54 +6,36 @@
 #include "transforms/fft_passes.h"
 #include "transforms/fft_radices.h"
 
-#include <algorithm>
 #include <bit>
 
 namespace kels {
 namespace {
 
-/// Lanes of an in-cache transform: as many as the level has and a quarter of the points fill.
-template <class T>
-constexpr int pass_lanes(int order) {
-    return std::min(max_lanes<T>, (1 << order) / 4);
-}
-
-/// Calls f with the number of lanes and the radices of an in-cache order: 8 needs the fewest passes that registers
-/// hold, and the first one is at least what a transform along the lanes takes at a time.
+/// Calls f with the radices of a transform in passes: 8 needs the fewest passes that registers hold. The other points
+/// lie in the lanes.
 template <class T, class F>
 auto with_radices(int order, F&& f) {
-    const auto with = [&]<int Lanes>(std::integral_constant<int, Lanes> width) {
-        if constexpr (Lanes < max_lanes<T>) return f(width, Radices<4>{});
-        switch (order - std::countr_zero(unsigned{Lanes})) {
-        case 2:
-            return f(width, Radices<4>{});
-        case 3:
-            return f(width, Radices<8>{});
-        case 4:
-            return f(width, Radices<4, 4>{});
-        case 5:
-            return f(width, Radices<4, 8>{});
-        case 6:
-            return f(width, Radices<8, 8>{});
-        case 7:
-            return f(width, Radices<4, 4, 8>{});
-        case 8:
-            return f(width, Radices<4, 8, 8>{});
-        case 9:
-            return f(width, Radices<8, 8, 8>{});
-        case 10:
-            return f(width, Radices<4, 4, 8, 8>{});
-        default:
-            return f(width, Radices<4, 8, 8, 8>{});
-        }
-    };
-    switch (order) {
+    switch (order - std::countr_zero(unsigned{max_lanes<T>})) {
+    case 2:
+        return f(Radices<4>{});
+    case 3:
+        return f(Radices<8>{});
     case 4:
-        return with(std::integral_constant<int, pass_lanes<T>(4)>{});
+        return f(Radices<4, 4>{});
     case 5:
-        return with(std::integral_constant<int, pass_lanes<T>(5)>{});
+        return f(Radices<4, 8>{});
+    case 6:
+        return f(Radices<8, 8>{});
+    case 7:
+        return f(Radices<4, 4, 8>{});
+    case 8:
+        return f(Radices<4, 8, 8>{});
+    case 9:
+        return f(Radices<8, 8, 8>{});
+    case 10:
+        return f(Radices<4, 4, 8, 8>{});
     default:
-        return with(std::integral_constant<int, pass_lanes<T>(6)>{});
+        return f(Radices<4, 8, 8, 8>{});
     }
 }
 
@@ -97,9 +79,9 @@ FftKernel<T> in_cache_kernel(int order) {
         return one_butterfly<Layout, T, 4>;
     default:
         return with_radices<T>(
-            order, []<int Lanes, int... R>(std::integral_constant<int, Lanes>, Radices<R...>)->FftKernel<T> {
+            order, []<int... R>(Radices<R...>)->FftKernel<T> {
                 return [](const FftPlan<T>& plan, T factor, Points<const T> src, Points<T> dst) {
-                    Passes<Layout, T, Lanes, R...>::run(src, dst, plan.twiddles, factor);
+                    Passes<Layout, T, max_lanes<T>, R...>::run(src, dst, plan.twiddles, factor);
                 };
             });
     }
@@ -107,10 +89,12 @@ FftKernel<T> in_cache_kernel(int order) {
 
 template <class T>
 void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
+    const auto no_tables = [](auto) {};
+    if (with_pair_lanes<T>(plan.complex_order, no_tables)) return;
     with_radices<T>(
-        plan.complex_order, [&]<int Lanes, int... R>(std::integral_constant<int, Lanes>, Radices<R...>) {
-            T* table = space.take<T>(pass_table_size({R...}, Lanes));
-            if (table) make_pass_table<Vec<T, Lanes>>(table, {R...});
+        plan.complex_order, [&]<int... R>(Radices<R...>) {
+            T* table = space.take<T>(pass_table_size({R...}, max_lanes<T>));
+            if (table) make_pass_table<Vec<T>>(table, {R...});
             plan.twiddles = table;
         });
 }

@@ -207,14 +207,11 @@ void lay_large(FftPlan<T>& plan, TableSpace& space) {
     T* table = space.take<T>(2 * strip_lanes<T> * rows);
     plan.lane_twiddles = table;
     for (std::size_t k = 0; table && k < rows; ++k)
-        for (std::size_t group = 0; group < S::groups; ++group, table += 2 * V)
-            for (int lane = 0; lane < V; ++lane) {
-                T root[2];
-                const auto n = group * V + static_cast<std::size_t>(Layout::template Of<Vec<T, V>>::order(lane));
-                write_root(root, n * k, points);
-                table[lane] = root[0];
-                table[V + lane] = root[1];
-            }
+        for (std::size_t group = 0; group < S::groups; ++group)
+            table = write_root_vectors<V>(table, points, [=](std::size_t lane) {
+                const int order = Layout::template Of<Vec<T, V>>::order(static_cast<int>(lane));
+                return k * (group * V + static_cast<std::size_t>(order));
+            });
 }
 
 template FftKernel<Kel32f> large_kernel<Interleaved<false>, Kel32f>();

@@ -66,8 +66,7 @@ template <class V>
 /// z w, the parts of z side by side, those of w in two vectors.
 template <class V>
 [[gnu::always_inline]] inline V pair_product(V z, const Element<V>* w) {
-    const V crossed = shuffle<[](int i) { return i ^ 1; }>(z, z);
-    return fma_alternating(z, load<V>(w), crossed * load<V>(w + lanes<V>));
+    return fma_alternating(z, load<V>(w), swapped(z) * load<V>(w + lanes<V>));
 }
 
 /// The transform of R points, one in each vector.
@@ -118,12 +117,6 @@ template <class V>
     }
 }
 
-/// The numbers of a vector in the other order, conjugated.
-template <class V>
-[[gnu::always_inline]] inline V mirrored_pairs(V z) {
-    return shuffle<[](int i) { return i % 2 == 0 ? lanes<V> - 2 - i : 2 * lanes<V> - i; }>(z, -z);
-}
-
 /// Bins 1 to n - 1 of the real transform from the n points of the complex one in four vectors, as `recombine` does it
 /// (real_recombination.h); the roots v come as two vectors of their real and imaginary parts, twice each, for each of
 /// two vectors of bins.
@@ -131,10 +124,10 @@ template <class V>
 [[gnu::always_inline]] inline void recombine_pairs(const V* z, const Element<V>* roots, Element<V>* bins) {
     constexpr int V2 = lanes<V>; // values of V / 2 bins
     unrolled<2>([&](auto i) KELS_INLINE {
-        const V a = shuffle<[](int lane) { return lane + 2; }>(z[i], z[i + 1]), b = mirrored_pairs(z[3 - i]);
+        const V a = shuffle<[](int lane) { return lane + 2; }>(z[i], z[i + 1]), b = mirrored(z[3 - i]);
         const V s = a + b, t = pair_product(a - b, roots + 2 * V2 * i), half = splat<V>(Element<V>(0.5));
         store(bins + 2 + V2 * i, (s + t) * half);
-        store(bins + 4 * V2 - V2 * (i + 1), mirrored_pairs((s - t) * half));
+        store(bins + 4 * V2 - V2 * (i + 1), mirrored((s - t) * half));
     });
 }
 

@@ -42,14 +42,10 @@ void make_pass_table(T* table, std::initializer_list<int> radices) {
     for (int r : radices) {
         const std::size_t columns = points / static_cast<std::size_t>(r);
         for (std::size_t column = 0; column < columns; column += lanes<V>)
-            for (int k = 1; k < r; ++k, table += 2 * lanes<V>)
-                for (int lane = 0; lane < lanes<V>; ++lane) {
-                    T root[2];
-                    const auto n = column + static_cast<std::size_t>(lane_point<V>(lane));
-                    write_root(root, n * static_cast<std::size_t>(k), points);
-                    table[lane] = root[0];
-                    table[lanes<V> + lane] = root[1];
-                }
+            for (std::size_t k = 1; k < static_cast<std::size_t>(r); ++k)
+                table = write_root_vectors<lanes<V>>(table, points, [=](std::size_t lane) {
+                    return k * (column + static_cast<std::size_t>(lane_point<V>(static_cast<int>(lane))));
+                });
         points = columns;
     }
 }

@@ -114,13 +114,8 @@ KelStatus make_plan(Plan** result, int order, int flag) {
     plan->forward = {kernel<Layout, T>(plan->complex_order), plan->normFwd ? plan->normFactor : T(1)};
     plan->inverse = {kernel<Inverse, T>(plan->complex_order), plan->normInv ? plan->normFactor : T(1)};
     if (!direct) {
-        TableSpace measure(nullptr);
-        lay_tables<Layout>(*plan, real, measure);
-        plan->tables = make_owned<Kel8u>(measure.size() + 63);
-        Kel8u* tables = plan->tables.get();
-        if (!tables) return kelStatusNoMemory;
-        TableSpace space(tables + (64 - reinterpret_cast<std::uintptr_t>(tables) % 64) % 64);
-        lay_tables<Layout>(*plan, real, space);
+        plan->tables = make_tables([&](TableSpace& space) { lay_tables<Layout>(*plan, real, space); });
+        if (!plan->tables) return kelStatusNoMemory;
     }
     *result = plan.release();
     return kelStatusOk;

@@ -86,6 +86,19 @@ private:
     std::size_t size_ = 0;
 };
 
+/// Memory for all that `lay` takes from a TableSpace, laid out; null if there is none.
+template <class Lay>
+Owned<Kel8u> make_tables(Lay&& lay) {
+    TableSpace measure(nullptr);
+    lay(measure);
+    Owned<Kel8u> tables = make_owned<Kel8u>(measure.size() + 63);
+    if (tables) {
+        TableSpace space(tables.get() + (64 - reinterpret_cast<std::uintptr_t>(tables.get()) % 64) % 64);
+        lay(space);
+    }
+    return tables;
+}
+
 /// Ends a plan, marked as none first.
 struct DeletePlan {
     template <class Plan>

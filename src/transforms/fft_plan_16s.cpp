@@ -88,13 +88,8 @@ KelStatus make_plan(KelsFftPlan_16s** result, int order, int flag, int hint) {
 
     if (order > 0 && order <= top_fixed_order(hint)) {
         plan->fixedPath = 1;
-        TableSpace measure(nullptr);
-        lay_fixed_tables(*plan, real, measure);
-        plan->tables = make_owned<Kel8u>(measure.size() + 63);
-        Kel8u* tables = plan->tables.get();
-        if (!tables) return kelStatusNoMemory;
-        TableSpace space(tables + (64 - reinterpret_cast<std::uintptr_t>(tables) % 64) % 64);
-        lay_fixed_tables(*plan, real, space);
+        plan->tables = make_tables([&](TableSpace& space) { lay_fixed_tables(*plan, real, space); });
+        if (!plan->tables) return kelStatusNoMemory;
         plan->workBytes = data_bytes(*plan, real);
     } else if (order > 0) {
         if (const KelStatus status = make_float_plan<id>(*plan, flag)) return status;

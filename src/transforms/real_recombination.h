@@ -35,29 +35,23 @@ void with_recombination_lanes(std::ptrdiff_t n, F&& f) {
 template <class T>
 void lay_recombination(FftPlan<T>& plan, TableSpace& space) {
     const std::size_t points = std::size_t{1} << plan.order, pairs = points / 4;
+    const std::size_t quarter = points / 4; // v is a root, a quarter turn on
     const std::size_t entries = std::min(pairs, static_cast<std::size_t>(recombination_block));
     const auto make = [&]<int V>(std::integral_constant<int, V>) {
         T* table = space.take<T>(2 * entries);
         plan.recombination = table;
-        for (std::size_t k = 0; table && k < entries; k += V, table += 2 * V)
-            for (int lane = 0; lane < V; ++lane) {
-                T root[2];
-                write_root(root, k + 1 + static_cast<std::size_t>(lane_order<Vec<T, V>>(lane)), points);
-                table[lane] = root[1];
-                table[V + lane] = -root[0];
-            }
+        for (std::size_t k = 0; table && k < entries; k += V)
+            table = write_root_vectors<V>(table, points, [=](std::size_t lane) {
+                return quarter + k + 1 + static_cast<std::size_t>(lane_order<Vec<T, V>>(static_cast<int>(lane)));
+            });
     };
     with_recombination_lanes<T>(static_cast<std::ptrdiff_t>(points / 2), make);
     with_pair_lanes<T>(plan.complex_order, [&]<int V>(std::integral_constant<int, V>) {
         T* twice = space.take<T>(4 * V);
         plan.recombination_pairs = twice;
-        for (std::size_t i = 0; twice && i < 2; ++i, twice += 2 * V)
-            for (std::size_t lane = 0; lane < V; ++lane) {
-                T root[2];
-                write_root(root, 1 + (i * V + lane) / 2, points);
-                twice[lane] = root[1];
-                twice[V + lane] = -root[0];
-            }
+        for (std::size_t first = 0; twice && first < 2 * V; first += V)
+            twice = write_root_vectors<V>(twice, points,
+                                          [=](std::size_t lane) { return quarter + 1 + (first + lane) / 2; });
     });
     if (pairs > entries) {
         T* blocks = space.take<T>(2 * (pairs / entries));

@@ -23,4 +23,16 @@ void write_root(T* out, std::size_t k, std::size_t n) {
     out[1] = static_cast<T>(im[turns % 4]);
 }
 
+/// Roots exp(-2 pi i exponent(lane) / n) as a vector of V real and one of V imaginary parts; gives the place behind.
+template <int V, class T, class F>
+T* write_root_vectors(T* table, std::size_t n, F exponent) {
+    for (int lane = 0; lane < V; ++lane) {
+        T root[2];
+        write_root(root, static_cast<std::size_t>(exponent(static_cast<std::size_t>(lane))), n);
+        table[lane] = root[0];
+        table[V + lane] = root[1];
+    }
+    return table + 2 * V;
+}
+
 } // namespace kels

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <limits>
 
 namespace kels {
 namespace {
@@ -36,16 +35,6 @@ struct ComplexSample<Kel64f> {
 
 template <class T>
 using Bin = typename ComplexSample<T>::type;
-
-/// Pairs of parts in the other order, each imaginary part negated; the lowest 16-bit one becomes the highest.
-template <class V>
-[[gnu::always_inline]] inline V mirrored(V pairs) {
-    using T = Element<V>;
-    V negative = -pairs;
-    if constexpr (std::is_integral_v<T>)
-        negative = pairs == std::numeric_limits<T>::min() ? splat<V>(std::numeric_limits<T>::max()) : negative;
-    return shuffle<[](int i) { return i % 2 == 0 ? lanes<V> - 2 - i : 2 * lanes<V> - i; }>(pairs, negative);
-}
 
 /// In place `src` is the beginning of `dst`. The mirrored bins lie behind all of the packed ones, so they come first;
 /// then the others move up to their places, and the real bins, kept aside, are set.

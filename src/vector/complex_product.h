@@ -25,10 +25,6 @@ namespace kels {
 // products being `swapped(x)` and `imaginary(y)`.
 
 template <class V>
-[[gnu::always_inline]] inline V swapped(V x) {
-    return shuffle<[](int i) { return i ^ 1; }>(x, x);
-}
-template <class V>
 [[gnu::always_inline]] inline V real(V x) {
     return shuffle<[](int i) { return i & ~1; }>(x, x);
 }
