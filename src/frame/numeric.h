@@ -68,6 +68,26 @@ const Word<T>* words(const T* p) {
     return reinterpret_cast<const Word<T>*>(p);
 }
 
+// Wide results as real samples
+
+/// Rounded once, as the SIMD unit rounds. Where that has no conversion from 64 bits, the compiler's goes through the
+/// x87 unit, and follows the modes of that one.
+template <class R, class T>
+R rounded_to(T x) {
+    constexpr bool wide = sizeof(T) == 8 && std::is_integral_v<T>;
+    if constexpr (sizeof(R) != 4 || !wide || sizeof(void*) == 8)
+        return static_cast<R>(x);
+    else {
+        // Bits below a double's go into its last one, which is below a single's: they still tell the sides of a tie.
+        constexpr int beyond = 64 - std::numeric_limits<double>::digits;
+        const bool large = (x + (T{1} << 53)) >> 54 != 0;
+        if (large) x = x >> beyond | static_cast<T>((x & ((T{1} << beyond) - 1)) != 0);
+        const auto high = static_cast<std::int32_t>(x >> 32), low = static_cast<std::int32_t>(x ^ 0x80000000);
+        const double value = high * 0x1p32 + (low + 0x1p31);
+        return static_cast<R>(large ? value * (1 << beyond) : value);
+    }
+}
+
 // Intermediates
 
 /// Bits of the magnitude: values of T lie in [-2^digits, 2^digits).

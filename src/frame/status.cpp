@@ -2,6 +2,8 @@
 
 #include "kels/status.h"
 
+#include <bit>
+
 namespace {
 
 struct Entry {
@@ -138,7 +140,8 @@ constexpr Entry entries[] = {
 } // namespace
 
 extern "C" const char* kelGetStatusString(KelStatus status) {
+    const int code = std::bit_cast<int>(status); // a number without a name is none of the enumeration's values
     for (const Entry& entry : entries)
-        if (entry.code == status) return entry.text;
+        if (entry.code == code) return entry.text;
     return "Unknown Status Code";
 }

@@ -38,10 +38,9 @@ inline TwoDoubles operator*(TwoDoubles a, TwoDoubles b) {
     return two_doubles(product, product_error(a.high, b.high, product) + (a.high * b.low + a.low * b.high));
 }
 
-/// a / b, rounded to one double.
-inline double quotient(TwoDoubles a, double b) {
+inline TwoDoubles operator/(TwoDoubles a, double b) {
     const double q = a.high / b, product = q * b;
-    return q + (((a.high - product) - product_error(q, b, product)) + a.low) / b;
+    return two_doubles(q, (((a.high - product) - product_error(q, b, product)) + a.low) / b);
 }
 
 /// The root of a, rounded to one double.

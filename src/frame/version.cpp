@@ -1,4 +1,4 @@
-// The version record and the exported constants. The version number comes from the build, which states it once.
+// The version record and the exported constants. The headers state the version, and the build makes a text of it.
 
 #include "kels/services.h"
 

@@ -13,6 +13,7 @@
 #include "kels/statistics.h"
 
 #include "frame/calling_frame.h"
+#include "frame/modes.h"
 #include "frame/numeric.h"
 #include "frame/reduction.h"
 #include "frame/two_doubles.h"
@@ -45,6 +46,7 @@ Kel64f denominator(Index n) { return static_cast<Kel64f>(n) * static_cast<Kel64f
 /// Sums of even and of odd elements, added in the end. Silence comes back for a quotient whose sign is set.
 template <class T>
 [[gnu::noinline]] T extended_deviation(const T* src, Index n, T centre) {
+    const ExtendedPrecision modes;
     long double sum[2] = {}, squares[2] = {};
     for (Index i = 0; i < n; ++i) {
         const long double d = static_cast<long double>(src[i]) - centre;
@@ -53,7 +55,7 @@ template <class T>
     }
     const long double s = sum[0] + sum[1], q = squares[0] + squares[1], count = n;
     const long double quotient = (count * q - s * s) / (count * (count - 1));
-    return std::signbit(static_cast<Kel64f>(quotient)) ? T{0} : static_cast<T>(std::sqrt(quotient));
+    return settled(std::signbit(static_cast<Kel64f>(quotient)) ? T{0} : static_cast<T>(std::sqrt(quotient)));
 }
 
 // Singles
@@ -104,6 +106,7 @@ struct DoubleMoments {
 };
 
 Kel64f deviation(const Kel64f* src, Index n) {
+    const RoundedToNearest modes;
     constexpr Kel64f tiny = 0x1p-900; // below it squares may have lost their errors
     const auto moments = reduce<16, DoubleMoments>(n, src);
     const TwoDoubles difference = numerator(moments, n);
@@ -111,8 +114,7 @@ Kel64f deviation(const Kel64f* src, Index n) {
     // Elements so close to each other that not even two doubles tell them apart from their mean.
     if (difference.rounded() < std::max(tiny, moments.squares.high * static_cast<Kel64f>(n) * 0x1p-80))
         return extended_deviation(src, n, src[0]);
-    const Kel64f quotient_high = difference.rounded() / denominator(n);
-    return std::sqrt(quotient_high);
+    return root(difference / static_cast<Kel64f>(n) / static_cast<Kel64f>(n - 1));
 }
 
 // Integers
@@ -138,8 +140,7 @@ Moments<Kel64s> centred(Moments<Kel64s> m, Kel64s n) {
     return {m.sum - n * mean, m.squares - mean * (2 * m.sum - n * mean)};
 }
 
-long double deviation(const Kel16s* src, Index n) {
-    const auto moments = centred(reduce<64, IntegerMoments>(n, src), n);
+long double deviation(Moments<Kel64s> moments, Index n) {
     const auto sum = static_cast<long double>(moments.sum), squares = static_cast<long double>(moments.squares);
     const long double count = n;
     return std::sqrt((count * squares - sum * sum) / (count * (count - 1)));
@@ -162,8 +163,10 @@ KelStatus standard_deviation(const Kel16s* src, int len, R* result, int scaleFac
     return deviation_call({src, result}, len, [=] {
         constexpr int far = 200;
         constexpr long double most = std::numeric_limits<Kel32s>::max();
-        const long double scaled = std::ldexp(deviation(src, len), -std::clamp(scaleFactor, -far, far));
-        *result = saturate<R>(rounded_in_caller_mode(std::min(scaled, most)));
+        const auto moments = centred(reduce<64, IntegerMoments>(len, src), len);
+        const ExtendedPrecisionRoundedByCaller modes;
+        const long double scaled = std::ldexp(deviation(settled(moments), len), -std::clamp(scaleFactor, -far, far));
+        *result = saturate<R>(rounded(std::min(scaled, most)));
     });
 }
 

@@ -5,8 +5,7 @@
 //   singles:         in double arithmetic, where each product is exact; with the rounding errors of the sum kept where
 //                    the result is double;
 //   doubles:         with the rounding errors of products and sum kept; in extended precision where they leave the
-//   range
-//                    of doubles.
+//                    range of doubles.
 //
 // A complex product is not taken apart element by element: lanes hold the sums of all four products of parts, and
 // their totals make the two parts of the result.
@@ -15,6 +14,7 @@
 
 #include "frame/calling_frame.h"
 #include "frame/complex_vector.h"
+#include "frame/modes.h"
 #include "frame/numeric.h"
 #include "frame/reduction.h"
 #include "frame/scale.h"
@@ -191,7 +191,8 @@ template <class T>
 }
 
 template <class A, class B>
-[[gnu::noinline]] std::array<long double, parts<B>> extended_sums(const A* x, const B* y, Index n) {
+[[gnu::noinline]] void extended_sums(const A* x, const B* y, Index n, Kel64f* result) {
+    const ExtendedPrecision modes;
     const auto *a = reals(x), *b = reals(y);
     std::array<long double, parts<B>> sum{};
     for (Index i = 0; i < n; ++i) {
@@ -203,7 +204,7 @@ template <class A, class B>
             sum[1] += im * b[2 * i];
         }
     }
-    return sum;
+    for (int part = 0; part < parts<B>; ++part) result[part] = static_cast<Kel64f>(sum[part]);
 }
 
 /// Whether the sums are what the products make: none was too large, and none so small that its error was lost.
@@ -230,6 +231,7 @@ void dot_product_of(const A* a, const B* b, Index n, Kel32f* result) {
 
 template <class A, class B>
 void dot_product_of(const A* a, const B* b, Index n, Kel64f* result) {
+    const RoundedToNearest modes;
     constexpr int elements = 16 / parts<B>;
     std::array<TwoDoubles, parts<B>> sums;
     if constexpr (std::is_same_v<Part<A>, Kel32f>)
@@ -239,8 +241,7 @@ void dot_product_of(const A* a, const B* b, Index n, Kel64f* result) {
     if (are_complete(sums, a, b, n)) {
         for (int part = 0; part < parts<B>; ++part) result[part] = sums[part].rounded();
     } else {
-        const auto extended = extended_sums(a, b, n);
-        for (int part = 0; part < parts<B>; ++part) result[part] = static_cast<Kel64f>(extended[part]);
+        extended_sums(a, b, n, result);
     }
 }
 
@@ -249,7 +250,7 @@ KelStatus dot_product(const A* a, const B* b, int len, R* result) {
     return vector_call({a, b, result}, len, [=] {
         if constexpr (std::is_same_v<Part<A>, Kel16s>) {
             const auto sums = integer_sums<SignedTerms>(a, b, len);
-            for (int part = 0; part < parts<R>; ++part) reals(result)[part] = static_cast<Part<R>>(sums[part]);
+            for (int part = 0; part < parts<R>; ++part) reals(result)[part] = rounded_to<Part<R>>(sums[part]);
         } else {
             dot_product_of(a, b, len, reals(result));
         }

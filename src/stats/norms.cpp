@@ -22,6 +22,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace kels {
 namespace {
@@ -205,12 +206,17 @@ struct DifferenceOf {
     long double element(Index i) const { return static_cast<long double>(first[i]) - second[i]; }
 };
 
-template <class Source, class Term>
-[[gnu::noinline]] long double extended_sum(Source source, Index n, Term term) {
+template <class Source, class Term, class Norm>
+[[gnu::noinline]] Kel64f extended_norm(Source source, Index n, Term term, Norm norm_of) {
+    const ExtendedPrecision modes;
     long double sum = 0;
     for (Index i = 0; i < n; ++i) sum += term(source.element(i));
-    return sum;
+    return settled(static_cast<Kel64f>(norm_of(sum)));
 }
+
+/// Doubles recover rounding errors.
+template <class T>
+using ModesOf = ModesIf<std::is_same_v<T, Kel64f>, RoundedToNearest>;
 
 // Norms before they are scaled or stored: integers in 64 bits, else what is rounded once by the store.
 
@@ -226,6 +232,7 @@ auto norm_inf(Source source, Index n) {
 
 template <class T, class Source>
 auto norm_l1(Source source, Index n) {
+    [[maybe_unused]] const ModesOf<T> modes;
     const auto sum = source.reduced(n, [](auto width) KELS_INLINE {
         if constexpr (std::is_integral_v<T>)
             return IntegerMagnitudes<width>{};
@@ -234,7 +241,8 @@ auto norm_l1(Source source, Index n) {
     });
     if constexpr (std::is_same_v<T, Kel64f>) {
         if (sum.in_range()) return sum.rounded();
-        return static_cast<Kel64f>(extended_sum(source, n, [](long double x) { return std::fabs(x); }));
+        return extended_norm(
+            source, n, [](long double x) { return std::fabs(x); }, [](long double total) { return total; });
     } else {
         return sum;
     }
@@ -248,6 +256,7 @@ Kel64f root(std::uint64_t sum) {
 
 template <class T, class Source>
 Kel64f norm_l2(Source source, Index n) {
+    [[maybe_unused]] const ModesOf<T> modes;
     const auto sum = source.reduced(n, [](auto width) KELS_INLINE {
         if constexpr (std::is_integral_v<T>)
             return IntegerSquares<width>{};
@@ -262,7 +271,8 @@ Kel64f norm_l2(Source source, Index n) {
         constexpr Kel64f tiny = 0x1p-900; // below it squares may have lost their errors
         if (sum.in_range() && sum.rounded() >= tiny) return root(sum);
         if (sum.rounded() == 0 && norm_inf<T>(source, n) == 0) return 0;
-        return static_cast<Kel64f>(std::sqrt(extended_sum(source, n, [](long double x) { return x * x; })));
+        return extended_norm(
+            source, n, [](long double x) { return x * x; }, [](long double total) { return std::sqrt(total); });
     }
 }
 
@@ -297,13 +307,13 @@ Pointers pointers(DifferenceOf<T> a, const void* result) {
 template <class Source, class R>
 KelStatus inf(Source source, int len, R* result) {
     using T = typename Source::Element;
-    return vector_call(pointers(source, result), len, [=] { *result = static_cast<R>(norm_inf<T>(source, len)); });
+    return vector_call(pointers(source, result), len, [=] { *result = rounded_to<R>(norm_inf<T>(source, len)); });
 }
 
 template <class Source, class R>
 KelStatus l1(Source source, int len, R* result) {
     using T = typename Source::Element;
-    return vector_call(pointers(source, result), len, [=] { *result = static_cast<R>(norm_l1<T>(source, len)); });
+    return vector_call(pointers(source, result), len, [=] { *result = rounded_to<R>(norm_l1<T>(source, len)); });
 }
 
 template <class Source, class R>

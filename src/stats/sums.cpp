@@ -9,6 +9,7 @@
 #include "kels/statistics.h"
 
 #include "frame/calling_frame.h"
+#include "frame/modes.h"
 #include "frame/numeric.h"
 #include "frame/reduction.h"
 #include "frame/scale.h"
@@ -81,10 +82,11 @@ TotalOfParts<T> totals(const T* src, Index n) {
         src);
 }
 
-[[gnu::noinline]] long double extended_total(const Kel64f* src, Index n) {
+[[gnu::noinline]] Kel64f extended_quotient(const Kel64f* src, Index n, long double divisor) {
+    const ExtendedPrecision modes;
     long double sum = 0;
     for (Index i = 0; i < n; ++i) sum += src[i];
-    return sum;
+    return settled(static_cast<Kel64f>(sum / divisor));
 }
 
 // Sums
@@ -116,8 +118,9 @@ KelStatus sum(const T* src, int len, T* result) {
 
 KelStatus sum(const Kel64f* src, int len, Kel64f* result) {
     return vector_call({src, result}, len, [=] {
+        const RoundedToNearest modes;
         const TwoDoubles total = reduce<16, DoubleTotal>(len, src);
-        *result = total.in_range() ? total.rounded() : static_cast<Kel64f>(extended_total(src, len));
+        *result = total.in_range() ? total.rounded() : extended_quotient(src, len, 1);
     });
 }
 
@@ -137,8 +140,9 @@ KelStatus mean(const Kel32fc* src, int len, Kel32fc* result) {
 
 KelStatus mean(const Kel64f* src, int len, Kel64f* result) {
     return vector_call({src, result}, len, [=] {
+        const RoundedToNearest modes;
         const TwoDoubles total = reduce<16, DoubleTotal>(len, src);
-        *result = total.in_range() ? quotient(total, len) : static_cast<Kel64f>(extended_total(src, len) / len);
+        *result = total.in_range() ? (total / len).rounded() : extended_quotient(src, len, len);
     });
 }
 
@@ -163,9 +167,10 @@ KelStatus scaled_mean(const T* src, int len, T* result, int scaleFactor, MeanRul
     return vector_call({src, result}, len, [=] {
         std::array<Kel64s, parts<T>> mean{};
         if (scaleFactor < 16) mean = totals(src, len);
+        const ExtendedPrecisionRoundedByCaller modes;
         for (Kel64s& part : mean)
             if (scaleFactor > -15)
-                part = scaleFactor < 16 ? rounded_in_caller_mode(mean_before_rounding(part, len, scaleFactor)) : 0;
+                part = scaleFactor < 16 ? rounded(mean_before_rounding(settled(part), len, scaleFactor)) : 0;
             else // only the sign counts
                 part = part > 0 ? 32767 : part < 0 ? -32768 : 0;
         for (int part = 0; part < parts<T>; ++part) reals(result)[part] = saturate<Kel16s>(mean[part]);

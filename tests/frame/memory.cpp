@@ -118,6 +118,9 @@ TEST(Version, RecordIsTheSameOnEveryCall) {
     EXPECT_EQ(v->major, 2);
     EXPECT_EQ(v->minor, 0);
     EXPECT_EQ(v->majorBuild, 6);
+    EXPECT_EQ(KELS_VERSION_MAJOR, v->major);
+    EXPECT_EQ(KELS_VERSION_MINOR, v->minor);
+    EXPECT_EQ(KELS_VERSION_PATCH, v->majorBuild);
     EXPECT_EQ(v->build, 39);
     EXPECT_EQ(std::memcmp(v->targetCpu, "q3\0", 4), 0);
     EXPECT_STREQ(v->name, "kelsq3");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <set>
 
 namespace {
@@ -154,6 +155,24 @@ TEST(Status, EveryOtherNumberIsUnknown) {
         if (known.contains(number)) continue;
         EXPECT_STREQ(text_of(number), "Unknown Status Code") << number;
     }
+}
+
+TEST(Status, OnlyErrorsHaveFailed) {
+    for (const Code& c : codes) EXPECT_EQ(KELS_FAILED(c.name), c.number < 0) << c.number;
+}
+
+// Not even a number that no enumeration of these names could hold, as only C can pass it.
+#if defined(__clang__)
+[[clang::no_sanitize("function")]] // the types of the call and of the function differ for that
+#endif
+const char*
+text_of_any(int number) {
+    return reinterpret_cast<const char* (*)(int)>(kelGetStatusString)(number);
+}
+
+TEST(Status, AnyNumberMayBeAskedFor) {
+    for (int number : {INT_MIN, -32769, 32768, INT_MAX})
+        EXPECT_STREQ(text_of_any(number), "Unknown Status Code") << number;
 }
 
 } // namespace

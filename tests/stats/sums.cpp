@@ -1,5 +1,7 @@
 // Sums, means and standard deviations.
 
+#include "kels/conversion.h"
+#include "kels/services.h"
 #include "kels/statistics.h"
 #include "stats/reference.h"
 #include "support/control_state.h"
@@ -157,10 +159,17 @@ struct Deviation {
     }
 };
 
+/// By the formula, which has no error before the quotient.
 template <class R>
 struct ScaledDeviation {
     R operator()(const Kel16s* x, int len, int factor) const {
-        return scaled<R>(scaled<Kel32s>(exact_deviation(x, len), factor));
+        std::int64_t sum = 0, squares = 0;
+        for (int i = 0; i < len; ++i) {
+            sum += x[i];
+            squares += x[i] * x[i];
+        }
+        const long double n = len, numerator = static_cast<long double>(len * squares - sum * sum);
+        return scaled<R>(scaled<Kel32s>(std::sqrt(numerator / (n * (n - 1))), factor));
     }
 };
 
@@ -310,25 +319,53 @@ TEST(StdDev, SquaresMayLeaveTheRangeOfDoubles) {
     EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, {1e-200, -1e-200}), std::sqrt(2) * 1e-200);
 }
 
-// Integer results that come of a quotient or a root follow the mode that the caller has set in the x87 unit.
-TEST(RoundedInCallersMode, MeanAndStdDev) {
+// A quotient that is rounded before its root is off by more than a unit.
+TEST(StdDev, IsRoundedOnce) {
+    kels_test::Random random("rounded once");
+    std::vector<Kel64f> x = {-23.2, -38.2, -31.5, 9.5, 32.0};
+    for (int i = 0; i < 20000; ++i) {
+        const int len = static_cast<int>(x.size());
+        const auto wanted = static_cast<Kel64f>(exact_deviation(x.data(), len));
+        const Kel64f got = reduce_with(kelsStdDev_64f, x);
+        ASSERT_LE(std::fabs(got - exact_deviation(x.data(), len)), 0.51L * (std::nextafter(wanted, HUGE_VAL) - wanted));
+        x.resize(static_cast<std::size_t>(2 + random.below(9)));
+        for (Kel64f& v : x) v = random.uniform(-50, 50);
+    }
+}
+
+// One meaning of the caller's rounding mode: what `fegetround` tells, and the library's own service sets.
+TEST(CallersRounding, IsThatOfTheX87Unit) {
     const kels_test::KeepControlState keep;
+    constexpr Kel32u mask = 0x0C00;
+    struct {
+        Kel32u mode;
+        Kel16s mean, part, normalized;
+        Kel32s deviation;
+        Kel32f converted;
+    } const cases[] = {{0x0000, 2, -2, 2, 1, 16777216},
+                       {0x0400, 1, -2, 2, 0, 16777216},
+                       {0x0800, 2, -1, 3, 1, 16777218},
+                       {0x0C00, 1, -1, 2, 0, 16777216}};
     const std::vector<Kel16s> x = {1, 2};
     const std::vector<Kel16sc> z = {{1, -1}, {2, -2}};
-    kels_test::ControlState{0x0B7F, 0x5F80}.load(); // upward
-    const Kel16s mean = reduce_with(kelsMean_16s_Sfs, x, 0);
-    const Kel16sc means = reduce_with(kelsMean_16sc_Sfs, z, 0);
-    const Kel32s deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
-    kels_test::ControlState{0x0F7F, 0x7F80}.load(); // toward zero
-    const Kel16s lower_mean = reduce_with(kelsMean_16s_Sfs, x, 0);
-    const Kel32s lower_deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
-    kels_test::ControlState{0x037F, 0x1F80}.load();
-    EXPECT_EQ(mean, 2);
-    EXPECT_EQ(means.re, 2);
-    EXPECT_EQ(means.im, -1);
-    EXPECT_EQ(deviation, 1);
-    EXPECT_EQ(lower_mean, 1);
-    EXPECT_EQ(lower_deviation, 0);
+    const Kel16s five = 5;
+    const Kel32s odd = 16777217;
+    for (const auto& row : cases) {
+        Kel16s normalized = 0;
+        Kel32f converted = 0;
+        ks_set_cw_fpu(row.mode, mask);
+        const Kel16s mean = reduce_with(kelsMean_16s_Sfs, x, 0);
+        const Kel16sc means = reduce_with(kelsMean_16sc_Sfs, z, 0);
+        const Kel32s deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
+        kelsNormalize_16s_Sfs(&five, &normalized, 1, 0, 2, 0);
+        kelsConvert_32s32f(&odd, &converted, 1);
+        ks_set_cw_fpu(0, mask);
+        EXPECT_EQ(mean, row.mean) << row.mode;
+        EXPECT_EQ(means.im, row.part) << row.mode;
+        EXPECT_EQ(deviation, row.deviation) << row.mode;
+        EXPECT_EQ(normalized, row.normalized) << row.mode;
+        EXPECT_EQ(converted, row.converted) << row.mode;
+    }
 }
 
 } // namespace

@@ -28,9 +28,24 @@ struct ControlState {
     }
 };
 
-/// Modes that a caller may have set, everything masked: rounding up, down and toward zero in both units, with less
-/// precision in one and denormal results flushed in the other.
-inline constexpr ControlState odd_modes[] = {{0x0B7F, 0x5F80}, {0x067F, 0x3F80}, {0x0C7F, 0xFF80}};
+/// The modes that a program starts with.
+inline constexpr ControlState default_modes = {0x037F, 0x1F80};
+
+/// The precision field of 24 bits, which cuts sums and products. An emulator may cut what is loaded as well, a double
+/// that passes through the x87 unit in a 32-bit program's calls included; there, 53 bits.
+inline std::uint16_t least_precision() {
+    constexpr std::uint16_t bits_24 = 0x000, bits_53 = 0x200;
+    const std::uint16_t before = ControlState::current().x87, narrow = (before & ~0x300U) | bits_24;
+    const double loaded = 1 + 0x1p-52;
+    double stored;
+    asm volatile("fldcw %1; fldl %2; fstpl %0; fldcw %3" : "=m"(stored) : "m"(narrow), "m"(loaded), "m"(before));
+    return stored == loaded ? bits_24 : bits_53;
+}
+
+/// Modes that a caller may have set, everything masked: rounding up, down and toward zero in both units, but not in the
+/// same one, with less precision in the x87 unit and denormal results flushed in the other.
+inline const ControlState odd_modes[] = {
+    {0x0B7F, 0x3F80}, {0x067F, 0x7F80}, {static_cast<std::uint16_t>(0x0C7F | least_precision()), 0xDF80}};
 
 /// Puts the words back.
 class KeepControlState {
@@ -43,5 +58,13 @@ public:
 private:
     ControlState before = ControlState::current();
 };
+
+/// Runs f under other modes.
+template <class F>
+auto under(const ControlState& modes, const F& f) {
+    const KeepControlState keep;
+    modes.load();
+    return f();
+}
 
 } // namespace kels_test

@@ -24,8 +24,8 @@ private:
     std::byte* last;
 };
 
-/// Runs the call; false if it touched memory that is not there, or memory that is not aligned as it wants. Nothing is
-/// unwound then.
+/// Runs the call on a small stack, 72 KiB for the library; false if it touched memory that is not there, or memory that
+/// is not aligned as it wants. Nothing is unwound then.
 bool runs_without_fault(const std::function<void()>& call);
 
 } // namespace kels_test

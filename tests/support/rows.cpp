@@ -86,13 +86,15 @@ bool is_near(Kind kind, std::uint64_t got, std::uint64_t want, double slack, int
     return std::abs(x - y) <= slack + ulps * ulp;
 }
 
-bool matches(Type type, int tolerance, const double* slack, const std::byte* got, const std::byte* want, Tally& tally) {
+bool matches(Type type, int tolerance, bool loose, const double* slack, const std::byte* got, const std::byte* want,
+             Tally& tally) {
     const bool is_float = type.kind == Kind::f32 || type.kind == Kind::f64;
     for (int part = 0; part < type.parts; ++part, got += type.part_size(), want += type.part_size()) {
         const std::uint64_t a = part_bits(got, type.part_size()), b = part_bits(want, type.part_size());
         ++tally.compared;
         if (a == b) continue;
         if (!is_float || tolerance == Row::every_bit) return false;
+        if (loose && as_double(type.kind, a) == 0 && as_double(type.kind, b) == 0) continue;
         if (slack[part] > 0 && is_near(type.kind, a, b, slack[part], tolerance)) {
             tally.other_bits += !is_near(type.kind, a, b, slack[part], 0);
             continue;
@@ -176,6 +178,12 @@ public:
         put_number(slots[argument].argument.type, slots[argument].found.data(), value);
     }
 
+    /// What the reference makes of it, rounded in the x87 mode of these.
+    void expect_rounded_by(const ControlState& modes) {
+        constexpr std::uint16_t precision = 0x300;
+        under({static_cast<std::uint16_t>(modes.x87 | precision), default_modes.mxcsr}, [this] { expect(); });
+    }
+
     void expect() {
         std::vector<void*> in, out, place;
         for (Slot& s : slots) {
@@ -207,6 +215,13 @@ public:
         const AssertionResult called = call(expected_status, addresses(), &modes);
         Tally unused;
         return called && same_results ? check_all(unused) : called;
+    }
+
+    /// From now on takes results that are off by so many units more, and zeros of either sign.
+    void loosen(int ulps) {
+        tolerance += ulps;
+        for (double& s : slack) s *= 4;
+        loose = true;
     }
 
     /// Calls with the output at the place of an input.
@@ -256,6 +271,7 @@ private:
     const Row& row;
     int length;
     int tolerance = row.tolerance;
+    bool loose = false;
     KelStatus expected_status = kelStatusOk;
     double slack[2] = {};
     std::vector<Slot> slots;
@@ -363,7 +379,7 @@ private:
         const Slot& s = slots[i];
         const Type type = s.argument.type;
         for (std::size_t at = 0; at < s.bytes; at += type.size)
-            if (!matches(type, tolerance, slack, s.place + at, &s.expected[at], tally))
+            if (!matches(type, tolerance, loose, slack, s.place + at, &s.expected[at], tally))
                 return AssertionFailure() << "argument " << i << ", element " << at / type.size << ": "
                                           << print(type, s.place + at) << " instead of " << print(type, &s.expected[at])
                                           << operands(at / type.size) << "; " << describe();
@@ -479,15 +495,45 @@ void obeys_frame(const Row& row) {
     for (std::size_t i = 0; i < row.arguments.size(); ++i) {
         const Argument a = row.arguments[i];
         if (!a.is_pointer() || (row.takes_null_sources && a.role == Role::source)) continue;
-        if (static_cast<int>(i) == row.nullable_argument) continue;
+        if (row.nullable_arguments >> i & 1) continue;
         ASSERT_TRUE(call.run_bad(i, row.shortest_length + 36, kelStatusNullPtr));
         ASSERT_TRUE(call.run_bad(i, 0, row.checks_length_first ? kelStatusBadSize : kelStatusNullPtr));
     }
-    // Whatever modes the caller has set stay set, and integers do not feel them.
-    for (const ControlState& modes : odd_modes) {
-        ASSERT_TRUE(call.run_bad(none, 0, kelStatusBadSize, &modes));
-        ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) && !row.depends_on_rounding))
-            << "under other control words";
+    // Whatever modes the caller has set stay set.
+    for (const ControlState& modes : odd_modes) ASSERT_TRUE(call.run_bad(none, 0, kelStatusBadSize, &modes));
+}
+
+/// Integers do not feel the caller's modes; what follows the caller's rounding follows the x87 unit's.
+void keeps_modes(const Row& row) {
+    Random random(row.name);
+    for (int k = 0; k < draws(row); ++k) {
+        Call call = drawn(row, row.shortest_length + 36, k, random);
+        call.expect();
+        for (const ControlState& modes : odd_modes) {
+            if (row.depends_on_rounding) call.expect_rounded_by(modes);
+            ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) || row.depends_on_rounding))
+                << "under control words " << std::hex << modes.x87 << ", " << modes.mxcsr;
+        }
+    }
+}
+
+/// Real numbers do not feel the x87 word, and the other rounding modes of the SIMD unit in the last places only.
+void feels_rounding_little(const Row& row) {
+    constexpr std::uint32_t roundings[] = {0x3F80, 0x5F80, 0x7F80};
+    constexpr int last_places = 2;
+    Random random(row.name);
+    for (int k = 0; k < draws(row); ++k) {
+        Call call = drawn(row, row.shortest_length + 36, k, random);
+        call.expect();
+        Call loose = call;
+        loose.loosen(last_places);
+        for (const std::uint32_t mxcsr : roundings)
+            ASSERT_TRUE(loose.run_under({default_modes.x87, mxcsr}, true)) << "under MXCSR " << std::hex << mxcsr;
+        ASSERT_TRUE(call.run({}));
+        call.expect_stored();
+        for (const ControlState& modes : odd_modes)
+            ASSERT_TRUE(call.run_under({modes.x87, default_modes.mxcsr}, true))
+                << "under x87 word " << std::hex << modes.x87;
     }
 }
 
@@ -580,6 +626,9 @@ bool add_rows(const char* family, std::span<const Row> rows) {
         const Row* partner = partner_of(row, rows);
         add(suite, "matches_reference", row, [&row] { matches_reference(row); });
         add(suite, "obeys_frame", row, [&row] { obeys_frame(row); });
+        add(suite, "keeps_modes", row, [&row] { keeps_modes(row); });
+        if (row.tolerance >= 0 && !row.depends_on_rounding)
+            add(suite, "feels_rounding_little", row, [&row] { feels_rounding_little(row); });
         add(suite, "stays_inside", row, [&row] { stays_inside(row); });
         if (partner || !aliases(row).empty())
             add(suite, "in_place_is_same", row, [&row, partner] { in_place_is_same(row, partner); });

@@ -8,7 +8,8 @@
 //     };
 //     const bool registered = add_rows("Movement", rows);
 //
-// The tests of a row are named Family/function.matches_reference, .obeys_frame, .stays_inside and .in_place_is_same.
+// The tests of a row are named Family/function.matches_reference, .obeys_frame, .keeps_modes, .feels_rounding_little,
+// .stays_inside and .in_place_is_same.
 //
 // What an argument is follows from the signature. A pointer to const is a source, any other pointer before the length a
 // destination (in an `in_place` row: source and destination in one), one after the length a result of one element. The
@@ -325,7 +326,7 @@ struct Row {
 
     int tolerance = every_bit;
     int shortest_length = 1;
-    int nullable_argument = -1;
+    unsigned nullable_arguments = 0;
     bool needs_disjoint = false;
     bool checks_length_first = false;
     bool takes_null_sources = false;
@@ -348,8 +349,8 @@ struct Row {
     /// A null source is no error in itself; the family tests what it means.
     Row nullable_sources() const { return with(&Row::takes_null_sources, true); }
     /// This argument may be null; the family tests what it means.
-    Row nullable(int argument) const { return with(&Row::nullable_argument, argument); }
-    /// Integer results follow the rounding mode of the caller.
+    Row nullable(int argument) const { return with(&Row::nullable_arguments, nullable_arguments | 1U << argument); }
+    /// Results follow the rounding mode that the caller has set in the x87 unit.
     Row follows_rounding() const { return with(&Row::depends_on_rounding, true); }
     /// Random data lie in [from, to]; special values come all the same.
     Row range(double from, double to) const { return with(&Row::low, from).with(&Row::high, to); }

@@ -1,0 +1,69 @@
+// Tables that registers hold: every lane picks an entry by its index.
+#pragma once
+
+#include "frame/simd/conversion.h"
+#include "frame/simd/shuffle.h"
+#include "frame/simd/vector.h"
+
+#include <cstdint>
+#include <type_traits>
+
+#include <immintrin.h>
+
+namespace kels {
+
+/// Entries of a table: 32 of 16 or 32 bits, 64 of 64 bits.
+template <class T>
+inline constexpr int table_entries = sizeof(T) == 8 ? 64 : 32;
+
+/// What they are kept as: without a shuffle of 16-bit lanes, 32 bits wide.
+template <class T>
+#if defined(__AVX512BW__)
+using TableEntry = T;
+#else
+using TableEntry = std::conditional_t<sizeof(T) == 2, std::int32_t, T>;
+#endif
+
+/// table[index], lane by lane; the indices are in range.
+template <class V>
+[[gnu::always_inline]] inline V lookup(const TableEntry<Element<V>>* table, V index) {
+    using T = Element<V>;
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64 && sizeof(T) == 2) {
+        return (V)_mm512_permutexvar_epi16((__m512i)index, load<__m512i>(table));
+    } else if constexpr (sizeof(V) == 64 && sizeof(T) == 4) {
+        return (V)_mm512_permutex2var_epi32(load<__m512i>(table), (__m512i)index, load<__m512i>(table + 16));
+    } else if constexpr (sizeof(V) == 64 && sizeof(T) == 8) {
+        const auto of_sixteen = [=](int from) KELS_INLINE {
+            return (V)_mm512_permutex2var_epi64(load<__m512i>(table + from), (__m512i)index,
+                                                load<__m512i>(table + from + 8));
+        };
+        const auto odd = (index & splat<V>(16)) != 0, upper = (index & splat<V>(32)) != 0;
+        const V below = odd ? of_sixteen(16) : of_sixteen(0), above = odd ? of_sixteen(48) : of_sixteen(32);
+        return upper ? above : below;
+    } else
+#endif
+#if defined(__AVX2__)
+        if constexpr (sizeof(V) == 32 && sizeof(T) == 4) {
+        const auto of_eight = [=](int from) KELS_INLINE {
+            return (__m256)_mm256_permutevar8x32_epi32(load<__m256i>(table + from), (__m256i)index);
+        };
+        // A blend looks at the sign.
+        const auto odd = (__m256)(index << splat<V>(28)), upper = (__m256)(index << splat<V>(27));
+        const __m256 below = _mm256_blendv_ps(of_eight(0), of_eight(8), odd);
+        const __m256 above = _mm256_blendv_ps(of_eight(16), of_eight(24), odd);
+        return (V)_mm256_blendv_ps(below, above, upper);
+    } else if constexpr (sizeof(V) == 32 && sizeof(TableEntry<T>) > sizeof(T)) {
+        const auto indices = convert<std::int32_t>(index);
+        return convert<T>(both(lookup(table, half<0>(indices)), lookup(table, half<1>(indices))));
+    } else
+#endif
+    {
+        T lane[lanes<V>];
+        store(lane, index);
+        for (T& x : lane) x = static_cast<T>(table[x]);
+        return load<V>(lane);
+    }
+}
+
+} // namespace kels

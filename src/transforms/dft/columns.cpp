@@ -1,0 +1,110 @@
+// The passes of column transforms, and which ones a length takes.
+
+#include "transforms/dft/columns.h"
+
+#include "transforms/dft/butterflies.h"
+
+#include <limits>
+#include <utility>
+
+namespace kels {
+namespace {
+
+/// The radices, and instructions that their butterflies take, loads and stores with them.
+struct Radix {
+    int radix, instructions;
+};
+constexpr Radix radices[] = {{16, 168}, {15, 153}, {13, 131}, {12, 102}, {11, 101}, {10, 81}, {9, 78},
+                             {8, 60},   {7, 49},   {6, 38},   {5, 30},   {4, 19},   {3, 14},  {2, 7}};
+constexpr int radix_count = std::size(radices);
+/// A turn, and what a pass costs beside its butterflies, for every point.
+constexpr double turn_cost = 3.5, pass_cost = 0.5;
+
+template <class V, int R, bool last, class T>
+void pass(const ColumnPass<T>& p, Rows<const T> in, Rows<T> out, std::ptrdiff_t columns) {
+    const T* roots = p.roots;
+    const std::ptrdiff_t apart = p.s * p.m * in.row, out_apart = p.s * out.row;
+    for (std::ptrdiff_t i = 0; i < p.m; ++i) {
+        for (std::ptrdiff_t q = 0; q < p.s; ++q) {
+            const T* from = in.data + (q + p.s * i) * in.row;
+            T* to = out.data + (q + p.s * R * i) * out.row;
+            for (std::ptrdiff_t c = 0; c < 2 * columns; c += lanes<V>) {
+                V x[R];
+                unrolled<R>([&](auto u) KELS_INLINE { x[u] = load<V>(from + u * apart + c); });
+                point_transform<R>(x);
+                unrolled<R>([&](auto k) KELS_INLINE {
+                    if constexpr (last || k == 0)
+                        store(to + k * out_apart + c, x[k]);
+                    else
+                        store(to + k * out_apart + c, times_scalar(x[k], roots + 2 * (k - 1)));
+                });
+            }
+        }
+        if (!last) roots += 2 * (R - 1); // the last pass has none
+    }
+}
+
+template <class T>
+void choose_kernels(ColumnPass<T>& p, int radix) {
+    unrolled<radix_count>([&](auto i) {
+        constexpr int R = radices[i].radix;
+        if (R != radix) return;
+        unrolled<point_counts>([&](auto log) {
+            constexpr int P = 1 << log;
+            if constexpr (P <= max_points<T>)
+                p.kernels[log] = p.m == 1 ? pass<PointVec<T, P>, R, true, T> : pass<PointVec<T, P>, R, false, T>;
+        });
+    });
+}
+
+/// The best passes of n points, none of a higher radix than the `first` one; as many in `chosen` as are returned.
+struct Choice {
+    double cost;
+    int count;
+    int chosen[ColumnTransform<float>::most_passes];
+};
+
+Choice choose(std::ptrdiff_t n, int first) {
+    Choice best{std::numeric_limits<double>::infinity(), 0, {}};
+    if (n == 1) return {0, 0, {}};
+    for (int i = first; i < radix_count; ++i) {
+        const auto [radix, instructions] = radices[i];
+        if (n % radix != 0) continue;
+        Choice rest = choose(n / radix, i);
+        const double cost = static_cast<double>(instructions) / radix + pass_cost + (n > radix ? turn_cost : 0);
+        if (rest.cost + cost >= best.cost || rest.count + 1 > ColumnTransform<float>::most_passes) continue;
+        best = rest;
+        best.cost += cost;
+        best.chosen[best.count++] = radix;
+    }
+    return best;
+}
+
+} // namespace
+
+double column_cost(std::ptrdiff_t n) { return choose(n, 0).cost; }
+
+template <class T>
+void lay_columns(ColumnTransform<T>& transform, std::ptrdiff_t n, TableSpace& space) {
+    const Choice choice = choose(n, 0);
+    transform.length = n;
+    transform.count = choice.count;
+    std::ptrdiff_t s = 1, left = n;
+    for (int i = 0; i < choice.count; ++i) {
+        const int radix = choice.chosen[i];
+        const Circle circle(static_cast<std::size_t>(left));
+        left /= radix;
+        T* roots = left > 1 ? space.take<T>(static_cast<std::size_t>(2 * left * (radix - 1))) : nullptr;
+        ColumnPass<T>& pass = transform.passes[i];
+        pass = {left, s, roots, {}};
+        choose_kernels(pass, radix);
+        for (std::ptrdiff_t p = 0; roots && p < left; ++p)
+            for (int k = 1; k < radix; ++k, roots += 2) circle.write(roots, static_cast<std::size_t>(p * k));
+        s *= radix;
+    }
+}
+
+template void lay_columns(ColumnTransform<Kel32f>&, std::ptrdiff_t, TableSpace&);
+template void lay_columns(ColumnTransform<Kel64f>&, std::ptrdiff_t, TableSpace&);
+
+} // namespace kels

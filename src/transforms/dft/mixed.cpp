@@ -1,0 +1,194 @@
+// The two steps of a mixed transform.
+
+#include "transforms/dft/mixed.h"
+
+#include <cmath>
+
+namespace kels {
+namespace {
+
+/// Room on the stack for the rows of a piece of columns, twice.
+constexpr std::ptrdiff_t scratch_bytes = 40960;
+
+/// Turns a piece of the first step's rows, k1 counting them and n2 in the row from `n2` on, and stores it transposed.
+template <bool inverse, class V, class T>
+void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptrdiff_t n2, std::ptrdiff_t columns,
+                        T factor, T* middle) {
+    constexpr int P = points_in<V>;
+    const std::ptrdiff_t A = t.A, B = t.B;
+    for (std::ptrdiff_t c = 0; c < columns; c += P) {
+        T* to[P];
+        unrolled<P>([&](auto i) KELS_INLINE {
+            const std::ptrdiff_t row = n2 + c + i;
+            to[i] = middle + 2 * A * (inverse && row > 0 ? B - row : row);
+        });
+        for (std::ptrdiff_t block = 0; block < A; block += P) {
+            const std::ptrdiff_t k1 = std::min(block, A - P);
+            V x[P];
+            unrolled<P>([&](auto i) KELS_INLINE {
+                const std::ptrdiff_t k = k1 + i, row = inverse && k > 0 ? A - k : k;
+                const V z = load<V>(rows.data + row * rows.row + 2 * c), w = load<V>(t.turns + 2 * (k * B + n2 + c));
+                x[i] = (inverse ? conjugate_product(z, w) : point_product(z, w)) * splat<V>(factor);
+            });
+            transpose_points<V>(x);
+            unrolled<P>([&](auto i) KELS_INLINE { store(to[i] + 2 * k1, x[i]); });
+        }
+    }
+}
+
+template <class T>
+void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptrdiff_t n2, std::ptrdiff_t columns,
+                        int points, bool inverse, T factor, T* middle) {
+    while (points > t.A) points /= 2;
+    with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
+        using V = PointVec<T, P>;
+        if (inverse)
+            turn_and_transpose<true, V>(t, rows, n2, columns, factor, middle);
+        else
+            turn_and_transpose<false, V>(t, rows, n2, columns, factor, middle);
+    });
+}
+
+/// The columns of a piece: as many as the scratch has room for, twice, in vectors that one row holds.
+template <class T>
+struct Pieces {
+    std::ptrdiff_t widest;
+    int points = max_points<T>;
+
+    explicit Pieces(std::ptrdiff_t length) : widest(scratch_bytes / (4 * static_cast<int>(sizeof(T)) * length)) {
+        while (points > widest && points > 1) points /= 2;
+        widest = std::max<std::ptrdiff_t>(widest / points * points, 1);
+    }
+};
+
+/// Columns that find room at all; a longer length is no mixed one.
+template <class T>
+inline constexpr std::ptrdiff_t longest_column = scratch_bytes / (4 * static_cast<int>(sizeof(T)));
+
+template <class T>
+struct Scratch {
+    alignas(64) T values[scratch_bytes / sizeof(T)];
+
+    Rows<T> rows(int which, std::ptrdiff_t length, std::ptrdiff_t columns) {
+        return {values + which * 2 * length * columns, 2 * columns};
+    }
+};
+
+/// The rows of a source that a piece takes, in memory.
+template <class T, class Source>
+Rows<const T> read_rows(const MixedTransform<T>& t, Source source, std::ptrdiff_t first, std::ptrdiff_t columns,
+                        int points, Rows<T> room) {
+    if constexpr (interleaved<Source>) {
+        return Rows<const T>{source.data, 2 * t.B}.from(first);
+    } else {
+        with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
+            for (std::ptrdiff_t n1 = 0; n1 < t.A; ++n1)
+                for (std::ptrdiff_t c = 0; c < columns; c += P)
+                    store(room.data + n1 * room.row + 2 * c,
+                          source.template read<PointVec<T, P>>(n1 * t.B + first + c));
+        });
+        return room;
+    }
+}
+
+template <class T, class Sink>
+void write_rows(const MixedTransform<T>& t, Rows<const T> rows, Sink sink, std::ptrdiff_t first, std::ptrdiff_t columns,
+                int points) {
+    with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
+        for (std::ptrdiff_t k2 = 0; k2 < t.B; ++k2)
+            for (std::ptrdiff_t c = 0; c < columns; c += P)
+                sink.write(k2 * t.A + first + c, load<PointVec<T, P>>(rows.data + k2 * rows.row + 2 * c));
+    });
+}
+
+/// Vectors of the widest kind that cover n columns, and narrower ones at a part of the price.
+template <class T>
+double vectors(std::ptrdiff_t n) {
+    double sum = 0;
+    each_piece(n, n, max_points<T>, [&](std::ptrdiff_t, std::ptrdiff_t count, int points) {
+        sum += static_cast<double>(count / points) * (points == max_points<T> ? 1 : 0.7);
+    });
+    return sum;
+}
+
+/// The factor A of the length, and what a vector of points takes.
+struct Split {
+    std::ptrdiff_t A;
+    double cost;
+};
+
+template <class T>
+Split best_split(std::ptrdiff_t length) {
+    Split best{0, INFINITY};
+    std::ptrdiff_t rest = length;
+    for (const int p : {2, 3, 5, 7, 11, 13})
+        while (rest % p == 0) rest /= p;
+    if (rest != 1) return best;
+    const auto root = static_cast<std::ptrdiff_t>(std::sqrt(static_cast<double>(length)));
+    for (std::ptrdiff_t A = std::max<std::ptrdiff_t>(root / 6, 2); A <= 6 * (root + 1) && A < length; ++A) {
+        if (length % A != 0 || std::max(A, length / A) > longest_column<T>) continue;
+        const std::ptrdiff_t B = length / A;
+        const auto a = static_cast<double>(A), b = static_cast<double>(B);
+        const double cost = a * column_cost(A) * vectors<T>(B) + b * column_cost(B) * vectors<T>(A) +
+                            10 * vectors<T>(A) * vectors<T>(B) * max_points<T>;
+        if (cost < best.cost) best = {A, cost};
+    }
+    return best;
+}
+
+} // namespace
+
+template <class T>
+double mixed_cost(std::ptrdiff_t length) {
+    return best_split<T>(length).cost;
+}
+
+template <class T>
+void lay_mixed(MixedTransform<T>& t, std::ptrdiff_t length, TableSpace& space) {
+    t.length = length;
+    t.A = best_split<T>(length).A;
+    t.B = length / t.A;
+    lay_columns(t.first, t.A, space);
+    lay_columns(t.second, t.B, space);
+    T* turns = space.take<T>(2 * static_cast<std::size_t>(length));
+    t.turns = turns;
+    const Circle circle(static_cast<std::size_t>(length));
+    for (std::ptrdiff_t k1 = 0; turns && k1 < t.A; ++k1)
+        for (std::ptrdiff_t n2 = 0; n2 < t.B; ++n2, turns += 2) circle.write(turns, static_cast<std::size_t>(k1 * n2));
+}
+
+template <class T, class Source, class Sink>
+void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool inverse, T factor, T* middle) {
+    Scratch<T> scratch;
+    const Pieces<T> pieces(std::max(t.A, t.B));
+    each_piece(t.B, pieces.widest, pieces.points, [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
+        const Rows<T> result = scratch.rows(0, t.A, columns), spare = scratch.rows(1, t.A, columns);
+        const bool into_spare = t.first.count % 2 == 0; // the first pass writes there
+        const Rows<const T> in = read_rows(t, source, first, columns, points, into_spare ? result : spare);
+        run_columns(t.first, in, result, spare, result, columns, points);
+        turn_and_transpose<T>(t, result, first, columns, points, inverse, factor, middle);
+    });
+    each_piece(t.A, pieces.widest, pieces.points, [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
+        const Rows<T> other = scratch.rows(0, t.B, columns), spare = scratch.rows(1, t.B, columns);
+        const Rows<const T> in = Rows<const T>{middle, 2 * t.A}.from(first);
+        if constexpr (interleaved<Sink>) {
+            run_columns(t.second, in, Rows<T>{sink.data, 2 * t.A}.from(first), spare, other, columns, points);
+        } else {
+            run_columns(t.second, in, other, spare, other, columns, points);
+            write_rows<T>(t, other, sink, first, columns, points);
+        }
+    });
+}
+
+#define KELS_MIXED(T)                                                                                                  \
+    template double mixed_cost<T>(std::ptrdiff_t);                                                                     \
+    template void lay_mixed(MixedTransform<T>&, std::ptrdiff_t, TableSpace&);                                          \
+    template void run_mixed(const MixedTransform<T>&, InterleavedSource<T>, InterleavedSink<T>, bool, T, T*);          \
+    template void run_mixed(const MixedTransform<T>&, SplitSource<T>, SplitSink<T>, bool, T, T*);                      \
+    template void run_mixed(const MixedTransform<T>&, RealSource<T>, HalfSink<T>, bool, T, T*);                        \
+    template void run_mixed(const MixedTransform<T>&, HalfSource<T>, RealSink<T>, bool, T, T*);
+KELS_MIXED(Kel32f)
+KELS_MIXED(Kel64f)
+#undef KELS_MIXED
+
+} // namespace kels

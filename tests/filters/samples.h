@@ -1,0 +1,86 @@
+// What the tests of all filters say about samples and functions.
+#pragma once
+
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace filter_test {
+
+using kels_test::Random;
+
+template <class T>
+struct PartOf {
+    using type = T;
+};
+template <class T>
+requires requires(T z) { z.re; }
+struct PartOf<T> {
+    using type = decltype(T::re);
+};
+template <class T>
+using Part = typename PartOf<T>::type;
+template <class T>
+constexpr int parts = sizeof(T) / sizeof(Part<T>);
+
+template <class T>
+Part<T>* values(std::vector<T>& x) {
+    return reinterpret_cast<Part<T>*>(x.data());
+}
+template <class T>
+const Part<T>* values(const std::vector<T>& x) {
+    return reinterpret_cast<const Part<T>*>(x.data());
+}
+
+struct FamilyNames {
+    template <class F>
+    static std::string GetName(int) {
+        return F::name;
+    }
+};
+
+// The functions under one signature: those without a scale factor or a taps factor ignore it.
+
+template <class F, class... A>
+KelStatus call(F function, int factor, A... arguments) {
+    if constexpr (std::is_invocable_v<F, A..., int>)
+        return function(arguments..., factor);
+    else
+        return function(arguments...);
+}
+
+/// Real values from -1 to 1, 16-bit ones of all sizes, integer taps that are kept as they are.
+template <class T>
+std::vector<T> noise(Random& random, int count) {
+    std::vector<T> x(static_cast<std::size_t>(count));
+    for (int i = 0; i < count * parts<T>; ++i) {
+        Part<T>& value = values(x)[i];
+        if constexpr (std::is_floating_point_v<Part<T>>)
+            value = static_cast<Part<T>>(random.uniform(-1, 1));
+        else
+            value = static_cast<Part<T>>(random.below(65531) - 32765);
+    }
+    return x;
+}
+
+/// To nearest, ties away from zero, saturated.
+template <class R>
+R away_from_zero(long double v) {
+    constexpr long double least = std::numeric_limits<R>::min(), most = std::numeric_limits<R>::max();
+    return static_cast<R>(std::clamp(std::round(v), least, most));
+}
+
+template <class T>
+bool same(const std::vector<T>& a, const std::vector<T>& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0);
+}
+
+} // namespace filter_test
