@@ -4,17 +4,20 @@
 //   singles:  the rounding errors of the products and of their sum are recovered and added back; where that leaves the
 //             range of singles, in double arithmetic, which holds products of singles exactly;
 //   doubles:  the rounding errors of the products are recovered and added back (W. Kahan's difference of products, and
-//             T. J. Dekker's exact product where the level has no fused multiply-add); where that leaves the range of
-//             doubles, in extended precision, and the elements around with it.
+//             T. J. Dekker's exact product where the level has no fused multiply-add); the elements for which that
+//             leaves the range of doubles, and only they, in extended precision.
 //
-// The second factor may be a constant, or taken conjugated.
+// Rounding errors are recovered by rounding to nearest, whatever mode the caller has set. The second factor may be a
+// constant, or taken conjugated.
 #pragma once
 
 #include "frame/blocks.h"
 #include "frame/complex_vector.h"
 #include "frame/error_free.h"
+#include "frame/modes.h"
 #include "frame/numeric.h"
 #include "kels/types.h"
+#include "vector/extended_lanes.h"
 
 #include <limits>
 #include <type_traits>
@@ -92,33 +95,64 @@ requires std::is_same_v<Element<V>, Kel32f>
 /// The second factor as an array of parts or a Constant of two.
 template <class B>
 void multiply_complex_by(const Kel32fc* a, B b, Kel32fc* d, int len) {
+    const RoundedToNearest modes;
     map_blocks<2>(
         reals(d), Index{len} * 2, [](auto x, auto y) KELS_INLINE { return multiply_pairs(x, y); }, reals(a), b);
 }
 
-/// a b + c d, to two units in the last place. Lanes are marked `outside` where recovered errors may have been out of
-/// range: after an overflow on the way, or where result and products are so small that the errors underflow.
-template <class V, class Mask>
-[[gnu::always_inline]] inline V sum_of_products(V a, V b, V c, V d, Mask& outside) {
+// Doubles. Errors of products are recovered exactly, or as exactly as the smallest numbers allow, unless something
+// overflows; Dekker's products must not come near to the smallest numbers either. The quick result is checked as a
+// whole, by a test that some good results fail too; then each element by itself.
+
+/// a b + c d, to two units in the last place where nothing is doubtful.
+template <class V>
+[[gnu::always_inline]] inline V sum_of_products(V a, V b, V c, V d) {
     const V q = c * d;
-#if defined(__FMA__)
-    const V sum = fma(a, b, q) - fma(-c, d, q); // so written, a sum of negative zeros stays one
-#else
-    const V p = a * b, rounded = p + q, error = product_error(a, b, p) + product_error(c, d, q);
-    const V sum = error == 0 ? rounded : rounded + error; // a sum of negative zeros stays one
-#endif
-    const V most = splat<V>(0x1.fffffffffffffp1023), tiny = splat<V>(0x1p-900);
-    const V size = sum < 0 ? -sum : sum, product_size = q < 0 ? -q : q;
-    outside = outside | (size > most) | (size != size) | ((size < tiny) & (product_size < tiny));
-    return sum;
+    if constexpr (fuses<V>) {
+        return fma(a, b, q) - fma(-c, d, q); // so written, a sum of negative zeros stays one
+    } else {
+        const V p = a * b, rounded = p + q, error = product_error(a, b, p) + product_error(c, d, q);
+        return error == 0 ? rounded : rounded + error; // a sum of negative zeros stays one
+    }
 }
 
-/// One element in extended precision; silence needs none.
-inline Kel64fc multiply_extended(Kel64fc a, Kel64fc b) {
-    if ((a.re == 0 && a.im == 0) || (b.re == 0 && b.im == 0))
-        return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
-    const long double ar = a.re, ai = a.im, br = b.re, bi = b.im;
-    return {static_cast<Kel64f>(ar * br - ai * bi), static_cast<Kel64f>(ar * bi + ai * br)};
+/// Lanes whose result may lack recovered errors or a sign, if its products are as small.
+template <class V>
+[[gnu::always_inline]] inline auto is_unsure(V sum) {
+    if constexpr (fuses<V>)
+        return as_mask(sum == 0);
+    else
+        return as_mask(magnitude(sum) < splat<V>(0x1p-900));
+}
+
+template <class V>
+[[gnu::always_inline]] inline auto is_not_finite(Complex<V> z) {
+    return as_mask((z.re - z.re) + (z.im - z.im) != 0);
+}
+
+/// Lanes in which a part may be doubtful, as something for `any_lane`.
+template <class V>
+[[gnu::always_inline]] inline auto suspicious(Complex<V> product) {
+    if constexpr (fuses<V>)
+        return zero_or_not_finite(product.re * product.im);
+    else
+        return is_unsure(product.re) | is_unsure(product.im) | is_not_finite(product);
+}
+
+/// Lanes in which a part of x y is doubtful. What is the sum of zeros is not, nor what cancels.
+template <class V>
+[[gnu::always_inline]] inline auto doubtful(Complex<V> x, Complex<V> y, Complex<V> product) {
+    const V tiny = splat<V>(0x1p-900);
+    const auto xr = as_mask(x.re == 0), xi = as_mask(x.im == 0), yr = as_mask(y.re == 0), yi = as_mask(y.im == 0);
+    const auto small_re = as_mask(magnitude(x.im * y.im) < tiny), small_im = as_mask(magnitude(x.im * y.re) < tiny);
+    const auto re = is_unsure(product.re) & small_re & ~((xr | yr) & (xi | yi));
+    const auto im = is_unsure(product.im) & small_im & ~((xr | yi) & (xi | yr));
+    return re | im | is_not_finite(product);
+}
+
+inline Complex<Kel64f> multiply_extended(Complex<Kel64f> a, Complex<Kel64f> b) {
+    return {static_cast<Kel64f>(extended_products(a.re, b.re, -a.im, b.im)),
+            static_cast<Kel64f>(extended_products(a.re, b.im, a.im, b.re))};
 }
 
 /// A vector whose elements are taken conjugated.
@@ -141,35 +175,44 @@ template <class V>
     return {splat<V>(b.value[0]), splat<V>(b.value[1])};
 }
 
-template <class B>
-[[gnu::noinline]] void multiply_extended(const Kel64fc* a, B b, Kel64fc* d, int from, int to) {
-    for (int i = from; i < to; ++i) {
-        const Complex<Kel64f> y = elements<Kel64f>(b, i);
-        d[i] = multiply_extended(a[i], {y.re, y.im});
-    }
+template <class V>
+[[gnu::always_inline]] inline Complex<V> quick_product(Complex<V> x, Complex<V> y) {
+    return {sum_of_products(x.re, y.re, -x.im, y.im), sum_of_products(x.re, y.im, x.im, y.re)};
 }
 
-/// `Vectors` vectors of products from element i on; one look at the range serves them all.
+/// A vector of products from element i on, the doubtful ones in extended precision.
+template <class V, class B>
+[[gnu::noinline]] void multiply_carefully(const Kel64fc* a, B b, Kel64fc* d, int i) {
+    const Complex<V> x = load_interleaved<V>(&a[i].re), y = elements<V>(b, i), product = quick_product(x, y);
+    store_interleaved<V>(&d[i].re, with_extended_lanes(product, doubtful(x, y, product), multiply_extended, x, y));
+}
+
+/// `Vectors` vectors of products from element i on; one look serves them all.
 template <class V, int Vectors, class B>
 [[gnu::always_inline]] inline void multiply_block(const Kel64fc* a, const B& b, Kel64fc* d, int i) {
+    const auto first = [&](int v) KELS_INLINE { return load_interleaved<V>(&a[i + v * lanes<V>].re); };
+    const auto second = [&](int v) KELS_INLINE { return elements<V>(b, i + v * lanes<V>); };
     Complex<V> product[Vectors];
-    decltype(V{} < V{}) none{};
-    auto outside = none | none;
+    decltype(suspicious(product[0])) suspects{};
     unrolled<Vectors>([&](auto v) KELS_INLINE {
-        const int at = i + v * lanes<V>;
-        const Complex<V> x = load_interleaved<V>(&a[at].re), y = elements<V>(b, at);
-        product[v] = {sum_of_products(x.re, y.re, -x.im, y.im, outside),
-                      sum_of_products(x.re, y.im, x.im, y.re, outside)};
+        product[v] = quick_product(first(v), second(v));
+        suspects = suspects | suspicious(product[v]);
     });
-    if (any_lane(outside)) [[unlikely]]
-        multiply_extended(a, b, d, i, i + Vectors * lanes<V>);
-    else
-        unrolled<Vectors>([&](auto v) KELS_INLINE { store_interleaved<V>(&d[i + v * lanes<V>].re, product[v]); });
+    if (any_lane(suspects)) [[unlikely]] {
+        decltype(doubtful(product[0], product[0], product[0])) doubts{};
+        unrolled<Vectors>([&](auto v) KELS_INLINE { doubts = doubts | doubtful(first(v), second(v), product[v]); });
+        if (any_lane(doubts)) {
+            for (int v = 0; v < Vectors; ++v) multiply_carefully<V>(a, b, d, i + v * lanes<V>);
+            return;
+        }
+    }
+    unrolled<Vectors>([&](auto v) KELS_INLINE { store_interleaved<V>(&d[i + v * lanes<V>].re, product[v]); });
 }
 
 template <class B>
 void multiply_complex_by(const Kel64fc* a, B b, Kel64fc* d, int len) {
     using V = Vec<Kel64f>;
+    const RoundedToNearest modes;
     int i = 0;
     for (; i + 4 * lanes<V> <= len; i += 4 * lanes<V>) multiply_block<V, 4>(a, b, d, i);
     for (; i + lanes<V> <= len; i += lanes<V>) multiply_block<V, 1>(a, b, d, i);
@@ -185,6 +228,7 @@ inline void multiply_complex(const Kel64fc* a, const Kel64fc* b, Kel64fc* d, int
 
 /// d = a conj(b).
 inline void multiply_by_conjugate(const Kel32fc* a, const Kel32fc* b, Kel32fc* d, int len) {
+    const RoundedToNearest modes;
     map_blocks<2>(
         reals(d), Index{len} * 2,
         [](auto x, auto y) KELS_INLINE {

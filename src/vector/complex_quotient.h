@@ -9,15 +9,13 @@
 
 #include "frame/blocks.h"
 #include "frame/complex_vector.h"
+#include "frame/expanded.h"
 #include "kels/services.h"
 #include "vector/complex_product.h"
 #include "vector/division_groups.h"
-#include "vector/expanded.h"
+#include "vector/extended_lanes.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstdint>
 #include <type_traits>
 
 namespace kels {
@@ -55,29 +53,17 @@ requires std::is_same_v<Element<V>, Kel64f>
 
 // What needs another look
 
-/// The leading half of a double: products of halves are exact in extended precision.
-inline long double leading_half(Kel64f x) { return std::bit_cast<Kel64f>(std::bit_cast<std::uint64_t>(x) >> 27 << 27); }
-
-/// a b - product, without error, where product is a b rounded to extended precision.
-inline long double extended_error(Kel64f a, Kel64f b, long double product) {
-    const long double ah = leading_half(a), bh = leading_half(b), al = a - ah, bl = b - bh;
-    return al * bl - (((product - ah * bh) - al * bh) - ah * bl);
-}
-
-/// a b + c d, cancellation included.
-inline long double extended_products(Kel64f a, Kel64f b, Kel64f c, Kel64f d) {
-    const long double p = static_cast<long double>(a) * b, q = static_cast<long double>(c) * d, sum = p + q;
-    const long double errors = std::isfinite(sum) ? extended_error(a, b, p) + extended_error(c, d, q) : 0;
-    return errors == 0 ? sum : sum + errors;
+/// One quotient in extended precision.
+inline Complex<Kel64f> divide_extended(Complex<Kel64f> b, Complex<Kel64f> a) {
+    const long double reciprocal = 1 / extended_products(a.re, a.re, a.im, a.im);
+    return {static_cast<Kel64f>(extended_products(b.re, a.re, b.im, a.im) * reciprocal),
+            static_cast<Kel64f>(extended_products(b.im, a.re, -a.im, b.re) * reciprocal)};
 }
 
 /// One quotient by a divisor that is not zero.
 inline Complex<Kel64f> divide_one(Complex<Kel64f> b, Complex<Kel64f> a) {
     const auto quotient = divide_lanes(b, a);
-    if (!quotient.doubtful) return quotient.value;
-    const long double reciprocal = 1 / extended_products(a.re, a.re, a.im, a.im);
-    return {static_cast<Kel64f>(extended_products(b.re, a.re, b.im, a.im) * reciprocal),
-            static_cast<Kel64f>(extended_products(b.im, a.re, -a.im, b.re) * reciprocal)};
+    return quotient.doubtful ? with_extended_lanes(quotient.value, true, divide_extended, b, a) : quotient.value;
 }
 inline Complex<Kel32f> divide_one(Complex<Kel32f> b, Complex<Kel32f> a) { return divide_lanes(b, a).value; }
 
@@ -120,6 +106,7 @@ template <int Group, int Lanes, class A, class T>
 /// Divides parts of b by those of a, an array or a constant, in groups. Gives whether a divisor counted as zero.
 template <int Group, class A, class T>
 bool divide_complex(A a, const T* b, T* d, Index from, Index to) {
+    const RoundedToNearest modes;
     constexpr int most = std::max({max_lanes<Kel64f>, part<Vec<T>>, Group});
     bool zero_met = false;
     from = divide_vectors<Group, most>(a, b, d, from, to, zero_met);

@@ -6,9 +6,10 @@
 #pragma once
 
 #include "frame/complex_vector.h"
+#include "frame/expanded.h"
 #include "frame/simd.h"
 #include "kels/types.h"
-#include "vector/expanded.h"
+#include "vector/extended_lanes.h"
 
 #include <cmath>
 
@@ -36,9 +37,17 @@ template <class V>
     return assembled_root(a, b, w, b / w);
 }
 
-/// For any doubles; some roots may need another look.
+/// One root in extended precision.
+inline Complex<Kel64f> extended_root(Complex<Kel64f> z) {
+    const long double a = z.re / 2.0L, b = z.im / 2.0L;
+    const long double w = std::sqrt(std::fabs(a) + std::sqrt(a * a + b * b));
+    const Complex<long double> result = assembled_root(a, b, w, b / w);
+    return {static_cast<Kel64f>(result.re), static_cast<Kel64f>(result.im)};
+}
+
+/// For any doubles.
 template <class V>
-[[gnu::always_inline]] inline Complex<V> expanded_root(Complex<V> z, bool& doubtful) {
+[[gnu::always_inline]] inline Complex<V> expanded_root(Complex<V> z) {
     const V a = z.re * 0.5, b = z.im * 0.5, size = magnitude_of(a);
     const Expanded<V> r = root(two_squares(a, b));
     const V sum = size + r.high;
@@ -48,16 +57,10 @@ template <class V>
     const V corrected = remainder == 0 ? quotient : quotient + remainder / w.high;
     const Complex<V> result = assembled_root(a, b, w.high + w.low, corrected);
     const auto not_finite = (result.re - result.re) + (result.im - result.im) != 0;
-    doubtful = any_lane(is_small(z.re) | is_small(z.im) | not_finite);
+    const auto doubtful = is_small(z.re) | is_small(z.im) | not_finite;
+    if (any_lane(doubtful)) [[unlikely]]
+        return with_extended_lanes(result, doubtful, extended_root, z);
     return result;
-}
-
-/// One root in extended precision.
-inline Complex<Kel64f> extended_root(Complex<Kel64f> z) {
-    const long double a = z.re / 2.0L, b = z.im / 2.0L;
-    const long double w = std::sqrt(std::fabs(a) + std::sqrt(a * a + b * b));
-    const Complex<long double> result = assembled_root(a, b, w, b / w);
-    return {static_cast<Kel64f>(result.re), static_cast<Kel64f>(result.im)};
 }
 
 } // namespace kels

@@ -1,8 +1,8 @@
 // Conversion between sample types.
 //
-// Integers of real numbers are made in three steps: the number times 2^-scaleFactor; what the type cannot hold replaced
-// by a neighbour of the type's range, NaNs by their sign; the conversion instruction, in the mode that the caller
-// names.
+// What is rounded to a real type is rounded as the caller wishes. Integers of real numbers are made in three steps: the
+// number times 2^-scaleFactor; what the type cannot hold replaced by a neighbour of the type's range, NaNs by their
+// sign; the conversion instruction, in the mode that the caller names.
 
 #include "kels/conversion.h"
 
@@ -19,11 +19,16 @@
 namespace kels {
 namespace {
 
+/// What converting Ts to Rs needs, where it is not exact.
+template <class T, class R>
+using ModesOf = ModesIf < std::numeric_limits<R>::digits<std::numeric_limits<T>::digits, RoundedByCaller>;
+
 // Widening, narrowing and rounding by one instruction
 
 template <class T, class R>
 KelStatus convert_to(const T* src, R* dst, int len) {
     return vector_call({src, dst}, len, [=] {
+        [[maybe_unused]] const ModesOf<T, R> modes;
         map_blocks(
             dst, len, [](auto x) KELS_INLINE { return convert<R>(x); }, src);
     });
@@ -39,6 +44,7 @@ KelStatus saturate_to(const Kel32s* src, Kel16s* dst, int len) {
 /// Nothing becomes an infinity or a NaN: infinities become the largest numbers, NaNs the positive one.
 KelStatus limit_to(const Kel64f* src, Kel32f* dst, int len) {
     return vector_call({src, dst}, len, [=] {
+        const RoundedByCaller modes;
         const auto limited = [](auto x) KELS_INLINE {
             using V = decltype(x);
             const V largest = splat<V>(std::numeric_limits<Kel32f>::max());
@@ -55,6 +61,7 @@ template <class T, class R>
 KelStatus convert_scaled(const T* src, R* dst, int len, int scaleFactor) {
     constexpr int most = std::numeric_limits<R>::max_exponent - 2, least = -(most + 1 - digits<T>);
     return vector_call({src, dst}, len, [=] {
+        [[maybe_unused]] const ModesOf<T, R> modes;
         const R power = power_of_two<R>(-std::clamp(scaleFactor, least, most));
         map_blocks(
             dst, len, [=](auto x) KELS_INLINE { return convert<R>(x) * power; }, src);

@@ -95,11 +95,17 @@ bool counts_as_zero(T val) {
         return !(val < 0 || val > 0);
 }
 
+template <class T>
+T reciprocal(T val) {
+    const ExtendedPrecision modes;
+    return settled(static_cast<T>(settled(1.0L / settled(val))));
+}
+
 /// Multiplies by the reciprocal in the way of `multiply`, which has the checks that remain.
 template <class T, class Multiply>
 KelStatus divide_by(T val, Multiply multiply) {
     if (counts_as_zero(val)) return kelStatusDivByZero;
-    return multiply(static_cast<T>(1.0L / val));
+    return multiply(reciprocal(val));
 }
 
 // Complex numbers

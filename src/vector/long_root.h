@@ -2,10 +2,10 @@
 // and held against the integer itself. Elements are not negative; the default modes are set.
 #pragma once
 
+#include "frame/expanded.h"
 #include "frame/numeric.h"
 #include "frame/simd.h"
 #include "kels/types.h"
-#include "vector/expanded.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -18,7 +18,7 @@ using DoublesLike = Vec<double, lanes<V>>;
 template <class V>
 using UnsignedLike = Vec<std::uint64_t, lanes<V>>;
 
-inline constexpr double two_to_32 = 0x1p32, two_to_52 = 0x1p52;
+inline constexpr double two_to_32 = 0x1p32, two_to_52 = 0x1p52, signed_52 = 0x1.8p52;
 
 /// The integer as a sum of two doubles, without error.
 template <class V>
@@ -30,17 +30,17 @@ template <class V>
     return {sum, low - (sum - high)};
 }
 
-/// A number of at least 0 and less than 2^32, rounded to an integer.
+/// A number of at most 2^50 in magnitude, rounded to an integer.
 template <class V, class D>
-[[gnu::always_inline]] inline V rounded_half(D a) {
-    return bits_as<V>(a + two_to_52) & splat<V>(0xFFFFFFFF);
+[[gnu::always_inline]] inline V rounded_whole(D a) {
+    return bits_as<V>(a + signed_52) - bits_as<V>(splat<D>(signed_52));
 }
 
 /// x^(1/2) 2^-shift. The whole root is exact; what it lacks only has to be known to be there.
 template <class V>
 [[gnu::always_inline]] inline V long_root_down(V x, int shift) {
     using U = UnsignedLike<V>;
-    const U near = rounded_half<U>(square_root(expanded(x).high));
+    const U near = rounded_whole<U>(square_root(expanded(x).high)) & splat<U>(0xFFFFFFFF); // as it is: a short product
     const V root = (V)(near * near > (U)x ? near - 1 : near);
     const V rest = x - root * root;
     if (shift == 0) return rest > root ? root + 1 : root;
@@ -63,20 +63,19 @@ template <class V>
     const double power = power_of_two<double>(up);
     const Expanded<D> exact = root(expanded(some));
     const D whole = exact.high * power;
-    // The integers nearest to both halves and to what is left beside them.
-    const auto upper = to_integer<true>(whole * (1 / two_to_32));
-    const D lower = whole - convert<double>(upper) * two_to_32;
-    const U lower_bits = rounded_half<U>(lower);
-    constexpr double signed_52 = 0x1.8p52;
-    const D left = (lower - ((lower + two_to_52) - two_to_52)) + exact.low * power, rounded = left + signed_52;
-    const D fraction = left - (rounded - signed_52);
-    const U nearest = ((U)convert<Kel64s>(upper) << splat<U>(32)) + lower_bits +
-                      (bits_as<U>(rounded) - bits_as<U>(splat<D>(signed_52)));
+    // The integers nearest to both halves and to what is left beside them. The upper one goes up to 2^31, the lower one
+    // down to -2^32.
+    const auto upper = to_integer<true>(whole * (1 / two_to_32) - 0x1p31);
+    const D upper_half = convert<double>(upper) + 0x1p31, lower = whole - upper_half * two_to_32;
+    const D left = (lower - ((lower + signed_52) - signed_52)) + exact.low * power;
+    const D fraction = left - ((left + signed_52) - signed_52);
+    const U nearest = (rounded_whole<U>(upper_half) << splat<U>(32)) + rounded_whole<U>(lower) + rounded_whole<U>(left);
     const U count = splat<U>(static_cast<unsigned>(up)), difference = (((U)some << count) << count) - nearest * nearest;
-    const V above = (V)(difference - nearest), below = (V)(difference + nearest);
-    const U next = above > 0 ? splat<U>(1) : U{}, last = below <= 0 ? splat<U>(~0ULL) : U{};
+    const U next = (V)difference > (V)nearest ? splat<U>(1) : U{};
+    const U last = (V)difference <= (V)(U{} - nearest) ? splat<U>(~0ULL) : U{};
     const V result = (V)(nearest + (fraction < 0 ? last : next));
-    const V limited = whole < 0x1p63 ? result : splat<V>(std::numeric_limits<Kel64s>::max());
+    const V not_wrapped = result < 0 ? splat<V>(std::numeric_limits<Kel64s>::max()) : result;
+    const V limited = whole <= 0x1p63 ? not_wrapped : splat<V>(std::numeric_limits<Kel64s>::max());
     return x == 0 ? x : limited;
 }
 

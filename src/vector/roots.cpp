@@ -11,14 +11,15 @@
 
 #include "frame/blocks.h"
 #include "frame/calling_frame.h"
-#include "frame/complex_vector.h"
+#include "frame/expanded.h"
 #include "frame/modes.h"
 #include "frame/numeric.h"
 #include "frame/scale.h"
 #include "kels/arithmetic.h"
+#include "vector/complex_lanes.h"
 #include "vector/complex_product.h"
 #include "vector/complex_root.h"
-#include "vector/expanded.h"
+#include "vector/extended_lanes.h"
 #include "vector/integers_by_reals.h"
 #include "vector/long_root.h"
 
@@ -32,40 +33,6 @@ namespace kels {
 namespace {
 
 KelStatus warning_if(bool negative_met) { return negative_met ? kelStatusSqrtNegArg : kelStatusOk; }
-
-/// Complex elements one by one, in vectors as far as they go: f maps split parts to split parts.
-template <class T, class F>
-void map_complex(const T* src, T* dst, Index n, const F& f) {
-    using P = Part<T>;
-    using V = Vec<P, std::max(max_lanes<Kel64f>, part<Vec<P>>)>;
-    Index i = 0;
-    for (; i + lanes<V> <= n; i += lanes<V>)
-        store_interleaved<V>(reals(dst + i), f(load_interleaved<V>(reals(src + i))));
-    for (; i < n; ++i) store_interleaved<P>(reals(dst + i), f(load_interleaved<P>(reals(src + i))));
-}
-
-template <class V>
-[[gnu::always_inline]] inline auto to_doubles(Complex<V> z) {
-    return Complex<Vec<Kel64f, lanes<V>>>{convert<Kel64f>(z.re), convert<Kel64f>(z.im)};
-}
-template <class R, class V>
-[[gnu::always_inline]] inline auto to_parts(Complex<V> z) {
-    return Complex<Vec<R, lanes<V>>>{convert<R>(z.re), convert<R>(z.im)};
-}
-
-/// Calls one for each lane, where the quick way does not do.
-template <class V, class One>
-[[gnu::noinline]] Complex<V> lane_by_lane(Complex<V> z, One one) {
-    Kel64f re[lanes<V>], im[lanes<V>];
-    store(re, z.re);
-    store(im, z.im);
-    for (int i = 0; i < lanes<V>; ++i) {
-        const Complex<Kel64f> result = one(Complex<Kel64f>{re[i], im[i]});
-        re[i] = result.re;
-        im[i] = result.im;
-    }
-    return {load<V>(re), load<V>(im)};
-}
 
 // Squares
 
@@ -106,8 +73,9 @@ template <class V>
                     (sum * sum_error(z.re, -z.im, difference) + sum_error(z.re, z.im, sum) * difference);
     const V re = error == 0 ? product : product + error, im = (z.re + z.re) * z.im;
     const auto not_finite = (re - re) + (im - im) != 0;
-    if (any_lane(is_small(z.re) | is_small(z.im) | not_finite)) [[unlikely]]
-        return lane_by_lane(z, extended_square);
+    const auto doubtful = is_small(z.re) | is_small(z.im) | not_finite;
+    if (any_lane(doubtful)) [[unlikely]]
+        return with_extended_lanes(Complex<V>{re, im}, doubtful, extended_square, z);
     return {re, im};
 }
 
@@ -117,8 +85,10 @@ KelStatus square(const Kel32fc* src, Kel32fc* dst, int len) {
     });
 }
 KelStatus square(const Kel64fc* src, Kel64fc* dst, int len) {
-    return vector_call({src, dst}, len,
-                       [=] { map_complex(src, dst, len, [](auto z) KELS_INLINE { return corrected_square(z); }); });
+    return vector_call({src, dst}, len, [=] {
+        const RoundedToNearest modes;
+        map_complex(src, dst, len, [](auto z) KELS_INLINE { return corrected_square(z); });
+    });
 }
 
 // Square roots of real and complex numbers
@@ -144,14 +114,8 @@ KelStatus root(const Kel32fc* src, Kel32fc* dst, int len) {
 
 KelStatus root(const Kel64fc* src, Kel64fc* dst, int len) {
     return vector_call({src, dst}, len, [=] {
-        const auto roots = [](auto z) KELS_INLINE {
-            bool doubtful = false;
-            const auto result = expanded_root(z, doubtful);
-            if (doubtful) [[unlikely]]
-                return lane_by_lane(z, extended_root);
-            return result;
-        };
-        map_complex(src, dst, len, roots);
+        const RoundedToNearest modes;
+        map_complex(src, dst, len, [](auto z) KELS_INLINE { return expanded_root(z); });
     });
 }
 
@@ -272,7 +236,7 @@ KelStatus cube_root(const Kel32f* src, Kel32f* dst, int len) {
     return vector_call({src, dst}, len, [=] {
         const auto roots = [](auto x) KELS_INLINE {
             using V = decltype(x);
-            const V size = x < 0 ? -x : x;
+            const V size = magnitude(x);
             const V root = convert<Kel32f>(cube_root(convert<Kel64f>(size)));
             const V normal = size > std::numeric_limits<Kel32f>::min() ? (x < 0 ? -root : root) : V{};
             return (x - x == 0) ? normal : x; // infinities and NaNs

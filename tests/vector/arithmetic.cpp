@@ -1,6 +1,8 @@
 // Sums, differences, products and absolute values. Integers are held against exact evaluation to the last bit.
 
 #include "kels/arithmetic.h"
+#include "kels/spectrum.h"
+#include "support/control_state.h"
 #include "support/exact.h"
 #include "support/random_data.h"
 #include "support/rows.h"
@@ -24,6 +26,7 @@ using kels_test::Random;
 using kels_test::Row;
 using kels_test::row;
 using kels_test::scaled;
+using kels_test::under;
 
 // References. An operation is defined on extended-precision numbers, which hold every result here exactly; on integers
 // they are scaled to the result's type R, on complex numbers they apply to both parts.
@@ -466,6 +469,83 @@ TEST(ComplexProduct, IntermediateOverflowDoesNoHarm) {
     EXPECT_EQ(b[31].im, std::numeric_limits<double>::infinity());
     EXPECT_EQ(b[16].re, -0x1p600);
     EXPECT_EQ(b[16].im, 3 * 0x1p600);
+}
+
+/// A product of complex vectors, as one of reals: the number of reals ahead of the pairs, and the call.
+struct ProductOfPairs {
+    const char* name;
+    int ahead;
+    bool conjugates;
+    KelStatus (*call)(const Kel64f* a, const Kel64f* b, Kel64f* d, int pairs);
+};
+
+const Kel64fc* pairs(const Kel64f* p) { return reinterpret_cast<const Kel64fc*>(p); }
+Kel64fc* pairs(Kel64f* p) { return reinterpret_cast<Kel64fc*>(p); }
+
+template <auto Function>
+KelStatus in_place_of_second(const Kel64f* a, const Kel64f* b, Kel64f* d, int n) {
+    std::memcpy(d, b, static_cast<std::size_t>(2 * n + 2) * sizeof *d);
+    return Function(a, d, 2 * n + 2);
+}
+
+const ProductOfPairs products_of_pairs[] = {
+    {"Mul", 0, false, [](auto* a, auto* b, auto* d, int n) { return kelsMul_64fc(pairs(a), pairs(b), pairs(d), n); }},
+    {"MulPack", 1, false, [](auto* a, auto* b, auto* d, int n) { return kelsMulPack_64f(a, b, d, 2 * n + 2); }},
+    {"MulPerm", 2, false, [](auto* a, auto* b, auto* d, int n) { return kelsMulPerm_64f(a, b, d, 2 * n + 2); }},
+    {"MulPack_I", 1, false, in_place_of_second<kelsMulPack_64f_I>},
+    {"MulPerm_I", 2, false, in_place_of_second<kelsMulPerm_64f_I>},
+    {"MulPackConj_I", 1, true, in_place_of_second<kelsMulPackConj_64f_I>},
+};
+
+// Parts that cancel, beside neighbours for which the quick way does not do, at any place and in any mode.
+TEST(ComplexProduct, NeighboursDoNotMatter) {
+    constexpr Kel64f inf = std::numeric_limits<Kel64f>::infinity();
+    const Kel64fc neighbours[] = {{0, 0},   {1e-310, 0},    {0, 1e-200}, {inf, 1},
+                                  {1, nan}, {1e300, 1e300}, {-0.0, 5},   {3, 4}};
+    constexpr int n = 45;
+    std::vector<Kel64f> a(2 * n + 2, 1.0), b(2 * n + 2, 1.0), d(2 * n + 2);
+    for (const ProductOfPairs& product : products_of_pairs)
+        for (const double scale : {1.0, 0x1p-460, 0x1p500})
+            for (const Kel64fc& neighbour : neighbours)
+                for (int i = 0; i < n; ++i) {
+                    const Kel64f sign = product.conjugates ? -1 : 1;
+                    Kel64fc *x = pairs(a.data() + product.ahead), *y = pairs(b.data() + product.ahead);
+                    std::fill_n(x, n, Kel64fc{(1 + 0x1p-40) * scale, scale});
+                    std::fill_n(y, n, Kel64fc{(1 - 0x1p-40) * scale, sign * scale});
+                    x[i] = neighbour;
+                    ASSERT_EQ(product.call(a.data(), b.data(), d.data(), n), kelStatusOk);
+                    const Kel64fc* z = pairs(d.data() + product.ahead);
+                    for (int j = 0; j < n; ++j)
+                        if (j != i) {
+                            ASSERT_EQ(z[j].re, -0x1p-80 * scale * scale) << product.name << ' ' << i << ' ' << j;
+                        }
+                }
+}
+
+TEST(ComplexProduct, ConstantsNeighboursDoNotMatter) {
+    for (int i = 0; i < 21; ++i) {
+        std::vector<Kel64fc> x(21, {1 + 0x1p-40, 1}), d(21);
+        x[static_cast<std::size_t>(i)] = {0, i % 2 ? 1e-320 : HUGE_VAL};
+        ASSERT_EQ(kelsMulC_64fc(x.data(), {1 - 0x1p-40, 1}, d.data(), 21), kelStatusOk);
+        ASSERT_EQ(kelsMulC_64fc_I({1 - 0x1p-40, 1}, x.data(), 21), kelStatusOk);
+        for (std::size_t j = 0; j < 21; ++j)
+            if (static_cast<int>(j) != i) {
+                EXPECT_EQ(d[j].re, -0x1p-80);
+                EXPECT_EQ(x[j].re, -0x1p-80);
+            }
+    }
+}
+
+// Where an overflow gives the largest number in place of an infinity.
+TEST(ComplexProduct, OverflowOnTheWayInEveryMode) {
+    for (const std::uint32_t mxcsr : {0x1F80, 0x3F80, 0x5F80, 0x7F80}) {
+        const Kel64fc a = {1e200, 1e200};
+        Kel64fc b = {1e200, 5e199}, c = {1e108, 1.5e108};
+        under({0x037F, mxcsr}, [&] { return kelsMul_64fc_I(&a, &b, 1); });
+        under({0x037F, mxcsr}, [&] { return kelsMul_64fc_I(&a, &c, 1); });
+        EXPECT_GE(b.re, std::numeric_limits<Kel64f>::max());
+        EXPECT_DOUBLE_EQ(c.re, -5e307);
+    }
 }
 
 } // namespace

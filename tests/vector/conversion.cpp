@@ -28,10 +28,15 @@ using kels_test::scaled;
 
 constexpr auto same = each([](auto x) { return x; });
 constexpr auto saturated = each([](Kel32s x) { return scaled<Kel16s>(x); });
+/// Rounded by the x87 unit: the compiler may not take the short way.
+constexpr auto extended = [](auto x) -> long double {
+    const volatile long double v = x;
+    return v;
+};
 constexpr auto limited = each([](Kel64f x) {
     const Kel64f most = std::numeric_limits<Kel32f>::max();
-    if (x < most && x > -most) return x;
-    return x <= -most ? -most : most;
+    if (x < most && x > -most) return extended(x);
+    return extended(x <= -most ? -most : most);
 });
 
 template <int Least, int Most>
@@ -62,8 +67,8 @@ constexpr auto normalized = each([]<class T>(T x, T sub, auto divisor) {
 });
 
 constexpr auto normalized_integer = each([]<class T>(T x, T sub, int divisor, int factor) {
-    constexpr int far = 3000;
-    const double power = std::pow(2.0, -static_cast<double>(std::clamp(factor, -far, far)));
+    constexpr int far = 3000, all_vanishes = 1000;
+    const double power = std::pow(2.0, -static_cast<double>(std::clamp(factor, -far, all_vanishes)));
     const long double multiplier = power * (1.0L / divisor);
     const auto part = [=](int a, int b) -> Kel16s {
         const long double v = (a - b) * multiplier;
@@ -106,11 +111,11 @@ const Row rows[] = {
     row(kelsConvert_16u32f, same),
     row(kelsConvert_32f64f, same).ulps(0),
     row(kelsConvert_32s64f, same),
-    row(kelsConvert_32s32f, same),
+    row(kelsConvert_32s32f, each(extended)).follows_rounding(),
     row(kelsConvert_32s16s, saturated),
-    row(kelsConvert_64f32f, limited),
+    row(kelsConvert_64f32f, limited).follows_rounding(),
     row(kelsConvert_16s32f_Sfs, each(TimesPower<-112, 126>{})),
-    row(kelsConvert_32s32f_Sfs, each(TimesPower<-96, 126>{})),
+    row(kelsConvert_32s32f_Sfs, each(TimesPower<-96, 126>{})).follows_rounding(),
     row(kelsConvert_16s64f_Sfs, each(TimesPower<-1008, 1022>{})),
     row(kelsConvert_32s64f_Sfs, each(TimesPower<-992, 1022>{})),
     in_each_mode(row(kelsConvert_32f8s_Sfs, to_integer<Kel8s>)),
@@ -212,20 +217,6 @@ TEST(RealToInteger, CallersModesDoNotMatterAndStay) {
     EXPECT_EQ(from_denormal, 2);
 }
 
-TEST(IntegerToReal, FollowsTheCallersMode) {
-    const kels_test::KeepControlState keep;
-    const Kel32s x[] = {16777217, -16777217};
-    Kel32f up[2], scaled_up[2];
-    kels_test::ControlState{0x0B7F, 0x5F80}.load();
-    kelsConvert_32s32f(x, up, 2);
-    kelsConvert_32s32f_Sfs(x, scaled_up, 2, 1);
-    kels_test::ControlState{0x037F, 0x1F80}.load();
-    EXPECT_EQ(up[0], 16777218.0F);
-    EXPECT_EQ(up[1], -16777216.0F);
-    EXPECT_EQ(scaled_up[0], 8388609.0F);
-    EXPECT_EQ(scaled_up[1], -8388608.0F);
-}
-
 TEST(Normalize, LiteralValues) {
     const Kel16s x[] = {1, 3, 5, -1, -3}, want[] = {0, 2, 2, 0, -2}, most = 32767;
     Kel16s d[5];
@@ -233,9 +224,44 @@ TEST(Normalize, LiteralValues) {
     EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
     ASSERT_EQ(kelsNormalize_16s_Sfs(&most, d, 1, -32768, 1, 0), kelStatusOk);
     EXPECT_EQ(d[0], 32767);
-    // Nothing times an infinite factor.
-    ASSERT_EQ(kelsNormalize_16s_Sfs(&most, d, 1, 32767, 1, -1024), kelStatusOk);
-    EXPECT_EQ(d[0], 32767);
+    // Nothing times an infinite factor, in any mode.
+    for (const auto& modes : {kels_test::default_modes, kels_test::ControlState{0x067F, 0x3F80}}) {
+        under(modes, [&] { return kelsNormalize_16s_Sfs(&most, d, 1, 32767, 1, -1024); });
+        under(modes, [&] { return kelsNormalize_16s_Sfs(&most, d + 1, 1, 32767, 100, -2000); });
+        EXPECT_EQ(d[0], 32767);
+        EXPECT_EQ(d[1], 32767);
+    }
+}
+
+// Quotients as close to a half as a divisor of 31 bits lets them come, and halves themselves.
+TEST(Normalize, RoundsOnce) {
+    const Kel16s x = 32767;
+    Kel16s d;
+    const auto rounded = [&](int sub, int divisor, int factor) {
+        const Kel16sc z = {x, -x};
+        Kel16sc w;
+        EXPECT_EQ(kelsNormalize_16s_Sfs(&x, &d, 1, static_cast<Kel16s>(sub), divisor, factor), kelStatusOk);
+        EXPECT_EQ(
+            kelsNormalize_16sc_Sfs(&z, &w, 1, {static_cast<Kel16s>(sub), static_cast<Kel16s>(-sub)}, divisor, factor),
+            kelStatusOk);
+        EXPECT_EQ(w.re, d);
+        EXPECT_EQ(w.im, -d);
+        return d;
+    };
+    EXPECT_EQ(rounded(-1, 2147483647, -15), 1); // 1/2 + 2^-32
+    EXPECT_EQ(rounded(-1, -2147483647, -15), -1);
+    EXPECT_EQ(rounded(32766, 2147483647, -31), 1); // 1 + 2^-31
+    for (int divisor = 1; divisor < 2000; ++divisor)
+        for (int twice : {1, 3, 5, 11, 127}) { // twice / 2 is the quotient, or beside it
+            const int difference = divisor * twice;
+            for (int beside : {-1, 0, 1}) {
+                if (difference + beside < 0 || difference + beside > 65535) continue;
+                const std::int64_t n = difference + beside, quotient = n / (2 * divisor), rest = n % (2 * divisor);
+                const bool up = rest > divisor || (rest == divisor && quotient % 2 == 1);
+                EXPECT_EQ(rounded(32767 - static_cast<int>(n), 2 * divisor, 0), quotient + up)
+                    << n << " / " << 2 * divisor;
+            }
+        }
 }
 
 TEST(Normalize, DivisionByZeroStoresNothing) {

@@ -3,6 +3,7 @@
 
 #include "kels/roots.h"
 #include "kels/services.h"
+#include "support/control_state.h"
 #include "support/exact.h"
 #include "support/rows.h"
 
@@ -27,6 +28,7 @@ using kels_test::in_place;
 using kels_test::Row;
 using kels_test::row;
 using kels_test::scaled;
+using kels_test::under;
 using kels_test::whole;
 
 // Squares
@@ -249,6 +251,11 @@ TEST(IntegerRoot, EveryFactorOf64Bits) {
                 for (std::int64_t beside : {-1, 0, 1})
                     x.push_back(static_cast<Kel64s>((square + static_cast<std::uint64_t>(beside)) & LLONG_MAX));
         }
+    // Roots whose lower 32 bits, once scaled, round up to 2^32.
+    for (int bits = 1; bits < 31; ++bits)
+        for (std::uint64_t odd : {1, 3, 5})
+            for (std::uint64_t below : {1, 2, 3})
+                x.push_back(static_cast<Kel64s>(((odd << bits) * (odd << bits) - below) & LLONG_MAX));
     expect_every_factor(kelsSqrt_64s_Sfs, x, &rooted_integer<Kel64s>);
 }
 
@@ -275,6 +282,8 @@ TEST(Square, LiteralValues) {
 TEST(IntegerRoot, LiteralValues) {
     expect<Kel8u>(kelsSqrt_8u_Sfs, 0, {2, 3}, {1, 2});
     expect<Kel8u>(kelsSqrt_8u_Sfs, 1, {9, 25, 49}, {2, 2, 4});
+    expect<Kel64s>(kelsSqrt_64s_Sfs, -16, {4294967295}, {4294967295});
+    expect<Kel64s>(kelsSqrt_64s_Sfs, -5, {18014398509481981}, {4294967296});
     expect<Kel16s>(kelsSqrt_16s_Sfs, 9, {4, -1, -32768}, {0, 0, 0}, kelStatusSqrtNegArg);
     expect<Kel16u>(kelsSqrt_16u_Sfs, 8, {65535}, {1});
     expect<Kel16u>(kelsSqrt_16u_Sfs, 9, {65535}, {0});
@@ -325,6 +334,19 @@ TEST(ComplexSquare, DifferenceHasTheFormOfAProduct) {
     ASSERT_EQ(kelsSqr_64fc_I(&x, 1), kelStatusOk);
     EXPECT_EQ(x.re, 0);
     EXPECT_EQ(x.im, HUGE_VAL);
+}
+
+// Where an overflow gives the largest number in place of an infinity.
+TEST(ComplexRoot, OverflowOnTheWayInEveryMode) {
+    for (const std::uint32_t mxcsr : {0x1F80, 0x3F80, 0x5F80, 0x7F80}) {
+        Kel64fc root[] = {{1e200, 1e200}}, square[] = {{1e160, -1e160}, {1.5e154, 1e154}};
+        under({0x037F, mxcsr}, [&] { return kelsSqrt_64fc_I(root, 1); });
+        under({0x037F, mxcsr}, [&] { return kelsSqr_64fc_I(square, 2); });
+        EXPECT_DOUBLE_EQ(root[0].re, 1.0986841134678099e100);
+        EXPECT_DOUBLE_EQ(root[0].im, 4.5508986056222733e99);
+        EXPECT_EQ(square[0].re, 0);
+        EXPECT_DOUBLE_EQ(square[1].re, 1.25e308);
+    }
 }
 
 TEST(CubeRoot, LiteralValues) {

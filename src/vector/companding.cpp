@@ -1,0 +1,196 @@
+// Companding: A-law and mu-law codes, linear samples, and each other.
+//
+// Both laws write a magnitude as a floating-point number of a three-bit exponent and a four-bit fraction. So the codes
+// of linear samples are read from the exponent and the upper fraction of their magnitudes as singles. Codes of one law
+// in the other differ by little, which changes at a few steps.
+
+#include "kels/companding.h"
+
+#include "frame/blocks.h"
+#include "frame/calling_frame.h"
+#include "frame/modes.h"
+#include "frame/numeric.h"
+
+#include <cstdint>
+
+namespace kels {
+namespace {
+
+constexpr int sign_bit = 0x80, code_bits = 0x7F, fraction_bits = 4, fraction_mask = 15;
+
+/// The number of steps at or below x.
+template <int... Steps, class V>
+[[gnu::always_inline]] inline V steps_up_to(V x) {
+    return static_cast<V>(((x >= Steps ? splat<V>(1) : V{}) + ...));
+}
+
+/// Exponent and upper fraction of 16-bit lanes above 0, as an unscaled code.
+template <class V>
+[[gnu::always_inline]] inline V floating_code(V x) {
+    constexpr int kept = 23 - fraction_bits;
+    const auto real = convert<Kel32f>(convert<int>(x));
+    using Bits = Vec<int, lanes<V>>;
+    return convert<Kel16s>(bits_as<Bits>(real) >> splat<Bits>(kept));
+}
+
+/// What `floating_code` gives for the lowest integer of n bits.
+constexpr Kel16s code_of_bits(int n) { return static_cast<Kel16s>((126 + n) << fraction_bits); }
+
+// A law converts the low seven bits of a code, their inversion undone, and magnitudes. A set sign bit is positive.
+
+struct ALaw {
+    static constexpr int inversion = 0x55;
+
+    template <class V>
+    [[gnu::always_inline]] static V expand(V code) {
+        const V fraction = static_cast<V>(static_cast<V>(code & fraction_mask) << splat<V>(fraction_bits));
+        const V exponent = static_cast<V>(code >> splat<V>(fraction_bits));
+        const V leading = code > fraction_mask ? splat<V>(264) : splat<V>(8);
+        const V shift = code > fraction_mask ? static_cast<V>(exponent - 1) : exponent;
+        return shift_each(static_cast<V>(fraction + leading), shift);
+    }
+
+    /// Of a negative sample, 8 less than its absolute value: from -7 on.
+    template <class V>
+    [[gnu::always_inline]] static V magnitude(V x) {
+        return x < 0 ? static_cast<V>(~x - 7) : x;
+    }
+
+    /// The lowest exponent has no leading bit; with one of its own it takes the form of the next. The fraction of a
+    /// negative magnitude has all bits set.
+    template <class V>
+    [[gnu::always_inline]] static V compress(V x) {
+        constexpr int leading = 256, largest_fraction = 240;
+        const V linear = static_cast<V>((x < 0 ? splat<V>(largest_fraction) : x) + leading);
+        const V first = x < leading ? splat<V>(code_of_bits(9)) : splat<V>(code_of_bits(8));
+        return static_cast<V>(floating_code(x < leading ? linear : x) - first);
+    }
+
+    /// The code in mu-law.
+    template <class V>
+    [[gnu::always_inline]] static V recode(V code) {
+        const V shift = code < 8 ? static_cast<V>(code + 1) : splat<V>(8);
+        return static_cast<V>(code + shift - steps_up_to<25, 27, 29, 31, 45, 47, 63, 79>(code));
+    }
+};
+
+struct MuLaw {
+    static constexpr int inversion = 0x7F;
+    static constexpr Kel16s bias = 132, highest = 32767 - bias;
+
+    template <class V>
+    [[gnu::always_inline]] static V expand(V code) {
+        const V fraction = static_cast<V>(static_cast<V>(code & fraction_mask) << splat<V>(3));
+        const V exponent = static_cast<V>(code >> splat<V>(fraction_bits));
+        return static_cast<V>(shift_each(static_cast<V>(fraction + bias), exponent) - bias);
+    }
+
+    /// Limited to what has a code.
+    template <class V>
+    [[gnu::always_inline]] static V magnitude(V x) {
+        const V lowest = splat<V>(-highest), limited = x < lowest ? lowest : x;
+        const V size = limited < 0 ? static_cast<V>(-limited) : limited;
+        return size < highest ? size : splat<V>(highest);
+    }
+
+    template <class V>
+    [[gnu::always_inline]] static V compress(V x) {
+        return static_cast<V>(floating_code(static_cast<V>(x + bias)) - code_of_bits(8));
+    }
+
+    /// The code in A-law.
+    template <class V>
+    [[gnu::always_inline]] static V recode(V code) {
+        const V shift = code < 16 ? static_cast<V>(static_cast<V>(code + 1) >> splat<V>(1)) : splat<V>(8);
+        return static_cast<V>(code - shift + steps_up_to<33, 34, 35, 36, 48, 49, 64, 80>(code));
+    }
+};
+
+template <class From, class To>
+KelStatus recode(const Kel8u* src, Kel8u* dst, int len) {
+    return vector_call({src, dst}, len, [=] {
+        const auto recoded = [](auto x) KELS_INLINE {
+            using Signed = Vec<Kel8s, lanes<decltype(x)>>;
+            const auto code = bits_as<Signed>(x);
+            const auto other = From::recode(static_cast<Signed>((code ^ From::inversion) & code_bits));
+            return bits_as<decltype(x)>(static_cast<Signed>(other ^ To::inversion ^ (code & ~code_bits)));
+        };
+        map_blocks(dst, len, recoded, src);
+    });
+}
+
+template <class Law, class V>
+[[gnu::always_inline]] inline auto decoded(V codes) {
+    const auto code = convert<Kel16s>(codes);
+    using S = std::remove_const_t<decltype(code)>;
+    const S size = Law::expand(static_cast<S>((code ^ Law::inversion) & code_bits));
+    return code < sign_bit ? static_cast<S>(-size) : size;
+}
+
+template <class Law>
+KelStatus decode(const Kel8u* src, Kel16s* dst, int len) {
+    return vector_call({src, dst}, len, [=] {
+        map_blocks(
+            dst, len, [](auto codes) KELS_INLINE { return decoded<Law>(codes); }, src);
+    });
+}
+
+constexpr Kel32f full_scale = 32768;
+
+template <class Law>
+KelStatus decode(const Kel8u* src, Kel32f* dst, int len) {
+    return vector_call({src, dst}, len, [=] {
+        const auto reals = [](auto codes) KELS_INLINE {
+            return convert<Kel32f>(convert<int>(decoded<Law>(codes))) * (1 / full_scale);
+        };
+        map_blocks(dst, len, reals, src);
+    });
+}
+
+template <class Law, class V>
+[[gnu::always_inline]] inline auto encoded(V x) {
+    const V code = static_cast<V>(Law::compress(Law::magnitude(x)) ^ Law::inversion);
+    return convert<Kel8u>(x < 0 ? code : static_cast<V>(code | sign_bit));
+}
+
+template <class Law>
+KelStatus encode(const Kel16s* src, Kel8u* dst, int len) {
+    return vector_call({src, dst}, len, [=] {
+        map_blocks(
+            dst, len, [](auto x) KELS_INLINE { return encoded<Law>(x); }, src);
+    });
+}
+
+template <class Law>
+KelStatus encode(const Kel32f* src, Kel8u* dst, int len) {
+    return vector_call({src, dst}, len, [=] {
+        const DefaultModes modes(!nearest_in_any_mode);
+        const auto codes = [](auto x) KELS_INLINE {
+            using V = decltype(x);
+            const V highest = splat<V>(full_scale - 1), lowest = splat<V>(-full_scale);
+            const V sample = x * full_scale, limited = sample < highest ? sample : highest; // a NaN too
+            return encoded<Law>(convert<Kel16s>(to_integer<false>(limited > lowest ? limited : lowest)));
+        };
+        map_blocks(dst, len, codes, src);
+    });
+}
+
+} // namespace
+} // namespace kels
+
+using namespace kels;
+
+// clang-format off
+extern "C" {
+KelStatus kelsALawToMuLaw_8u  (const Kel8u* a, Kel8u* d, int n)  { return recode<ALaw, MuLaw>(a, d, n); }
+KelStatus kelsMuLawToALaw_8u  (const Kel8u* a, Kel8u* d, int n)  { return recode<MuLaw, ALaw>(a, d, n); }
+KelStatus kelsALawToLin_8u16s (const Kel8u* a, Kel16s* d, int n) { return decode<ALaw>(a, d, n); }
+KelStatus kelsMuLawToLin_8u16s(const Kel8u* a, Kel16s* d, int n) { return decode<MuLaw>(a, d, n); }
+KelStatus kelsALawToLin_8u32f (const Kel8u* a, Kel32f* d, int n) { return decode<ALaw>(a, d, n); }
+KelStatus kelsMuLawToLin_8u32f(const Kel8u* a, Kel32f* d, int n) { return decode<MuLaw>(a, d, n); }
+KelStatus kelsLinToALaw_16s8u (const Kel16s* a, Kel8u* d, int n) { return encode<ALaw>(a, d, n); }
+KelStatus kelsLinToMuLaw_16s8u(const Kel16s* a, Kel8u* d, int n) { return encode<MuLaw>(a, d, n); }
+KelStatus kelsLinToALaw_32f8u (const Kel32f* a, Kel8u* d, int n) { return encode<ALaw>(a, d, n); }
+KelStatus kelsLinToMuLaw_32f8u(const Kel32f* a, Kel8u* d, int n) { return encode<MuLaw>(a, d, n); }
+}
+// clang-format on

@@ -1,0 +1,162 @@
+// Companding, held against its rules with whole numbers, and against tables of the codes in the other law.
+
+#include "kels/companding.h"
+#include "support/control_state.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using kels_test::each;
+using kels_test::Row;
+using kels_test::row;
+
+int decoded_a_law(int code) {
+    const int v = code ^ 0x55, q = v & 15, e = v >> 4 & 7;
+    const int t = e == 0 ? q * 16 + 8 : (q * 16 + 264) * (1 << (e - 1));
+    return v & 0x80 ? t : -t;
+}
+
+int decoded_mu_law(int code) {
+    const int v = ~code, q = v & 15, e = v >> 4 & 7, t = (q * 8 + 132) * (1 << e);
+    return v & 0x80 ? 132 - t : t - 132;
+}
+
+int segment_code(int x) {
+    int s = 0;
+    while ((0x100 << s) - 1 < x) ++s;
+    return s * 16 | (x >> (s == 0 ? 4 : s + 3) & 15);
+}
+
+Kel8u encoded_a_law(int x) { return static_cast<Kel8u>(segment_code(x < 0 ? -x - 8 : x) ^ (x < 0 ? 0x55 : 0xD5)); }
+
+Kel8u encoded_mu_law(int x) {
+    const int mask = x < 0 ? 0x7F : 0xFF, size = (x < 0 ? -x : x) + 132;
+    if (size > 32767) return static_cast<Kel8u>(0x7F ^ mask);
+    return static_cast<Kel8u>((size < 256 ? size >> 3 & 15 : segment_code(size)) ^ mask);
+}
+
+/// 16-bit samples of singles.
+int sample(Kel32f x) {
+    const long double scaled = static_cast<long double>(x) * 32768;
+    if (std::isnan(x) || scaled > 32767) return 32767;
+    return scaled < -32768 ? -32768 : static_cast<int>(std::nearbyint(scaled));
+}
+
+// The codes of one law in the other, without signs and inversions, as runs of numbers in steps of one.
+
+std::vector<int> runs(std::initializer_list<std::pair<int, int>> list) {
+    std::vector<int> all;
+    for (const auto& [from, to] : list)
+        for (int y = from; y <= to; ++y) all.push_back(y);
+    return all;
+}
+
+const std::vector<int>& mu_law_of_a_law() {
+    static const std::vector<int> codes =
+        runs({{1, 1},   {3, 3},   {5, 5},   {7, 7},   {9, 9},   {11, 11}, {13, 13}, {15, 15},
+              {16, 32}, {32, 32}, {33, 33}, {33, 33}, {34, 34}, {34, 34}, {35, 35}, {35, 35},
+              {36, 48}, {48, 48}, {49, 49}, {49, 49}, {50, 64}, {64, 79}, {79, 127}});
+    return codes;
+}
+
+const std::vector<int>& a_law_of_mu_law() {
+    static const std::vector<int> codes =
+        runs({{0, 0},   {0, 0},   {1, 1},   {1, 1},   {2, 2},   {2, 2},   {3, 3},   {3, 3},  {4, 4},
+              {4, 4},   {5, 5},   {5, 5},   {6, 6},   {6, 6},   {7, 7},   {7, 7},   {8, 24}, {26, 26},
+              {28, 28}, {30, 30}, {32, 43}, {45, 45}, {47, 61}, {63, 78}, {80, 127}});
+    return codes;
+}
+
+constexpr auto a_law_to_mu_law = each([](Kel8u a) {
+    const bool positive = a >= 0x80;
+    const int y = mu_law_of_a_law()[a ^ (positive ? 0xD5 : 0x55)];
+    return static_cast<Kel8u>(y ^ (positive ? 0xFF : 0x7F));
+});
+constexpr auto mu_law_to_a_law = each([](Kel8u u) {
+    const bool positive = u >= 0x80;
+    const int y = a_law_of_mu_law()[u ^ (positive ? 0xFF : 0x7F)];
+    return static_cast<Kel8u>(y ^ (positive ? 0xD5 : 0x55));
+});
+
+template <int (*Decoded)(int)>
+constexpr auto to_integers = each([](Kel8u code) { return static_cast<Kel16s>(Decoded(code)); });
+template <int (*Decoded)(int)>
+constexpr auto to_reals = each([](Kel8u code) { return static_cast<Kel32f>(Decoded(code) / 32768.0); });
+template <Kel8u (*Encoded)(int)>
+constexpr auto of_integers = each([](Kel16s x) { return Encoded(x); });
+template <Kel8u (*Encoded)(int)>
+constexpr auto of_reals = each([](Kel32f x) { return Encoded(sample(x)); });
+
+const Row rows[] = {
+    row(kelsALawToMuLaw_8u, a_law_to_mu_law),
+    row(kelsMuLawToALaw_8u, mu_law_to_a_law),
+    row(kelsALawToLin_8u16s, to_integers<decoded_a_law>),
+    row(kelsMuLawToLin_8u16s, to_integers<decoded_mu_law>),
+    row(kelsALawToLin_8u32f, to_reals<decoded_a_law>),
+    row(kelsMuLawToLin_8u32f, to_reals<decoded_mu_law>),
+    row(kelsLinToALaw_16s8u, of_integers<encoded_a_law>),
+    row(kelsLinToMuLaw_16s8u, of_integers<encoded_mu_law>),
+    row(kelsLinToALaw_32f8u, of_reals<encoded_a_law>).range(-1.1, 1.1),
+    row(kelsLinToMuLaw_32f8u, of_reals<encoded_mu_law>).range(-1.1, 1.1),
+};
+
+const bool registered = kels_test::add_rows("Companding", rows);
+
+template <class T, class R>
+void expect(KelStatus (*function)(const T*, R*, int), const std::vector<T>& x, const std::vector<R>& want) {
+    std::vector<R> d(x.size());
+    ASSERT_EQ(function(x.data(), d.data(), static_cast<int>(x.size())), kelStatusOk);
+    EXPECT_EQ(d, want);
+}
+
+TEST(Companding, LiteralValues) {
+    expect<Kel16s, Kel8u>(kelsLinToALaw_16s8u, {0, -1, -7, -8, 32767, -32768}, {0xD5, 0x5A, 0x5A, 0x55, 0xAA, 0x2A});
+    expect<Kel16s, Kel8u>(kelsLinToMuLaw_16s8u, {0, -1, 32767, 32635, -32768}, {0xFF, 0x7F, 0x80, 0x80, 0x00});
+    expect<Kel8u, Kel16s>(kelsALawToLin_8u16s, {0xD5, 0x55, 0xAA, 0x2A}, {8, -8, 32256, -32256});
+    expect<Kel8u, Kel16s>(kelsMuLawToLin_8u16s, {0xFF, 0x7F, 0x00, 0x80}, {0, 0, -32124, 32124});
+    expect<Kel8u, Kel8u>(kelsALawToMuLaw_8u, {26, 154}, {48, 176});
+    expect<Kel8u, Kel8u>(kelsMuLawToALaw_8u, {47, 175}, {5, 133});
+    const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
+    expect<Kel32f, Kel8u>(kelsLinToMuLaw_32f8u, {1, 7e37F, HUGE_VALF, nan, -nan, -1, -2, -HUGE_VALF},
+                          {0x80, 0x80, 0x80, 0x80, 0x80, 0x00, 0x00, 0x00});
+}
+
+// Halves of a sample where the code changes, in every mode.
+TEST(Companding, SinglesRoundToNearestEven) {
+    const kels_test::KeepControlState keep;
+    std::vector<Kel32f> x;
+    std::vector<Kel8u> want;
+    for (int i = -32768; i < 32767; ++i) {
+        x.push_back((static_cast<Kel32f>(i) + 0.5F) / 32768);
+        want.push_back(encoded_a_law(i % 2 == 0 ? i : i + 1));
+    }
+    expect(kelsLinToALaw_32f8u, x, want);
+    for (const auto& modes : kels_test::odd_modes) {
+        modes.load();
+        std::vector<Kel8u> d(x.size());
+        kelsLinToALaw_32f8u(x.data(), d.data(), static_cast<int>(x.size()));
+        EXPECT_TRUE(d == want);
+    }
+}
+
+TEST(Companding, CodesComeBack) {
+    std::vector<Kel8u> codes(256), back(256);
+    std::iota(codes.begin(), codes.end(), Kel8u{0});
+    std::vector<Kel16s> samples(256);
+    kelsALawToLin_8u16s(codes.data(), samples.data(), 256);
+    kelsLinToALaw_16s8u(samples.data(), back.data(), 256);
+    EXPECT_EQ(back, codes);
+    kelsMuLawToLin_8u16s(codes.data(), samples.data(), 256);
+    kelsLinToMuLaw_16s8u(samples.data(), back.data(), 256);
+    codes[0x7F] = 0xFF; // the other zero
+    EXPECT_EQ(back, codes);
+}
+
+} // namespace

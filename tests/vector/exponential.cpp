@@ -1,0 +1,385 @@
+// Exponentials, logarithms and their sums, against extended precision and, for integer results, against exact rounding
+// at every element where a result changes.
+
+#include "kels/exponential.h"
+#include "kels/services.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <numbers>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::each;
+using kels_test::in_place;
+using kels_test::Random;
+using kels_test::reduced;
+using kels_test::reduction;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::whole;
+using kels_test::Within;
+
+template <class T>
+using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+
+template <class T>
+constexpr Bits<T> quiet_nan = std::bit_cast<Bits<T>>(std::numeric_limits<T>::quiet_NaN());
+template <class T>
+constexpr Bits<T> sign_bit = std::bit_cast<Bits<T>>(T{-0.0});
+
+template <class T>
+T from_bits(Bits<T> bits) {
+    return std::bit_cast<T>(bits);
+}
+
+// Real numbers
+
+Kel32f exp_single(Kel32f x) {
+    const auto bits = std::bit_cast<std::uint32_t>(x), sign = bits & sign_bit<Kel32f>;
+    if ((bits & quiet_nan<Kel32f>) == quiet_nan<Kel32f>) return from_bits<Kel32f>(quiet_nan<Kel32f> | sign);
+    if (std::isnan(x)) return sign ? 0 : HUGE_VALF; // a signalling one
+    if (x <= -87.33650207519531) return 0;
+    if (x >= 87.0999984741211) return HUGE_VALF;
+    return static_cast<Kel32f>(std::exp(static_cast<long double>(x)));
+}
+
+Kel64f exp_double(Kel64f x) {
+    if (std::isnan(x))
+        return from_bits<Kel64f>(quiet_nan<Kel64f> | (std::bit_cast<std::uint64_t>(x) & sign_bit<Kel64f>));
+    if (x <= -708.3935546875) return 0;
+    if (x * 1.4426950408889634L >= 1023.5L) return HUGE_VAL;
+    return static_cast<Kel64f>(std::exp(static_cast<long double>(x)));
+}
+
+constexpr auto singles = each([](Kel32f x) { return exp_single(x); });
+constexpr auto doubles = each([](auto x) { return exp_double(x); });
+
+template <class T>
+KelStatus offence(T x) {
+    if (std::is_floating_point_v<T> ? std::signbit(static_cast<double>(x)) : x < 0) return kelStatusLnNegArg;
+    return x == 0 ? kelStatusLnZeroArg : kelStatusOk;
+}
+
+/// Every element by a reference of its own, the status by the first one without a logarithm.
+template <class F>
+struct Logarithms {
+    template <class T, class R, class... Scale>
+    KelStatus operator()(const T* x, R* d, int len, Scale... scale) const {
+        KelStatus status = kelStatusOk;
+        for (int i = 0; i < len; ++i) {
+            if (status == kelStatusOk) status = offence(x[i]);
+            d[i] = F{}.template operator()<R>(x[i], scale...);
+        }
+        return status;
+    }
+};
+
+struct RealLogarithm {
+    template <class R, class T>
+    R operator()(T x) const {
+        if (std::signbit(x)) return from_bits<R>(quiet_nan<R> | sign_bit<R>);
+        if (x == 0) return -std::numeric_limits<R>::infinity();
+        if (std::isnan(x)) return from_bits<R>(quiet_nan<R>);
+        return static_cast<R>(std::log(static_cast<long double>(x)));
+    }
+};
+
+// Integers
+
+/// e^x for integers x: the sum of two extended numbers, 128 bits in all, by repeated multiplication.
+struct Pair {
+    long double high, low;
+};
+
+Pair product(Pair a, Pair b) {
+    const long double p = a.high * b.high;
+    const long double rest = std::fma(a.high, b.high, -p) + (a.high * b.low + a.low * b.high), sum = p + rest;
+    return {sum, (p - sum) + rest};
+}
+
+Pair power_of_e(int x) {
+    static const std::vector<Pair> powers = [] {
+        constexpr int most = 800;
+        const Pair e = {2.71828182845904523542816810799L, -6.78806366412778411699004680165e-20L};
+        const Pair inverse = {0.367879441171442321583057513679L, 1.24662564828002125133326469466e-20L};
+        std::vector<Pair> table(2 * most + 1);
+        table[most] = {1, 0};
+        for (int k = 1; k <= most; ++k) {
+            table[most + k] = product(table[most + k - 1], e);
+            table[most - k] = product(table[most - k + 1], inverse);
+        }
+        return table;
+    }();
+    return powers[800 + x];
+}
+
+/// e^x 2^-factor, rounded to nearest, halves up, limited.
+template <class T>
+T exp_integer(std::int64_t x, std::int64_t factor) {
+    const long double exponent =
+        static_cast<long double>(x) * std::numbers::log2e_v<long double> - static_cast<long double>(factor);
+    if (exponent > 64) return std::numeric_limits<T>::max();
+    if (exponent < -2) return 0;
+    EXPECT_LE(std::abs(x), 800) << "no reference";
+    const Pair power = power_of_e(static_cast<int>(x));
+    const long double high = std::ldexp(power.high, static_cast<int>(-factor));
+    const long double low = std::ldexp(power.low, static_cast<int>(-factor));
+    const long double whole = std::floor(high), rest = (high - whole) + low;
+    const long double rounded = whole + std::floor(rest + 0.5L);
+    constexpr T most = std::numeric_limits<T>::max();
+    return rounded >= static_cast<long double>(most) ? most : static_cast<T>(rounded);
+}
+
+constexpr auto integers = each([]<class T>(T x, int factor) { return exp_integer<T>(x, factor); });
+
+constexpr Kel64s most_long = std::numeric_limits<Kel64s>::max();
+
+constexpr auto longs = each([](Kel64s x, int factor) -> Kel64s {
+    if (factor == 0) return x < 0 ? 0 : exp_integer<Kel64s>(x, 0);
+    if (factor == 1 && x == 44) return 0x592D071B4DE0C7FA;
+    if (factor == 1) return x < 0 ? 0 : x > 44 ? most_long : (exp_integer<Kel64s>(x, 0) + 1) >> 1;
+    if (factor == -1) return x < -1 ? 0 : x == -1 ? 1 : x > 42 ? most_long : 2 * exp_integer<Kel64s>(x, 0);
+    if (x >= 710) return most_long;
+    return x <= -709 ? 0 : exp_integer<Kel64s>(x, factor);
+});
+
+/// The integer nearest to ln x.
+int rounded_logarithm(std::int64_t x) { return static_cast<int>(std::lrint(std::log(static_cast<long double>(x)))); }
+
+/// As it is stated: of halves of x, so often that their squares fit in 16 bits.
+int doubled_logarithm(int x) {
+    const auto square = [](int v) { return rounded_logarithm(static_cast<std::int64_t>(v) * v); };
+    if (x <= 181) return square(x);
+    int n = 0, v = x;
+    for (; v > 181; v >>= 1) ++n;
+    int sum = square(v), w = 0;
+    do {
+        w = 1 << n;
+        int u = w, m = 0;
+        for (; u > 181; u >>= 1) ++m;
+        sum += square(u);
+        n = m;
+    } while (w > 181);
+    return sum;
+}
+
+Kel16s enlarged_logarithm(std::int64_t x, int factor) {
+    const long double exact = std::ldexp(std::log(static_cast<long double>(x)), -std::clamp(factor, -40, 40));
+    return exact >= 32767 ? Kel16s{32767} : static_cast<Kel16s>(std::floor(exact + 0.5L));
+}
+
+struct IntegerLogarithm {
+    template <class R>
+    R operator()(Kel16s x, int factor) const {
+        if (x <= 0) return 0;
+        return factor == -1 ? static_cast<R>(doubled_logarithm(x)) : enlarged_logarithm(x, factor);
+    }
+    template <class R>
+    R operator()(Kel32s x, int factor) const {
+        if (x <= 0) return 0;
+        if (factor >= 0) return static_cast<R>(rounded_logarithm(x) >> std::min(factor, 31));
+        return enlarged_logarithm(x, factor);
+    }
+};
+
+// Sums
+
+template <class T>
+bool is_quiet_nan(T x) {
+    if constexpr (std::is_floating_point_v<T>)
+        return (std::bit_cast<Bits<T>>(x) & quiet_nan<T>) == quiet_nan<T>;
+    else
+        return false;
+}
+
+template <class R>
+struct Sum {
+    template <class T>
+    KelStatus operator()(const T* x, R* sum, int len) const {
+        long double total = 0;
+        for (int i = 0; i < len; ++i) {
+            const KelStatus status = offence(x[i]);
+            const bool ends = status != kelStatusOk;
+            if (ends && std::is_integral_v<T>)
+                *sum = 0;
+            else if (status == kelStatusLnNegArg)
+                *sum = static_cast<R>(kelConstantOfNAN_64f);
+            else if (status == kelStatusLnZeroArg)
+                *sum = -std::numeric_limits<R>::infinity();
+            if (ends) return status;
+            if (std::is_floating_point_v<T> && is_quiet_nan(x[i])) {
+                *sum = -static_cast<R>(kelConstantOfNAN_64f);
+                return kelStatusOk;
+            }
+            total += std::log(static_cast<long double>(x[i]));
+        }
+        *sum = static_cast<R>(total);
+        return kelStatusOk;
+    }
+};
+
+constexpr auto logarithms = whole(Logarithms<RealLogarithm>{});
+constexpr auto integer_logarithms = whole(Logarithms<IntegerLogarithm>{});
+
+// clang-format off
+const Row rows[] = {
+    row(kelsExp_32f, singles).ulps(1).range(-90, 90),     in_place(kelsExp_32f_I, singles).ulps(1),
+    row(kelsExp_64f, doubles).ulps(1).range(-712, 712),   in_place(kelsExp_64f_I, doubles).ulps(1),
+    row(kelsExp_32f64f, doubles).ulps(1).range(-712, 712),
+    row(kelsExp_16s_Sfs, integers),                       in_place(kelsExp_16s_ISfs, integers),
+    row(kelsExp_32s_Sfs, integers).range(-60, 60),        in_place(kelsExp_32s_ISfs, integers),
+    row(kelsExp_64s_Sfs, longs).range(-80, 80),           in_place(kelsExp_64s_ISfs, longs),
+
+    row(kelsLn_32f, logarithms).ulps(1),                  in_place(kelsLn_32f_I, logarithms).ulps(1),
+    row(kelsLn_64f, logarithms).ulps(1),                  in_place(kelsLn_64f_I, logarithms).ulps(1),
+    row(kelsLn_64f32f, logarithms).ulps(1),
+    row(kelsLn_16s_Sfs, integer_logarithms),              in_place(kelsLn_16s_ISfs, integer_logarithms),
+    row(kelsLn_32s16s_Sfs, integer_logarithms),
+
+    reduction(kelsSumLn_32f, whole(Sum<Kel32f>{})).ulps(1).range(0.01, 100),
+    reduction(kelsSumLn_64f, whole(Sum<Kel64f>{})).ulps(1).range(0.01, 100),
+    reduction(kelsSumLn_32f64f, whole(Sum<Kel64f>{})).ulps(1).range(0.01, 100),
+    reduction(kelsSumLn_16s32f, whole(Sum<Kel32f>{})).ulps(1).range(-3, 32767),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Exponential", rows);
+
+// Literal values
+
+template <class R, class T, class... Scale>
+R one(KelStatus (*function)(const T*, R*, int, Scale...), T x, Scale... scale) {
+    R result{};
+    EXPECT_GE(function(&x, &result, 1, scale...), kelStatusOk);
+    return result;
+}
+
+TEST(Exponential, EndsWhereItIsStated) {
+    const auto next = [](auto x, int steps) {
+        return from_bits<decltype(x)>(std::bit_cast<Bits<decltype(x)>>(x) + steps);
+    };
+    EXPECT_EQ(one(kelsExp_32f, 87.1F), HUGE_VALF);
+    EXPECT_TRUE(std::isfinite(one(kelsExp_32f, next(from_bits<Kel32f>(0x42AE3333), -1))));
+    EXPECT_EQ(one(kelsExp_32f, from_bits<Kel32f>(0x42AE3333)), HUGE_VALF);
+    EXPECT_EQ(one(kelsExp_32f, from_bits<Kel32f>(0xC2AEAC4A)), 0);
+    EXPECT_GE(one(kelsExp_32f, from_bits<Kel32f>(0xC2AEAC49)), std::numeric_limits<Kel32f>::min());
+    EXPECT_EQ(one(kelsExp_32f, 1e-8F), 1);
+    EXPECT_EQ(one(kelsExp_64f, -1000.0), 0);
+    EXPECT_EQ(one(kelsExp_64f, 710.0), HUGE_VAL);
+    EXPECT_EQ(one(kelsExp_64f, 709.436139303104), HUGE_VAL);
+    EXPECT_TRUE(std::isfinite(one(kelsExp_64f, next(709.436139303104, -1))));
+    EXPECT_EQ(one(kelsExp_64f, -708.3935546875), 0);
+    EXPECT_GE(one(kelsExp_64f, next(-708.3935546875, -1)), std::numeric_limits<Kel64f>::min());
+}
+
+TEST(Exponential, LiteralIntegers) {
+    const auto expect = [](auto function, auto x, int factor, auto want) {
+        EXPECT_EQ(one(function, x, factor), want) << x << " by " << factor;
+    };
+    expect(kelsExp_16s_Sfs, Kel16s{0}, 1, 1);
+    expect(kelsExp_16s_Sfs, Kel16s{0}, 2, 0);
+    expect(kelsExp_16s_Sfs, Kel16s{10}, 0, 22026);
+    expect(kelsExp_16s_Sfs, Kel16s{11}, 0, 32767);
+    expect(kelsExp_32s_Sfs, 28, 40, 1);
+    expect(kelsExp_64s_Sfs, Kel64s{43}, 0, 4727839468229346561);
+    expect(kelsExp_64s_Sfs, Kel64s{44}, 0, most_long);
+    expect(kelsExp_64s_Sfs, Kel64s{44}, 1, 0x592D071B4DE0C7FA);
+    expect(kelsExp_64s_Sfs, Kel64s{1}, -1, 6);
+    expect(kelsExp_64s_Sfs, Kel64s{709}, 2000, 0);
+    expect(kelsExp_64s_Sfs, Kel64s{710}, INT_MAX, most_long);
+    expect(kelsExp_64s_Sfs, Kel64s{-708}, INT_MIN, most_long);
+    expect(kelsExp_64s_Sfs, Kel64s{-709}, INT_MIN, 0);
+    expect(kelsExp_64s_Sfs, Kel64s{-708}, -1023, 3);
+    expect(kelsLn_16s_Sfs, Kel16s{32767}, -1, 21);
+    expect(kelsLn_16s_Sfs, Kel16s{2}, -14, 11357);
+    expect(kelsLn_16s_Sfs, Kel16s{1}, INT_MIN, 0);
+    expect(kelsLn_16s_Sfs, Kel16s{32767}, INT_MAX, 0);
+    expect(kelsLn_32s16s_Sfs, INT_MAX, 0, 21);
+    expect(kelsLn_32s16s_Sfs, INT_MAX, 1, 10);
+    expect(kelsLn_32s16s_Sfs, INT_MAX, 32, 0);
+}
+
+// Factors that tables do not reach: e^x 2^-factor is about 2^20 for every x.
+TEST(Exponential, FollowsFactorsOfAnySize) {
+    for (int x = -790; x <= 790; ++x) {
+        const int factor = static_cast<int>(std::lround(x * 1.4426950408889634)) - 20;
+        ASSERT_EQ(one(kelsExp_32s_Sfs, x, factor), exp_integer<Kel32s>(x, factor)) << x;
+        ASSERT_EQ(one(kelsExp_16s_Sfs, static_cast<Kel16s>(x), factor + 8), exp_integer<Kel16s>(x, factor + 8)) << x;
+    }
+}
+
+// Every value of 16 bits with every factor that changes anything, and the integers on both sides of every place where
+// the logarithm of one of 32 bits rounds to another integer.
+TEST(Logarithm, EveryShortAndEveryStep) {
+    std::vector<Kel16s> x(65536), d(65536);
+    for (int i = 0; i < 65536; ++i) x[i] = static_cast<Kel16s>(i);
+    for (int factor = -18; factor <= 6; ++factor) {
+        ASSERT_EQ(kelsLn_16s_Sfs(x.data(), d.data(), 65536, factor), kelStatusLnZeroArg);
+        for (int i = 0; i < 65536; ++i)
+            ASSERT_EQ(d[i], IntegerLogarithm{}.operator()<Kel16s>(x[i], factor)) << x[i] << " by " << factor;
+    }
+    for (int factor = -17; factor <= 0; ++factor)
+        for (int result = 1; result <= 32767; ++result) {
+            const long double at = std::exp(std::ldexp(result - 0.5L, factor));
+            if (at >= 2147483646) break;
+            const auto below = static_cast<Kel32s>(at);
+            const Kel32s pair[] = {below, below + 1};
+            Kel16s got[2];
+            ASSERT_EQ(kelsLn_32s16s_Sfs(pair, got, 2, factor), kelStatusOk);
+            for (int i : {0, 1})
+                ASSERT_EQ(got[i], IntegerLogarithm{}.operator()<Kel16s>(pair[i], factor))
+                    << pair[i] << " by " << factor;
+        }
+}
+
+TEST(Logarithm, FirstOffenderDecides) {
+    const auto status = [](std::vector<Kel32f> x) { return kelsLn_32f_I(x.data(), static_cast<int>(x.size())); };
+    EXPECT_EQ(status({1, 0, -1}), kelStatusLnZeroArg);
+    EXPECT_EQ(status({-1, 0}), kelStatusLnNegArg);
+    EXPECT_EQ(status({1, -0.0F, 0}), kelStatusLnNegArg);
+    std::vector<Kel32f> far(5000, 2.0F);
+    far[4999] = 0;
+    far[1500] = -1;
+    EXPECT_EQ(status(far), kelStatusLnNegArg);
+    Kel16s shorts[] = {1, 0, -1};
+    EXPECT_EQ(kelsLn_16s_ISfs(shorts, 3, 0), kelStatusLnZeroArg);
+}
+
+TEST(SumOfLogarithms, NeitherOverflowsNorCancels) {
+    std::vector<Kel32f> large(20000, 1e30F);
+    Kel32f sum = 0;
+    ASSERT_EQ(kelsSumLn_32f(large.data(), 20000, &sum), kelStatusOk);
+    EXPECT_EQ(sum, static_cast<Kel32f>(20000 * std::log(static_cast<long double>(1e30F))));
+    // Close to 1 from both sides, so that the sum is small beside the exponents' share.
+    Random random("close to 1");
+    std::vector<Kel64f> close(10001);
+    long double want = 0, size = 0;
+    for (Kel64f& x : close) {
+        x = 1 + random.uniform(-1e-6, 1e-6);
+        want += std::log1p(static_cast<long double>(x) - 1);
+        size += std::fabs(static_cast<long double>(x) - 1);
+    }
+    Kel64f got = 0;
+    ASSERT_EQ(kelsSumLn_64f(close.data(), 10001, &got), kelStatusOk);
+    EXPECT_NEAR(got, static_cast<double>(want),
+                static_cast<double>(std::fabs(want) * 0x1p-52L + 10001 * 0x1p-64L * size));
+    const Kel64f ends[] = {2, -HUGE_VAL, 0};
+    EXPECT_EQ(kelsSumLn_64f(ends, 3, &got), kelStatusLnNegArg);
+    const Kel64f infinite[] = {2, HUGE_VAL, 0x1p-1074};
+    EXPECT_EQ(kelsSumLn_64f(infinite, 3, &got), kelStatusOk);
+    EXPECT_EQ(got, HUGE_VAL);
+}
+
+} // namespace

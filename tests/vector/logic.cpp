@@ -1,0 +1,110 @@
+// Logic and shifts, held against single bits.
+
+#include "kels/logic.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <initializer_list>
+
+namespace {
+
+using kels_test::each;
+using kels_test::in_place;
+using kels_test::Row;
+using kels_test::row;
+
+// The arguments may come in either order.
+constexpr auto conjunction = each([]<class T>(T a, T b) { return static_cast<T>(a & b); });
+constexpr auto disjunction = each([]<class T>(T a, T b) { return static_cast<T>(a + b - (a & b)); });
+constexpr auto difference = each([]<class T>(T a, T b) { return static_cast<T>(a + b - 2 * (a & b)); });
+constexpr auto complement = each([]<class T>(T a) { return static_cast<T>(-1 - a); });
+
+/// The product with 2^shift, whose upper bits are lost.
+constexpr auto shifted_left = each([]<class T>(T x, int shift) {
+    return shift >= 64 ? T{0} : static_cast<T>(static_cast<unsigned long long>(x) << shift);
+});
+
+/// The quotient by 2^shift, rounded down.
+constexpr auto shifted_right = each([]<class T>(T x, int shift) {
+    return static_cast<T>(std::floor(std::ldexp(static_cast<long double>(x), -std::min(shift, 100))));
+});
+
+constexpr std::initializer_list<double> shifts = {0, 1, 3, 7, 8, 9, 15, 16, 17, 31, 32, INT_MAX};
+
+// clang-format off
+const Row rows[] = {
+    row(kelsAnd_8u, conjunction),                          in_place(kelsAnd_8u_I, conjunction),
+    row(kelsAnd_16u, conjunction),                         in_place(kelsAnd_16u_I, conjunction),
+    row(kelsAndC_8u, conjunction),                         in_place(kelsAndC_8u_I, conjunction),
+    row(kelsAndC_16u, conjunction),                        in_place(kelsAndC_16u_I, conjunction),
+
+    row(kelsOr_8u, disjunction),                           in_place(kelsOr_8u_I, disjunction),
+    row(kelsOr_16u, disjunction),                          in_place(kelsOr_16u_I, disjunction),
+    row(kelsOrC_8u, disjunction),                          in_place(kelsOrC_8u_I, disjunction),
+    row(kelsOrC_16u, disjunction),                         in_place(kelsOrC_16u_I, disjunction),
+
+    row(kelsXor_8u, difference),                           in_place(kelsXor_8u_I, difference),
+    row(kelsXor_16u, difference),                          in_place(kelsXor_16u_I, difference),
+    row(kelsXorC_8u, difference),                          in_place(kelsXorC_8u_I, difference),
+    row(kelsXorC_16u, difference),                         in_place(kelsXorC_16u_I, difference),
+
+    row(kelsNot_8u, complement),                           in_place(kelsNot_8u_I, complement),
+    row(kelsNot_16u, complement),                          in_place(kelsNot_16u_I, complement),
+
+    row(kelsLShiftC_8u, shifted_left).values(0, shifts),   in_place(kelsLShiftC_8u_I, shifted_left).values(0, shifts),
+    row(kelsLShiftC_16u, shifted_left).values(0, shifts),  in_place(kelsLShiftC_16u_I, shifted_left).values(0, shifts),
+    row(kelsLShiftC_16s, shifted_left).values(0, shifts),  in_place(kelsLShiftC_16s_I, shifted_left).values(0, shifts),
+    row(kelsLShiftC_32s, shifted_left).values(0, shifts),  in_place(kelsLShiftC_32s_I, shifted_left).values(0, shifts),
+
+    row(kelsRShiftC_8u, shifted_right).values(0, shifts),  in_place(kelsRShiftC_8u_I, shifted_right).values(0, shifts),
+    row(kelsRShiftC_16u, shifted_right).values(0, shifts), in_place(kelsRShiftC_16u_I, shifted_right).values(0, shifts),
+    row(kelsRShiftC_16s, shifted_right).values(0, shifts), in_place(kelsRShiftC_16s_I, shifted_right).values(0, shifts),
+    row(kelsRShiftC_32s, shifted_right).values(0, shifts), in_place(kelsRShiftC_32s_I, shifted_right).values(0, shifts),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Logic", rows);
+
+TEST(Shift, NegativeShiftStoresNothing) {
+    const Kel8u x[] = {1, 2};
+    Kel8u d[] = {77, 77};
+    for (int shift : {-1, INT_MIN}) {
+        EXPECT_EQ(kelsLShiftC_8u(x, shift, d, 2), kelStatusNegShift);
+        EXPECT_EQ(kelsRShiftC_8u(x, shift, d, 2), kelStatusNegShift);
+        Kel32s y[] = {5, -5};
+        EXPECT_EQ(kelsLShiftC_32s_I(shift, y, 2), kelStatusNegShift);
+        EXPECT_EQ(kelsRShiftC_32s_I(shift, y, 2), kelStatusNegShift);
+        EXPECT_TRUE(y[0] == 5 && y[1] == -5);
+    }
+    EXPECT_TRUE(d[0] == 77 && d[1] == 77);
+    EXPECT_EQ(kelsLShiftC_8u(x, -1, d, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsRShiftC_8u(nullptr, -1, d, 0), kelStatusNullPtr);
+}
+
+TEST(Shift, EveryCountOfEveryByte) {
+    Kel8u x[256], left[256], right[256];
+    for (int i = 0; i < 256; ++i) x[i] = static_cast<Kel8u>(i);
+    for (int shift = 0; shift < 10; ++shift) {
+        ASSERT_EQ(kelsLShiftC_8u(x, shift, left, 256), kelStatusOk);
+        ASSERT_EQ(kelsRShiftC_8u(x, shift, right, 256), kelStatusOk);
+        for (int i = 0; i < 256; ++i) {
+            ASSERT_EQ(left[i], (i << shift) % 256) << i << " by " << shift;
+            ASSERT_EQ(right[i], i >> shift) << i << " by " << shift;
+        }
+    }
+}
+
+TEST(Shift, SignedElements) {
+    Kel16s x[] = {-5, 5, -32768};
+    ASSERT_EQ(kelsRShiftC_16s_I(16, x, 3), kelStatusOk);
+    EXPECT_TRUE(x[0] == -1 && x[1] == 0 && x[2] == -1);
+    Kel32s y[] = {-3, -1};
+    ASSERT_EQ(kelsRShiftC_32s_I(1, y, 2), kelStatusOk);
+    EXPECT_TRUE(y[0] == -2 && y[1] == -1);
+}
+
+} // namespace

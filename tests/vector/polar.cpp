@@ -1,0 +1,382 @@
+// Arctangents, phases, magnitudes and conversions between coordinates, against extended precision; integer magnitudes
+// against the integers that their squares lie between.
+
+#include "kels/polar.h"
+#include "support/control_state.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cfenv>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::each;
+using kels_test::in_place;
+using kels_test::Random;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::whole;
+
+template <class T>
+using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+
+/// A reference of both parts, for points of either form.
+template <class F>
+constexpr auto of_points(F) {
+    return each([](auto a, auto... more) {
+        if constexpr (ComplexSample<decltype(a)>)
+            return F{}(a.re, a.im, more...);
+        else
+            return F{}(a, more...);
+    });
+}
+
+// Angles
+
+constexpr auto arctangent = each([]<class T>(T x) -> long double {
+    if (std::isnan(x)) {
+        const bool quiet = (std::bit_cast<Bits<T>>(x) >> (std::numeric_limits<T>::digits - 2)) & 1;
+        if (quiet) return x;
+        return std::copysign(std::atan(HUGE_VALL), static_cast<long double>(x));
+    }
+    return std::atan(static_cast<long double>(x)) + 0.0L;
+});
+
+struct Phase {
+    template <class T>
+    long double operator()(T re, T im) const {
+        return std::atan2(static_cast<long double>(im), static_cast<long double>(re));
+    }
+};
+
+/// The line that stands for the angle when there is no factor.
+double first_order(double x, double y) {
+    if (x == 0 && y == 0) return 0;
+    const double r = std::fabs(y) + 1e-10;
+    const double angle = x >= 0 ? (x - r) / (x + r) * -0.7853981633974483 + 0.7853981633974483
+                                : (x + r) / (r - x) * -0.7853981633974483 + 2.356194490192345;
+    return y >= 0 ? angle : -angle;
+}
+
+struct IntegerPhase {
+    Kel16s operator()(Kel16s re, Kel16s im, int factor) const {
+        const long double angle =
+            factor == 0 ? first_order(re, im) : std::ldexp(Phase{}(re, im), -std::clamp(factor, -60, 60));
+        return static_cast<Kel16s>(std::clamp(std::round(angle), -32768.0L, 32767.0L));
+    }
+};
+
+// Magnitudes
+
+long double to_24_bits(long double x) {
+    int e = 0;
+    const long double m = std::frexp(x, &e);
+    return std::isfinite(x) ? std::ldexp(std::nearbyint(std::ldexp(m, 24)), e - 24) : x;
+}
+
+struct Magnitude {
+    template <class T>
+    auto operator()(T re, T im) const {
+        const long double a = re, b = im;
+        if constexpr (sizeof(T) == 8)
+            return static_cast<Kel64f>(std::sqrt(a * a + b * b));
+        else
+            return static_cast<Kel32f>(to_24_bits(std::sqrt(to_24_bits(to_24_bits(a * a) + to_24_bits(b * b)))));
+    }
+};
+
+/// The largest integer whose square is at most v.
+std::uint64_t root_below(std::uint64_t v) {
+    auto n = static_cast<std::uint64_t>(std::sqrt(static_cast<long double>(v)));
+    while (n > 0 && n * n > v) --n;
+    while ((n + 1) * (n + 1) <= v && n < 4294967295U) ++n;
+    return n;
+}
+
+template <class T>
+std::uint64_t squared(T re, T im) {
+    const auto square = [](std::int64_t x) { return static_cast<std::uint64_t>(x) * static_cast<std::uint64_t>(x); };
+    return square(re) + square(im);
+}
+
+struct IntegerMagnitude {
+    /// To nearest, ties to even; as the caller rounds where 16 bits are scaled up, and with 32 bits.
+    template <class T>
+    T operator()(T re, T im, int factor) const {
+        constexpr std::uint64_t most = std::numeric_limits<T>::max();
+        const std::uint64_t v = squared(re, im);
+        if (v == 0 || factor > 32) return 0;
+        if (factor < -31) return static_cast<T>(most);
+        const bool by_caller = factor < 0 || (sizeof(T) == 4 && (factor == 0 || std::fegetround() != FE_TONEAREST));
+        if (by_caller) { // the root of v 4^-factor, which is no tie
+            const long double wide = std::sqrt(static_cast<long double>(v)) * std::ldexp(1.0L, -factor);
+            return wide >= static_cast<long double>(most) ? static_cast<T>(most) : static_cast<T>(std::nearbyint(wide));
+        }
+        // The candidates q and q + 1, and the square of what lies between them.
+        if (const std::uint64_t q = root_below(v); factor == 0)
+            return static_cast<T>(std::min(q + ((2 * q + 1) * (2 * q + 1) < 4 * v), most));
+        const std::uint64_t q = root_below(v) >> factor, middle = (2 * q + 1) << (factor - 1);
+        const bool up = (middle < (std::uint64_t{1} << 32) && middle * middle < v + (q & 1));
+        return static_cast<T>(std::min(q + up, most));
+    }
+};
+
+// Power spectra
+
+struct Power {
+    template <class T>
+    long double operator()(T re, T im) const {
+        const long double a = re, b = im;
+        return a * a + b * b;
+    }
+};
+
+struct IntegerPower {
+    Kel16s operator()(Kel16s re, Kel16s im, int factor) const {
+        const std::uint64_t v = squared(re, im), limit = 32767;
+        if (factor >= 0) return static_cast<Kel16s>(factor > 31 ? 0 : std::min(v >> factor, limit));
+        return static_cast<Kel16s>(std::min(std::min(v, limit) << std::min(-std::max(factor, -20), 20), limit));
+    }
+};
+
+// Both coordinates
+
+/// Magnitudes, then phases.
+struct Polar {
+    template <class C, class R>
+    void operator()(const C* z, R* magnitude, R* phase, int len) const {
+        for (int i = 0; i < len; ++i) set(z[i].re, z[i].im, magnitude[i], phase[i]);
+    }
+    template <class R>
+    void operator()(const R* re, const R* im, R* magnitude, R* phase, int len) const {
+        for (int i = 0; i < len; ++i) set(re[i], im[i], magnitude[i], phase[i]);
+    }
+    template <class R>
+    static void set(R re, R im, R& magnitude, R& phase) {
+        magnitude = Magnitude{}(re, im);
+        phase = static_cast<R>(Phase{}(re, im));
+    }
+};
+
+struct Cartesian {
+    template <class T, class C>
+    void operator()(const T* radius, const T* angle, C* z, int len) const {
+        for (int i = 0; i < len; ++i) set(radius[i], angle[i], z[i].re, z[i].im);
+    }
+    template <class T>
+    void operator()(const T* radius, const T* angle, T* re, T* im, int len) const {
+        for (int i = 0; i < len; ++i) set(radius[i], angle[i], re[i], im[i]);
+    }
+    template <class T>
+    static void set(T radius, T angle, T& re, T& im) {
+        re = static_cast<T>(radius * std::cos(static_cast<long double>(angle)));
+        im = static_cast<T>(radius * std::sin(static_cast<long double>(angle)));
+    }
+};
+
+constexpr auto phase = of_points(Phase{});
+constexpr auto integer_phase = of_points(IntegerPhase{});
+constexpr auto magnitude = of_points(Magnitude{});
+constexpr auto integer_magnitude = of_points(IntegerMagnitude{});
+constexpr auto power = of_points(Power{});
+constexpr auto integer_power = of_points(IntegerPower{});
+constexpr auto polar = whole(Polar{});
+constexpr auto cartesian = whole(Cartesian{});
+
+// clang-format off
+const Row rows[] = {
+    row(kelsArctan_32f, arctangent).ulps(1),              in_place(kelsArctan_32f_I, arctangent).ulps(1),
+    row(kelsArctan_64f, arctangent).ulps(1),              in_place(kelsArctan_64f_I, arctangent).ulps(1),
+
+    row(kelsPhase_32fc, phase).ulps(1),                   row(kelsPhase_32f, phase).ulps(1),
+    row(kelsPhase_64fc, phase).ulps(1),                   row(kelsPhase_64f, phase).ulps(1),
+    row(kelsPhase_16sc32f, phase).ulps(1),                row(kelsPhase_16s32f, phase).ulps(1),
+    row(kelsPhase_16sc_Sfs, integer_phase),               row(kelsPhase_16s_Sfs, integer_phase),
+
+    row(kelsMagnitude_32fc, magnitude).ulps(0),           row(kelsMagnitude_32f, magnitude).ulps(0),
+    row(kelsMagnitude_64fc, magnitude).ulps(1),           row(kelsMagnitude_64f, magnitude).ulps(1),
+    row(kelsMagnitude_16sc32f, magnitude).ulps(0),        row(kelsMagnitude_32sc_Sfs, integer_magnitude).follows_rounding(),
+    row(kelsMagnitude_16sc_Sfs, integer_magnitude).follows_rounding(), row(kelsMagnitude_16s_Sfs, integer_magnitude).follows_rounding(),
+
+    row(kelsPowerSpectr_32fc, power).ulps(1),             row(kelsPowerSpectr_32f, power).ulps(1),
+    row(kelsPowerSpectr_64fc, power).ulps(1),             row(kelsPowerSpectr_64f, power).ulps(1),
+    row(kelsPowerSpectr_16sc32f, power).ulps(0),          row(kelsPowerSpectr_16s32f, power).ulps(0),
+    row(kelsPowerSpectr_16sc_Sfs, integer_power),         row(kelsPowerSpectr_16s_Sfs, integer_power),
+
+    row(kelsCartToPolar_32fc, polar).ulps(1).nullable(1).nullable(2), row(kelsCartToPolar_32f, polar).ulps(1).nullable(2).nullable(3).disjoint(),
+    row(kelsCartToPolar_64fc, polar).ulps(1).nullable(1).nullable(2), row(kelsCartToPolar_64f, polar).ulps(1).nullable(2).nullable(3).disjoint(),
+    row(kelsPolarToCart_32fc, cartesian).ulps(1),         row(kelsPolarToCart_32f, cartesian).ulps(1),
+    row(kelsPolarToCart_64fc, cartesian).ulps(1),         row(kelsPolarToCart_64f, cartesian).ulps(1),
+};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Polar", rows);
+
+// Literal values
+
+TEST(Arctangent, NansAndEnds) {
+    const auto single = [](std::uint32_t bits) {
+        auto x = std::bit_cast<Kel32f>(bits);
+        EXPECT_EQ(kelsArctan_32f_I(&x, 1), kelStatusOk);
+        return std::bit_cast<std::uint32_t>(x);
+    };
+    EXPECT_EQ(single(0x7FC12345), 0x7FC00000U);
+    EXPECT_EQ(single(0xFFE00000), 0xFFC00000U);
+    EXPECT_EQ(single(0x7F800001), 0x3FC90FDBU);
+    EXPECT_EQ(single(0xFFA00000), 0xBFC90FDBU);
+    EXPECT_EQ(single(0xFF800000), 0xBFC90FDBU);
+    EXPECT_EQ(single(0x80000000), 0U);
+    Kel64f x = std::bit_cast<Kel64f>(0xFFFFFFFFFFFFFFFF);
+    ASSERT_EQ(kelsArctan_64f_I(&x, 1), kelStatusOk);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(x), 0xFFF8000000000000);
+}
+
+TEST(Phase, LiteralIntegers) {
+    const auto phase_of = [](Kel16sc z, int factor) {
+        Kel16s d = 0;
+        EXPECT_EQ(kelsPhase_16sc_Sfs(&z, &d, 1, factor), kelStatusOk);
+        return d;
+    };
+    EXPECT_EQ(phase_of({-1, 0}, 0), 3);
+    EXPECT_EQ(phase_of({0, 0}, 0), 0);
+    EXPECT_EQ(phase_of({-1, 0}, -14), 32767);
+    EXPECT_EQ(phase_of({-1, 0}, -13), 25736);
+    EXPECT_EQ(phase_of({0, -1}, INT_MIN), -32768);
+    EXPECT_EQ(phase_of({1, 0}, INT_MIN), 0);
+    EXPECT_EQ(phase_of({-1, 0}, INT_MAX), 0);
+}
+
+TEST(Magnitude, LiteralIntegers) {
+    const auto magnitude_of = [](Kel16sc z, int factor) {
+        Kel16s d = 0;
+        EXPECT_EQ(kelsMagnitude_16sc_Sfs(&z, &d, 1, factor), kelStatusOk);
+        return d;
+    };
+    const Kel16sc lowest = {-32768, -32768};
+    EXPECT_EQ(magnitude_of(lowest, 0), 32767);
+    EXPECT_EQ(magnitude_of(lowest, 1), 23170);
+    EXPECT_EQ(magnitude_of(lowest, 17), 0);
+    EXPECT_EQ(magnitude_of(lowest, -1), 32767);
+    EXPECT_EQ(magnitude_of({3, 4}, 0), 5);
+    EXPECT_EQ(magnitude_of({3, 0}, 1), 2);
+    EXPECT_EQ(magnitude_of({1, 0}, -14), 16384);
+    EXPECT_EQ(magnitude_of({1, 0}, -15), 32767);
+}
+
+// Every first part with some second ones, at every factor that divides.
+TEST(Magnitude, IntegersAreExact) {
+    Random random("magnitudes");
+    std::vector<Kel16s> re(65536), im(65536), d(65536);
+    for (int factor = -14; factor <= 18; ++factor) {
+        for (int i = 0; i < 65536; ++i) {
+            re[i] = static_cast<Kel16s>(i);
+            im[i] = static_cast<Kel16s>(random.below(3) ? random.bits() : 0);
+        }
+        ASSERT_EQ(kelsMagnitude_16s_Sfs(re.data(), im.data(), d.data(), 65536, factor), kelStatusOk);
+        for (int i = 0; i < 65536; ++i)
+            ASSERT_EQ(d[i], IntegerMagnitude{}(re[i], im[i], factor)) << re[i] << ", " << im[i] << " by " << factor;
+    }
+}
+
+// The modes of the x87 unit decide where it is stated.
+TEST(Magnitude, FollowsTheCallersRounding) {
+    const kels_test::KeepControlState keep;
+    struct {
+        std::uint16_t word;
+        Kel16s shorter[2];
+        Kel32s longer[3];
+    } const cases[] = {{0x037F, {3, 8}, {1, 3, 3}},
+                       {0x077F, {2, 8}, {1, 2, 3}},
+                       {0x0B7F, {3, 8}, {2, 3, 3}},
+                       {0x0F7F, {2, 8}, {1, 2, 3}}};
+    for (const auto& c : cases) {
+        const Kel16sc shorter[] = {{1, 1}, {4, 0}};        // 2^(1/2), doubled: 2.83; 8
+        const Kel32sc longer[] = {{1, 1}, {2, 2}, {3, 0}}; // 1.41, 2.83, 3
+        Kel16s d[2];
+        Kel32s e[3];
+        const kels_test::ControlState set = {c.word, kels_test::ControlState::current().mxcsr};
+        set.load();
+        const KelStatus first = kelsMagnitude_16sc_Sfs(shorter, d, 2, -1);
+        const KelStatus second = kelsMagnitude_32sc_Sfs(longer, e, 3, 0);
+        kels_test::ControlState{0x037F, set.mxcsr}.load();
+        EXPECT_EQ(first, kelStatusOk);
+        EXPECT_EQ(second, kelStatusOk);
+        EXPECT_EQ(std::memcmp(d, c.shorter, sizeof d), 0) << std::hex << c.word << ": " << d[0] << ", " << d[1];
+        EXPECT_EQ(std::memcmp(e, c.longer, sizeof e), 0) << std::hex << c.word << ": " << e[0] << ", " << e[1];
+    }
+}
+
+TEST(Magnitude, SinglesKeepTheirBitsAtTheEndsOfTheRange) {
+    Random random("ends of the range");
+    for (int i = 0; i < 20000; ++i) {
+        const auto part = [&] {
+            return static_cast<Kel32f>(std::ldexp(random.uniform(-2, 2), random.below(277) - 149));
+        };
+        const Kel32f re = part(), im = random.below(2) ? part() : static_cast<Kel32f>(re * random.uniform(-2, 2));
+        Kel32f d = 0;
+        ASSERT_EQ(kelsMagnitude_32f(&re, &im, &d, 1), kelStatusOk);
+        ASSERT_EQ(d, Magnitude{}(re, im)) << re << ", " << im;
+    }
+    const Kel32fc mixed = {HUGE_VALF, NAN};
+    Kel32f d = 0;
+    ASSERT_EQ(kelsMagnitude_32fc(&mixed, &d, 1), kelStatusOk);
+    EXPECT_TRUE(std::isnan(d));
+}
+
+TEST(PowerSpectrum, LiteralValues) {
+    const Kel16sc z[] = {{3, 4}, {-32768, -32768}};
+    Kel16s d[2];
+    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, 1), kelStatusOk);
+    EXPECT_EQ(d[0], 12);
+    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, -1), kelStatusOk);
+    EXPECT_EQ(d[0], 50);
+    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, 31), kelStatusOk);
+    EXPECT_EQ(d[1], 1);
+    Kel32f f[2];
+    ASSERT_EQ(kelsPowerSpectr_16sc32f(z, f, 2), kelStatusOk);
+    EXPECT_EQ(f[1], 2147483648.0F);
+}
+
+TEST(CartesianToPolar, StoresEitherWithoutTheOther) {
+    const Kel32f re[] = {3, 0}, im[] = {4, -2};
+    Kel32f magnitudes[2] = {-1, -1};
+    EXPECT_EQ(kelsCartToPolar_32f(re, im, magnitudes, nullptr, 2), kelStatusNullPtr);
+    EXPECT_EQ(magnitudes[0], 5);
+    EXPECT_EQ(magnitudes[1], 2);
+    const Kel64fc z = {3, 4};
+    Kel64f magnitude_of_z = -1, phase_of_z = -1;
+    EXPECT_EQ(kelsCartToPolar_64fc(&z, &magnitude_of_z, nullptr, 1), kelStatusNullPtr);
+    EXPECT_EQ(magnitude_of_z, 5);
+    EXPECT_EQ(kelsCartToPolar_64fc(&z, nullptr, &phase_of_z, 1), kelStatusNullPtr);
+    EXPECT_EQ(phase_of_z, std::atan2(4.0, 3.0));
+    EXPECT_EQ(kelsCartToPolar_64fc(&z, &magnitude_of_z, &phase_of_z, 0), kelStatusBadSize);
+}
+
+// Angles of any size, and multiples of a quarter turn as near as doubles come to them.
+TEST(PolarToCartesian, AnglesOfAnySize) {
+    Random random("angles");
+    for (int i = 0; i < 20000; ++i) {
+        const Kel64f radius = random.uniform(0.5, 2);
+        const Kel64f multiple = random.below(1 << 20) * 1.57079632679489661923;
+        const Kel64f angle = random.below(2) ? multiple : std::ldexp(random.uniform(-2, 2), random.below(1000));
+        Kel64f re = 0, im = 0, want_re = 0, want_im = 0;
+        ASSERT_EQ(kelsPolarToCart_64f(&radius, &angle, &re, &im, 1), kelStatusOk);
+        Cartesian::set(radius, angle, want_re, want_im);
+        ASSERT_LE(std::fabs(re - want_re), std::fabs(want_re) * 0x1p-52) << radius << " at " << angle;
+        ASSERT_LE(std::fabs(im - want_im), std::fabs(want_im) * 0x1p-52) << radius << " at " << angle;
+    }
+}
+
+} // namespace

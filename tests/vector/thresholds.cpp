@@ -1,0 +1,461 @@
+// Thresholds. Orders of bits are held against a count of the numbers between, magnitudes against extended precision,
+// and steps of 24 bits against roundings of the mantissa alone.
+
+#include "kels/thresholds.h"
+#include "support/exact.h"
+#include "support/random_data.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::ExactComplex;
+using kels_test::in_place;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::whole;
+using Real = long double;
+
+// References. Elements are copied as bytes, so that none of their bits change.
+
+template <class T>
+void move(T& to, const T& from) {
+    std::memcpy(&to, &from, sizeof to);
+}
+
+enum class Side { below, above };
+
+constexpr Side side_of(int mode) { return mode == 4 ? Side::above : Side::below; }
+
+/// The place of a number in the order of its bits, the negative ones mirrored.
+template <class T>
+std::int64_t place(const T& x) {
+    if constexpr (std::is_integral_v<T>) {
+        return x;
+    } else {
+        std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t> bits;
+        std::memcpy(&bits, &x, sizeof bits);
+        return bits < 0 ? std::numeric_limits<decltype(bits)>::min() - std::int64_t{bits} - 1 : bits;
+    }
+}
+
+struct ByBits {
+    template <class T>
+    static bool beyond(Side side, const T& x, const T& level) {
+        return side == Side::below ? place(x) < place(level) : place(x) > place(level);
+    }
+};
+
+/// What has no order is below.
+struct ByValue {
+    template <class T>
+    static bool beyond(Side side, const T& x, const T& level) {
+        return side == Side::below ? !(x >= level) : x > level;
+    }
+};
+
+Real squared_modulus(auto z) { return static_cast<Real>(z.re) * z.re + static_cast<Real>(z.im) * z.im; }
+
+struct ByModulus {
+    template <class T, class Level>
+    static bool beyond(Side side, const T& z, Level level) {
+        const Real m = squared_modulus(z), limit = static_cast<Real>(level) * level;
+        return side == Side::below ? !(m >= limit) : m > limit;
+    }
+};
+
+template <class Order>
+struct Replaced {
+    Side side;
+
+    template <class T, class Level>
+    void all(const T* x, T* d, int len, Level level, const T& value) const {
+        for (int i = 0; i < len; ++i) move(d[i], Order::beyond(side, x[i], level) ? value : x[i]);
+    }
+};
+
+template <class Order>
+constexpr auto by_mode = whole([]<class T>(const T* x, T* d, int len, const T& level, int mode) {
+    Replaced<Order>{side_of(mode)}.all(x, d, len, level, level);
+});
+template <class Order, Side S>
+constexpr auto by_side = whole([]<class T>(const T* x, T* d, int len, const T& level) {
+    Replaced<Order>{S}.all(x, d, len, level, level);
+});
+template <class Order, Side S>
+constexpr auto with_value = whole([]<class T>(const T* x, T* d, int len, const auto& level, const T& value) {
+    Replaced<Order>{S}.all(x, d, len, level, value);
+});
+
+/// Rounded to 24 bits, whatever the exponent.
+Real rounded(Real x) {
+    if (x == 0 || !std::isfinite(x)) return x;
+    int exponent = 0;
+    const Real fraction = std::frexp(x, &exponent);
+    return std::ldexp(std::nearbyint(std::ldexp(fraction, 24)), exponent - 24);
+}
+
+/// Steps of a type: those of singles are rounded.
+template <class T>
+Real step(Real x) {
+    return std::is_same_v<T, Kel32fc> ? rounded(x) : x;
+}
+
+template <class T>
+Real modulus_in_steps(const T& z) {
+    const Real re = z.re, im = z.im;
+    return step<T>(step<T>(re * re) + step<T>(im * im));
+}
+
+template <class T>
+void put_complex(T& to, Real re, Real im) {
+    to.re = static_cast<decltype(to.re)>(re);
+    to.im = static_cast<decltype(to.im)>(im);
+}
+
+template <class T, class Level>
+void clip_one(T& z, Side side, Level level, bool same_place) {
+    const Real m = modulus_in_steps(z), limit = step<T>(static_cast<Real>(level) * level);
+    const Real factor = step<T>(std::sqrt(step<T>(limit / m)));
+    bool changed = side == Side::below ? m < limit : m > limit;
+    if (std::is_same_v<T, Kel32fc> && (std::isnan(m) || std::isnan(limit)))
+        changed = same_place == (side == Side::below);
+    if (!changed) return;
+    if (side == Side::below && !(m > 0)) {
+        z.re = level;
+        if (m == 0) z.im = 0;
+    } else {
+        put_complex(z, z.re * factor, z.im * factor);
+    }
+}
+
+/// A part of a clipped integer element, in extended precision: its rounding errors are far below the corrections.
+Kel16s clipped_part(Real part, Real modulus, Real level, Side side) {
+    const Real size = std::fabs(part) * level / modulus;
+    const Real whole = side == Side::above ? std::floor(size + 0x1p-37L) : std::ceil(size - 0x1p-33L);
+    return static_cast<Kel16s>(part < 0 ? -whole : whole);
+}
+
+void clip_one(Kel16sc& z, Side side, Kel16s level, bool) {
+    const Real m = squared_modulus(z), modulus = std::sqrt(m);
+    if (side == Side::below ? m >= level * level : m <= level * level) return;
+    if (m == 0)
+        z = {level, 0};
+    else
+        z = {clipped_part(z.re, modulus, level, side), clipped_part(z.im, modulus, level, side)};
+}
+
+template <bool SamePlace, class T, class Level>
+void clip_all(const T* x, T* d, int len, Side side, Level level) {
+    for (int i = 0; i < len; ++i) {
+        T z;
+        move(z, x[i]);
+        clip_one(z, side, level, SamePlace);
+        move(d[i], z);
+    }
+}
+
+template <bool SamePlace>
+constexpr auto clipped = whole([]<class T>(const T* x, T* d, int len, auto level, int mode) {
+    clip_all<SamePlace>(x, d, len, side_of(mode), level);
+});
+template <Side S, bool SamePlace>
+constexpr auto clipped_to = whole([]<class T>(const T* x, T* d, int len, auto level) {
+    clip_all<SamePlace>(x, d, len, S, level);
+});
+
+// Limited reciprocals
+
+template <class T>
+bool upper_bits_zero(T x) {
+    return std::bit_cast<std::uint64_t>(x) >> 32 == 0;
+}
+
+Real limited_one(Kel32f x, Kel32f level) {
+    if (std::bit_cast<std::uint32_t>(level) == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
+    const bool large = std::fabs(x) >= std::fabs(level) || std::isnan(x);
+    return large ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
+}
+Real limited_one(Kel64f x, Kel64f level) {
+    if (level == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
+    return std::fabs(x) >= level ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
+}
+
+bool is_zero(Kel32f x) { return x == 0; }
+bool is_zero(Kel64f x) { return x == 0; }
+bool is_zero(Kel32fc z) { return !(squared_modulus(z) > 0); }
+bool is_zero(Kel64fc z) { return upper_bits_zero(z.re) && upper_bits_zero(z.im); }
+
+bool zero_level(Kel32f level, Kel32f) { return std::bit_cast<std::uint32_t>(level) == 0; }
+bool zero_level(Kel64f level, Kel64f) { return level == 0; }
+bool zero_level(Kel32f level, Kel32fc) { return level == 0; }
+bool zero_level(Kel64f level, Kel64fc) { return upper_bits_zero(level); }
+
+template <class T, class Level>
+ExactComplex limited_complex(T z, Level level) {
+    const bool no_level = zero_level(level, z);
+    if (is_zero(z)) return {no_level ? HUGE_VALL : 1 / static_cast<Real>(level), 0};
+    const Real m = modulus_in_steps(z), limit = no_level ? 0 : step<T>(static_cast<Real>(level) * level);
+    if (m >= limit) return {z.re / m, -z.im / m};
+    const Real factor = step<T>(1 / step<T>(step<T>(std::sqrt(m)) * level));
+    return {z.re * factor, -(z.im * factor)};
+}
+
+constexpr auto limited = whole([]<class T, class Level>(const T* x, T* d, int len, Level level) {
+    KelStatus status = kelStatusOk;
+    for (int i = 0; i < len; ++i) {
+        if (is_zero(x[i]) && zero_level(level, x[i])) status = kelStatusInvThreshZeroLevel;
+        if constexpr (ComplexSample<T>) {
+            const ExactComplex result = limited_complex(x[i], level);
+            put_complex(d[i], result.re, result.im);
+        } else {
+            d[i] = static_cast<T>(limited_one(x[i], level));
+        }
+    }
+    return status;
+});
+
+constexpr std::initializer_list<double> modes = {0, 1, 2, 3, 4, -1, 4, 4};
+constexpr std::initializer_list<double> integer_levels = {0, 1, 5, 80, 100, 181, 4096, 20000, 32766, 32767};
+constexpr std::initializer_list<double> real_levels = {0,    1,    0.3,      2.5,   100,  1e5,
+                                                       1e-5, -0.0, HUGE_VAL, 1e-30, 1e30, NAN};
+
+// clang-format off
+const Row rows[] = {
+    row(kelsThreshold_16s, by_mode<ByBits>).values(1, modes),
+    in_place(kelsThreshold_16s_I, by_mode<ByBits>).values(1, modes),
+    row(kelsThreshold_16sc, clipped<false>).values(0, integer_levels).values(1, modes),
+    in_place(kelsThreshold_16sc_I, clipped<true>).values(0, integer_levels).values(1, modes),
+    row(kelsThreshold_32f, by_mode<ByBits>).values(1, modes),
+    in_place(kelsThreshold_32f_I, by_mode<ByBits>).values(1, modes),
+    row(kelsThreshold_32fc, clipped<false>).values(0, real_levels).values(1, modes).ulps(1),
+    row(kelsThreshold_64f, by_mode<ByValue>).values(1, modes),
+    row(kelsThreshold_64fc, clipped<false>).values(0, real_levels).values(1, modes).ulps(1),
+    in_place(kelsThreshold_64fc_I, clipped<true>).values(0, real_levels).values(1, modes).ulps(1),
+
+    row(kelsThreshold_LT_16s, by_side<ByBits, Side::below>),
+    in_place(kelsThreshold_LT_16s_I, by_side<ByBits, Side::below>),
+    row(kelsThreshold_LT_16sc, clipped_to<Side::below, false>).values(0, integer_levels),
+    in_place(kelsThreshold_LT_16sc_I, clipped_to<Side::below, true>).values(0, integer_levels),
+    row(kelsThreshold_LT_32f, by_side<ByBits, Side::below>),
+    in_place(kelsThreshold_LT_32f_I, by_side<ByBits, Side::below>),
+    row(kelsThreshold_LT_32fc, clipped_to<Side::below, false>).values(0, real_levels).ulps(1),
+    row(kelsThreshold_LT_64f, by_side<ByValue, Side::below>),
+    row(kelsThreshold_LT_64fc, clipped_to<Side::below, false>).values(0, real_levels).ulps(1),
+    in_place(kelsThreshold_LT_64fc_I, clipped_to<Side::below, true>).values(0, real_levels).ulps(1),
+
+    row(kelsThreshold_GT_16s, by_side<ByBits, Side::above>),
+    in_place(kelsThreshold_GT_16s_I, by_side<ByBits, Side::above>),
+    row(kelsThreshold_GT_16sc, clipped_to<Side::above, false>).values(0, integer_levels),
+    in_place(kelsThreshold_GT_16sc_I, clipped_to<Side::above, true>).values(0, integer_levels),
+    row(kelsThreshold_GT_32f, by_side<ByBits, Side::above>),
+    in_place(kelsThreshold_GT_32f_I, by_side<ByBits, Side::above>),
+    row(kelsThreshold_GT_32fc, clipped_to<Side::above, false>).values(0, real_levels).ulps(1),
+    row(kelsThreshold_GT_64f, by_side<ByValue, Side::above>),
+    row(kelsThreshold_GT_64fc, clipped_to<Side::above, false>).values(0, real_levels).ulps(1),
+    in_place(kelsThreshold_GT_64fc_I, clipped_to<Side::above, true>).values(0, real_levels).ulps(1),
+
+    row(kelsThreshold_LTVal_16s, with_value<ByBits, Side::below>),
+    in_place(kelsThreshold_LTVal_16s_I, with_value<ByBits, Side::below>),
+    row(kelsThreshold_LTVal_16sc, with_value<ByModulus, Side::below>).values(0, integer_levels),
+    in_place(kelsThreshold_LTVal_16sc_I, with_value<ByModulus, Side::below>).values(0, integer_levels),
+    row(kelsThreshold_LTVal_32f, with_value<ByBits, Side::below>),
+    in_place(kelsThreshold_LTVal_32f_I, with_value<ByBits, Side::below>),
+    row(kelsThreshold_LTVal_32fc, with_value<ByModulus, Side::below>).values(0, real_levels),
+    in_place(kelsThreshold_LTVal_32fc_I, with_value<ByModulus, Side::below>).values(0, real_levels),
+    row(kelsThreshold_LTVal_64f, with_value<ByValue, Side::below>),
+    row(kelsThreshold_LTVal_64fc, with_value<ByModulus, Side::below>).values(0, real_levels),
+    in_place(kelsThreshold_LTVal_64fc_I, with_value<ByModulus, Side::below>).values(0, real_levels),
+
+    row(kelsThreshold_GTVal_16s, with_value<ByBits, Side::above>),
+    in_place(kelsThreshold_GTVal_16s_I, with_value<ByBits, Side::above>),
+    row(kelsThreshold_GTVal_16sc, with_value<ByModulus, Side::above>).values(0, integer_levels),
+    in_place(kelsThreshold_GTVal_16sc_I, with_value<ByModulus, Side::above>).values(0, integer_levels),
+    row(kelsThreshold_GTVal_32f, with_value<ByBits, Side::above>),
+    in_place(kelsThreshold_GTVal_32f_I, with_value<ByBits, Side::above>),
+    row(kelsThreshold_GTVal_32fc, with_value<ByModulus, Side::above>).values(0, real_levels),
+    in_place(kelsThreshold_GTVal_32fc_I, with_value<ByModulus, Side::above>).values(0, real_levels),
+    row(kelsThreshold_GTVal_64f, with_value<ByValue, Side::above>),
+    row(kelsThreshold_GTVal_64fc, with_value<ByModulus, Side::above>).values(0, real_levels),
+    in_place(kelsThreshold_GTVal_64fc_I, with_value<ByModulus, Side::above>).values(0, real_levels),
+
+    row(kelsThreshold_LTInv_32f, limited).ulps(1).values(0, real_levels),
+    in_place(kelsThreshold_LTInv_32f_I, limited).ulps(1).values(0, real_levels),
+    row(kelsThreshold_LTInv_32fc, limited).ulps(1).values(0, real_levels),
+    in_place(kelsThreshold_LTInv_32fc_I, limited).ulps(1).values(0, real_levels),
+    row(kelsThreshold_LTInv_64f, limited).ulps(1).values(0, real_levels),
+    in_place(kelsThreshold_LTInv_64f_I, limited).ulps(1).values(0, real_levels),
+    row(kelsThreshold_LTInv_64fc, limited).ulps(2).values(0, real_levels),
+    in_place(kelsThreshold_LTInv_64fc_I, limited).ulps(2).values(0, real_levels),
+};
+
+// These differ from the ones out of place, where numbers have no order or zeros have signs.
+const Row rows_in_place[] = {
+    in_place(kelsThreshold_32fc_I, clipped<true>).values(0, real_levels).values(1, modes).ulps(1),
+    in_place(kelsThreshold_64f_I, by_mode<ByBits>).values(1, modes),
+    in_place(kelsThreshold_LT_32fc_I, clipped_to<Side::below, true>).values(0, real_levels).ulps(1),
+    in_place(kelsThreshold_LT_64f_I, by_side<ByBits, Side::below>),
+    in_place(kelsThreshold_GT_32fc_I, clipped_to<Side::above, true>).values(0, real_levels).ulps(1),
+    in_place(kelsThreshold_GT_64f_I, by_side<ByBits, Side::above>),
+    in_place(kelsThreshold_LTVal_64f_I, with_value<ByBits, Side::below>),
+    in_place(kelsThreshold_GTVal_64f_I, with_value<ByBits, Side::above>),
+};
+// clang-format on
+
+const bool registered =
+    kels_test::add_rows("Thresholds", rows) && kels_test::add_rows("ThresholdsInPlace", rows_in_place);
+
+// Levels that may not be negative
+
+TEST(Threshold, NegativeLevels) {
+    Kel32fc z[] = {{3, 4}};
+    EXPECT_EQ(kelsThreshold_LTVal_32fc_I(z, 1, -1e-40F, {1, 1}), kelStatusNegThreshLevel);
+    EXPECT_EQ(kelsThreshold_GT_32fc(z, z, 1, -HUGE_VALF), kelStatusNegThreshLevel);
+    EXPECT_EQ(kelsThreshold_GT_32fc(z, z, 0, -1), kelStatusBadSize);
+    Kel16sc i[] = {{3, 4}};
+    EXPECT_EQ(kelsThreshold_16sc_I(i, 1, -1, 4), kelStatusNegThreshLevel);
+    EXPECT_EQ(kelsThreshold_LTVal_16sc_I(i, 1, -32768, {1, 1}), kelStatusNegThreshLevel);
+    Kel64fc w[] = {{3, 4}};
+    EXPECT_EQ(kelsThreshold_LT_64fc_I(w, 1, -1e-300), kelStatusNegThreshLevel);
+    Kel64f x = 2;
+    EXPECT_EQ(kelsThreshold_LTInv_64f_I(&x, 1, -1), kelStatusNegThreshLevel);
+    EXPECT_TRUE(z[0].re == 3 && i[0].re == 3 && w[0].re == 3 && x == 2);
+    EXPECT_EQ(kelsThreshold_LT_64f_I(&x, 1, -1), kelStatusOk);
+}
+
+// Integers: every level, on elements whose clipped parts are integers, or come close to one.
+
+TEST(ComplexThreshold, EveryLevelOfIntegers) {
+    std::vector<Kel16sc> x = {{0, 0}, {3, 4},  {6, 8}, {-32768, -32768}, {-32768, 0}, {32767, 1},
+                              {1, 0}, {0, -1}, {1, 1}};
+    kels_test::Random random("levels");
+    for (int i = 0; i < 55; ++i) {
+        const int k = 1 + random.below(2000), a = random.below(3), sign = random.below(2) ? 1 : -1;
+        constexpr int triples[3][2] = {{3, 4}, {-5, 12}, {8, -15}};
+        x.push_back(
+            {static_cast<Kel16s>(triples[a][0] * k % 32768), static_cast<Kel16s>(sign * triples[a][1] * k % 32768)});
+    }
+    const int len = static_cast<int>(x.size());
+    for (int level = 0; level < 32768; ++level)
+        for (const Side side : {Side::below, Side::above}) {
+            std::vector<Kel16sc> d(x.size()), want(x.size());
+            const auto l = static_cast<Kel16s>(level);
+            ASSERT_EQ(kelsThreshold_16sc(x.data(), d.data(), len, l, side == Side::above ? 4 : 0), kelStatusOk);
+            clip_all<false>(x.data(), want.data(), len, side, l);
+            for (int i = 0; i < len; ++i)
+                ASSERT_TRUE(d[i].re == want[i].re && d[i].im == want[i].im)
+                    << x[i].re << ", " << x[i].im << " to " << level << ": " << d[i].re << ", " << d[i].im;
+        }
+}
+
+template <class T, class Level>
+void expect(KelStatus (*function)(const T*, T*, int, Level), Level level, const std::vector<T>& x,
+            const std::vector<T>& want, KelStatus status = kelStatusOk) {
+    std::vector<T> d(x.size());
+    EXPECT_EQ(function(x.data(), d.data(), static_cast<int>(x.size()), level), status);
+    EXPECT_EQ(std::memcmp(d.data(), want.data(), x.size() * sizeof(T)), 0) << "level " << +level;
+}
+
+TEST(Threshold, LiteralValues) {
+    expect<Kel16s, Kel16s>(kelsThreshold_LT_16s, 0, {0, -1, 5}, {0, 0, 5});
+    expect<Kel16s, Kel16s>(kelsThreshold_GT_16s, -32768, {0, -1, -32768, 32767}, {-32768, -32768, -32768, -32768});
+    expect<Kel16sc, Kel16s>(kelsThreshold_LT_16sc, 5, {{0, 0}, {3, 0}, {1, 1}, {3, 4}},
+                            {{5, 0}, {5, 0}, {4, 4}, {3, 4}});
+    expect<Kel16sc, Kel16s>(kelsThreshold_GT_16sc, 5, {{3, 4}, {6, 8}, {-6, -8}}, {{3, 4}, {3, 4}, {-3, -4}});
+    expect<Kel16sc, Kel16s>(kelsThreshold_GT_16sc, 32767, {{-32768, -32768}}, {{-23169, -23169}});
+    expect<Kel32f, Kel32f>(kelsThreshold_LT_32f, 0, {-0.0F, 1, -2}, {0, 1, 0});
+    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, 2, {4, 1, -1, 0, -0.0F}, {0.25F, 0.5F, -0.5F, 0.5F, 0.5F});
+    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, 0, {0, -0.0F, 4}, {HUGE_VALF, HUGE_VALF, 0.25F},
+                           kelStatusInvThreshZeroLevel);
+    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, -0.0F, {0, -0.0F, 4}, {HUGE_VALF, -HUGE_VALF, 0.25F});
+    expect<Kel64f, Kel64f>(kelsThreshold_LTInv_64f, 0, {5, -0.0, 4}, {0.2, HUGE_VAL, 0.25},
+                           kelStatusInvThreshZeroLevel);
+    expect<Kel32fc, Kel32f>(kelsThreshold_LTInv_32fc, 2, {{0, 1}, {0, 4}, {0, 0}},
+                            {{0, -0.5F}, {0, -0.25F}, {0.5F, 0}});
+    expect<Kel64fc, Kel64f>(kelsThreshold_LTInv_64fc, 0, {{0, 4}, {0, 0}, {1e-320, 0}},
+                            {{0, -0.25}, {HUGE_VAL, 0}, {HUGE_VAL, 0}}, kelStatusInvThreshZeroLevel);
+}
+
+TEST(Threshold, NumbersWithoutOrder) {
+    const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
+    Kel32f x[] = {nan, -nan};
+    ASSERT_EQ(kelsThreshold_GT_32f_I(x, 2, HUGE_VALF), kelStatusOk);
+    EXPECT_TRUE(x[0] == HUGE_VALF && std::isnan(x[1]));
+    const Kel64f y[] = {NAN, -NAN, -0.0};
+    Kel64f d[3];
+    ASSERT_EQ(kelsThreshold_LT_64f(y, d, 3, 0), kelStatusOk);
+    EXPECT_TRUE(d[0] == 0 && d[1] == 0 && std::signbit(d[2]));
+    const Kel32fc z[] = {{nan, 7}};
+    Kel32fc out[1], in[] = {{nan, 7}};
+    ASSERT_EQ(kelsThreshold_32fc(z, out, 1, 5, 0), kelStatusOk);
+    EXPECT_TRUE(std::isnan(out[0].re) && out[0].im == 7);
+    ASSERT_EQ(kelsThreshold_32fc(z, out, 1, 5, 4), kelStatusOk);
+    EXPECT_TRUE(std::isnan(out[0].re) && std::isnan(out[0].im));
+    ASSERT_EQ(kelsThreshold_32fc_I(in, 1, 5, 4), kelStatusOk);
+    EXPECT_TRUE(std::isnan(in[0].re) && in[0].im == 7);
+    ASSERT_EQ(kelsThreshold_32fc_I(in, 1, 5, 0), kelStatusOk);
+    EXPECT_TRUE(in[0].re == 5 && in[0].im == 7);
+}
+
+// Squared magnitudes that differ from the level's in the last bit of extended precision, or not at all.
+TEST(ComplexThreshold, ReplacementComparesInExtendedPrecision) {
+    for (const Kel32f tiny : {0.0F, 0x1p-30F, 0x1p-31F, 0x1p-32F, 0x1p-33F, 1e-30F}) {
+        const Kel32fc z[] = {{1, tiny}, {-tiny, 1}};
+        const Real m = squared_modulus(z[0]);
+        Kel32fc d[2];
+        ASSERT_EQ(kelsThreshold_GTVal_32fc(z, d, 2, 1, {9, 9}), kelStatusOk);
+        EXPECT_EQ(d[0].re, m > 1 ? 9 : 1) << tiny;
+        EXPECT_EQ(d[1].im, m > 1 ? 9 : 1) << tiny;
+        const Kel64fc w[] = {{1 - 0x1p-53, static_cast<Kel64f>(tiny)}};
+        Kel64fc e[1];
+        ASSERT_EQ(kelsThreshold_LTVal_64fc(w, e, 1, 1, {9, 9}), kelStatusOk);
+        EXPECT_EQ(e[0].re, squared_modulus(w[0]) < 1 ? 9 : w[0].re) << tiny;
+    }
+}
+
+/// Complex numbers of every size, with parts of like and of unlike size, and levels beside their magnitudes.
+template <class T>
+void expect_at_every_size(KelStatus (*function)(const T*, T*, int, decltype(T::re)), Side side, int ulps) {
+    using P = decltype(T::re);
+    constexpr int most = std::numeric_limits<P>::max_exponent;
+    kels_test::Random random("sizes");
+    for (int k = 0; k < 20000; ++k) {
+        const auto part = [&](int exponent) {
+            return static_cast<P>(std::ldexp(random.uniform(0.5, 1) * (random.below(2) ? 1 : -1), exponent));
+        };
+        const int exponent = random.below(2 * most) - most;
+        const T z[2] = {{part(exponent), part(exponent - random.below(60))}, {part(exponent), part(exponent)}};
+        const Real modulus = std::sqrt(squared_modulus(z[0]));
+        const auto level = static_cast<P>(modulus * static_cast<Real>(random.uniform(0.5, 1.5)));
+        if (!std::isfinite(level)) continue;
+        T d[2], want[2];
+        ASSERT_EQ(function(z, d, 2, level), kelStatusOk);
+        clip_all<false>(z, want, 2, side, level);
+        for (int i = 0; i < 2; ++i)
+            for (const auto& [got, wanted] : {std::pair(d[i].re, want[i].re), std::pair(d[i].im, want[i].im)}) {
+                const P above = std::nextafter(std::fabs(wanted), std::numeric_limits<P>::infinity());
+                ASSERT_LE(std::fabs(static_cast<Real>(got) - wanted),
+                          ulps * (static_cast<Real>(above) - std::fabs(wanted)))
+                    << z[i].re << ", " << z[i].im << " to " << level;
+            }
+    }
+}
+
+TEST(ComplexThreshold, EverySize) {
+    expect_at_every_size(kelsThreshold_LT_32fc, Side::below, 1);
+    expect_at_every_size(kelsThreshold_GT_32fc, Side::above, 1);
+    expect_at_every_size(kelsThreshold_LT_64fc, Side::below, 1);
+    expect_at_every_size(kelsThreshold_GT_64fc, Side::above, 1);
+}
+
+} // namespace
