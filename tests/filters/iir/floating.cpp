@@ -1,0 +1,510 @@
+// IIR filters of real taps: streams against the rule, accuracy close to the unit circle, literal values.
+
+#include "filters/iir/reference.h"
+
+#include <climits>
+
+namespace {
+
+using namespace iir_test;
+using L = long double;
+
+template <class F>
+class IirTest : public testing::Test {};
+using RealTaps =
+    testing::Types<Family_32f, Family_32fc, Family_32f_16s, Family_32fc_16sc, Family_64f, Family_64fc, Family_64f_32f,
+                   Family_64fc_32fc, Family_64f_32s, Family_64fc_32sc, Family_64f_16s, Family_64fc_16sc>;
+TYPED_TEST_SUITE(IirTest, RealTaps, FamilyNames);
+
+/// z^2 + c1 z + c2 of poles inside a radius, in a taps type.
+template <class T>
+std::vector<T> denominator(Random& random, double radius) {
+    using Zd = Z<L>;
+    const L angle = random.uniform(0.1, 3.0), r = radius * random.uniform(0.3, 1);
+    Zd p{r * std::cos(angle), r * std::sin(angle)}, q{p.re, -p.im};
+    if (parts<T> == 2) q = {random.uniform(-0.5, 0.5), random.uniform(-0.5, 0.5)};
+    const Zd sum = p + q;
+    return {narrow<T>(Zd{1, 0}), narrow<T>(Zd{} - sum), narrow<T>(p * q)};
+}
+
+/// Stable taps: all sections times a0, or b and the product of the denominators times a[0].
+template <class T>
+std::vector<T> stable_taps(Random& random, bool cascade, int size, double radius = 0.8) {
+    std::vector<T> taps;
+    const Z<L> scale{1.75, parts<T> == 2 ? -0.5 : 0};
+    if (cascade) {
+        for (int s = 0; s < size; ++s) {
+            const auto b = noise<T>(random, 3);
+            taps.push_back(narrow<T>(Z<L>{1.25, 0} + wide<L>(b[0]) * Z<L>{0.25, 0}));
+            taps.insert(taps.end(), b.begin() + 1, b.end());
+            for (const T& a : denominator<T>(random, radius)) taps.push_back(narrow<T>(wide<L>(a) * scale));
+        }
+        return taps;
+    }
+    taps = noise<T>(random, size + 1);
+    std::vector<Z<L>> a{scale};
+    const auto times = [&a](std::vector<Z<L>> factor) {
+        std::vector<Z<L>> longer(a.size() + factor.size() - 1);
+        for (std::size_t i = 0; i < a.size(); ++i)
+            for (std::size_t j = 0; j < factor.size(); ++j) longer[i + j] = longer[i + j] + a[i] * factor[j];
+        a = longer;
+    };
+    for (int i = 0; i + 1 < size; i += 2) {
+        const auto c = denominator<T>(random, radius);
+        times({wide<L>(c[0]), wide<L>(c[1]), wide<L>(c[2])});
+    }
+    if (size % 2 != 0) times({{1, 0}, {-0.5, 0}});
+    for (const auto& z : a) taps.push_back(narrow<T>(z));
+    return taps;
+}
+
+/// The rule of a family's filter beside it: registers of single taps are rounded, others never.
+template <class F>
+class Rule {
+public:
+    using Taps = typename F::Taps;
+    using A = RealArithmetic<L, std::conditional_t<F::single_taps, float, L>>;
+
+    Rule(bool is_cascade, const std::vector<Taps>& taps) : cascade(is_cascade) {
+        for (const Taps& tap : divided(cascade, taps)) {
+            (cascade ? sections.taps : any_order.taps).push_back(wide<L>(tap));
+            amplification += size_of(wide<L>(tap));
+        }
+        const std::size_t size = cascade ? taps.size() / 3 : taps.size() / 2 - 1;
+        registers().resize(size);
+        // The response of the rule to 1, and what roundings on the way may grow to.
+        std::vector<Z<L>> impulse(400);
+        impulse[0] = {1, 0};
+        for (const auto& y : block(impulse)) amplification += size_of(y) * (static_cast<L>(size) + 1);
+        registers().assign(size, {});
+    }
+
+    std::vector<Z<L>>& registers() { return cascade ? sections.w : any_order.d; }
+    std::vector<Z<L>> block(const std::vector<Z<L>>& x) {
+        return cascade ? sections.block({}, x) : any_order.block({}, x);
+    }
+    Z<L> one(const Z<L>& x) { return cascade ? sections.one({}, x) : any_order.one({}, x); }
+    L amplification = 0;
+
+private:
+    bool cascade;
+    AnyOrder<A> any_order;
+    Sections<A> sections;
+};
+
+/// Compares results with the rule's. Single-precision results may be one ulp away, one in 1,000 of them.
+template <class F>
+struct Comparison {
+    L noise = 0; ///< of results before they are rounded
+    int scaleFactor = 0;
+    long results = 0, missed_bits = 0;
+
+    template <class R>
+    void check(R got, L exact) {
+        ++results;
+        if constexpr (std::is_integral_v<R>) {
+            const L v = std::ldexp(exact, -scaleFactor);
+            if (got == away_from_zero<R>(v)) return;
+            const L from_boundary = std::fabs(std::fabs(v - std::floor(v)) - 0.5L);
+            ASSERT_LE(from_boundary, std::ldexp(std::fabs(v), -40) + std::ldexp(noise, -scaleFactor))
+                << got << " for " << v;
+        } else if constexpr (sizeof(R) == 4) {
+            const R rounded = static_cast<R>(exact);
+            missed_bits += got != rounded;
+            const L ulp = std::nextafter(std::fabs(rounded), INFINITY) - std::fabs(rounded);
+            ASSERT_LE(std::fabs(L{got} - rounded), ulp + noise) << "result " << results;
+        } else {
+            ASSERT_LE(std::fabs(got - exact), noise) << "result " << results;
+        }
+    }
+    template <class T>
+    void check_both(const T& got, const Z<L>& exact) {
+        const auto* part = reinterpret_cast<const Part<T>*>(&got);
+        check(part[0], exact.re);
+        if constexpr (parts<T> == 2) check(part[1], exact.im);
+    }
+};
+
+/// A stream cut anywhere, its pieces filtered each way at any scale; before each the rule takes over the state.
+template <class F>
+void follow_the_rule(bool cascade, int size) {
+    using T = typename F::Sample;
+    using Taps = typename F::Taps;
+    Random random(std::string(F::name) + (cascade ? " sections " : " order ") + std::to_string(size));
+    const auto taps = stable_taps<Taps>(random, cascade, size);
+    Rule<F> rule(cascade, taps);
+    const std::size_t registers = rule.registers().size();
+    auto state = noise<Taps>(random, static_cast<int>(registers));
+    const Context context = make<F>(cascade, taps, 0, state);
+    const auto stream = noise<T>(random, 3000);
+    Comparison<F> results, kept;
+    for (std::size_t done = 0; done < stream.size();) {
+        const int longest[] = {4, 60, 300, 1500};
+        const auto count = std::min<std::size_t>(static_cast<std::size_t>(1 + random.below(longest[random.below(4)])),
+                                                 stream.size() - done);
+        const std::vector<T> x(stream.begin() + static_cast<long>(done),
+                               stream.begin() + static_cast<long>(done + count));
+        const Way way = static_cast<Way>(random.below(3));
+        results.scaleFactor = F::integer_samples ? random.below(8) - 3 : 0;
+        const auto before = state_of<F>(context, registers);
+        ASSERT_TRUE(registers == 0 || std::memcmp(before.data(), state.data(), registers * sizeof(Taps)) == 0)
+            << "the state is what it was";
+        const auto y = filtered<F>(way, x, context, results.scaleFactor);
+        state = state_of<F>(context, registers);
+
+        L level = 1;
+        for (std::size_t i = 0; i < registers; ++i)
+            level = std::max(level, size_of(rule.registers()[i] = wide<L>(before[i])));
+        std::vector<Z<L>> exact_x, exact;
+        for (const T& v : x) exact_x.push_back(wide<L>(v));
+        if (way == one_by_one)
+            for (const auto& v : exact_x) exact.push_back(rule.one(v));
+        else
+            exact = rule.block(exact_x);
+        for (std::size_t i = 0; i < count; ++i) level = std::max({level, size_of(exact_x[i]), size_of(exact[i])});
+        // A complex term that is not fused is rounded twice.
+        constexpr int doubles = parts<typename F::Sample> == 2 ? -50 : -51;
+        results.noise = kept.noise = std::ldexp(level * rule.amplification, F::single_taps ? -60 : doubles);
+        for (std::size_t i = 0; i < count; ++i) results.check_both(y[i], exact[i]);
+        for (std::size_t i = 0; i < registers; ++i) kept.check_both(state[i], rule.registers()[i]);
+        done += count;
+        ASSERT_FALSE(testing::Test::HasFatalFailure())
+            << (cascade ? "sections " : "order ") << size << " at " << done << " way " << way << " of " << count;
+    }
+    EXPECT_LE(results.missed_bits, results.results / 1000 + 1);
+    EXPECT_LE(kept.missed_bits, kept.results / 1000 + 1);
+}
+
+TYPED_TEST(IirTest, StreamsFollowTheRuleHoweverTheyAreCut) {
+    for (int order : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 15, 16, 17, 23, 33})
+        follow_the_rule<TypeParam>(false, order);
+    for (int sections = 1; sections <= 9; ++sections) follow_the_rule<TypeParam>(true, sections);
+    follow_the_rule<TypeParam>(true, 17);
+}
+
+// Cut between pairs, streams of single taps are the same to the bit; a block of one sample is a single sample.
+TYPED_TEST(IirTest, CutsBetweenPairsDoNotShow) {
+    using F = TypeParam;
+    Random random("cuts");
+    for (bool cascade : {false, true})
+        for (int size : {1, 2, 3, 5, 8, 9, 20}) {
+            const auto taps = stable_taps<typename F::Taps>(random, cascade, size);
+            const auto x = noise<typename F::Sample>(random, 2500);
+            const Context whole = make<F>(cascade, taps), cut = make<F>(cascade, taps), single = make<F>(cascade, taps);
+            const auto y = filtered<F>(as_block, x, whole, 2);
+            if (F::single_taps) {
+                std::vector<typename F::Sample> joined;
+                for (std::size_t done = 0; done < x.size();) {
+                    const auto some =
+                        std::min<std::size_t>(2 * static_cast<std::size_t>(1 + random.below(30)), x.size() - done);
+                    const auto at = x.begin() + static_cast<long>(done);
+                    const auto piece = filtered<F>(in_place, {at, at + static_cast<long>(some)}, cut, 2);
+                    joined.insert(joined.end(), piece.begin(), piece.end());
+                    done += some;
+                }
+                EXPECT_TRUE(same(y, joined)) << cascade << ' ' << size;
+                const auto registers = static_cast<std::size_t>(cascade ? 2 * size : size);
+                EXPECT_TRUE(same(state_of<F>(whole, registers), state_of<F>(cut, registers)));
+            }
+            const Context blocks = make<F>(cascade, taps);
+            for (std::size_t i = 0; i < 40; ++i)
+                EXPECT_TRUE(same(filtered<F>(as_block, {x[i]}, blocks, 1), filtered<F>(one_by_one, {x[i]}, single, 1)));
+        }
+}
+
+// Single taps give the same bits at every level and on 32-bit x86.
+template <class F>
+std::uint32_t hash_of_results() {
+    using T = typename F::Sample;
+    std::uint32_t state = 1, hash = 0;
+    const auto draw = [&state](std::int32_t range) {
+        state = state * 1664525 + 1013904223;
+        return static_cast<std::int32_t>(state >> 8) % range - range / 2;
+    };
+    for (bool cascade : {false, true})
+        for (int size : {1, 2, 3, 4, 5, 8, 9, 13}) {
+            std::vector<typename F::Taps> taps(static_cast<std::size_t>(cascade ? 6 * size : 2 * size + 2));
+            for (std::size_t i = 0; i < taps.size() * parts<T>; ++i)
+                values(taps)[i] =
+                    static_cast<Part<typename F::Taps>>(draw(1 << 20)) * 0x1p-22F / static_cast<float>(size);
+            for (std::size_t i = 0; i < taps.size(); ++i)
+                if (cascade ? i % 3 == 0 : i == static_cast<std::size_t>(size) + 1)
+                    *(values(taps) + i * parts<T>) = 1.25F;
+            std::vector<T> x(999);
+            for (std::size_t i = 0; i < x.size() * parts<T>; ++i) values(x)[i] = static_cast<Part<T>>(draw(20000));
+            const Context context = make<F>(cascade, taps);
+            for (Way way : {as_block, one_by_one}) {
+                const auto y = filtered<F>(way, x, context, -3);
+                for (std::size_t i = 0; i < y.size() * parts<T>; ++i) {
+                    std::uint32_t bits = 0;
+                    std::memcpy(&bits, values(y) + i, sizeof(Part<T>));
+                    hash = (hash ^ bits) * 0x01000193;
+                }
+            }
+        }
+    return hash;
+}
+
+TEST(Iir, SingleTapsGiveTheSameBitsEverywhere) {
+    EXPECT_EQ(hash_of_results<Family_32f>(), 2314749314U);
+    EXPECT_EQ(hash_of_results<Family_32fc>(), 3663429898U);
+    EXPECT_EQ(hash_of_results<Family_32f_16s>(), 3519664696U);
+    EXPECT_EQ(hash_of_results<Family_32fc_16sc>(), 424230223U);
+}
+
+// Many samples with poles close to the unit circle, against 64 bits: within 2^-51 of the terms, carried on by the
+// response of the recursion.
+void stay_close(double radius, double angle, bool cascade, int samples) {
+    using R = long double;
+    Random random("drift");
+    const double c1 = -2 * radius * std::cos(angle), c2 = radius * radius;
+    const std::vector<double> taps{1, 0.5, -0.25, 1, c1, c2};
+    const Context context = make<Family_64f>(cascade, taps);
+    R w1 = 0, w2 = 0, h1 = 0, h2 = 0, response = 0, level = 0;
+    const auto size = [](R v) { return v < 0 ? -v : v; };
+    for (int i = 0; i < 400000; ++i) {
+        const R h = (i == 0 ? 1 : 0) - R{c1} * h1 - R{c2} * h2;
+        h2 = h1, h1 = h, response += size(h);
+    }
+    R worst = 0;
+    for (int done = 0, count = 0; done < samples; done += count) {
+        count = 1 + random.below(9000);
+        const auto x = noise<double>(random, count);
+        const auto y = filtered<Family_64f>(done % 3 == 0 ? as_block : in_place, x, context);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            const R w = R{x[i]} - R{c1} * w1 - R{c2} * w2, exact = w + R{0.5} * w1 - R{0.25} * w2;
+            worst = std::max(worst, size(exact - R{y[i]}));
+            level = std::max(level, size(w) * (1 + size(R{c1}) + size(R{c2})));
+            w2 = w1, w1 = w;
+        }
+    }
+    const auto bound = static_cast<double>(level * response) * 0x1p-51;
+    EXPECT_LE(static_cast<double>(worst), bound) << radius << " at " << angle << " cascade " << cascade;
+    EXPECT_GT(bound, 0);
+}
+
+TEST(Iir, AMillionSamplesDoNotDriftCloseToTheUnitCircle) {
+    for (bool cascade : {true, false}) {
+        stay_close(0.9999, 1e-4, cascade, 1000000);
+        for (double angle : {0.01, 1.0, 2.0, 3.1415, 3.14159265}) stay_close(0.9999, angle, cascade, 100000);
+    }
+    stay_close(0.5, 1, true, 100000);
+    stay_close(0, 1, true, 100000);
+}
+
+/// Results of doubles lie within 2^-51 of the magnitudes of all terms, carried on by the response of the recursion.
+template <class F>
+void stay_within_the_terms(const std::vector<typename F::Taps>& taps, const std::vector<typename F::Sample>& x) {
+    const std::size_t order = taps.size() / 2 - 1, count = x.size();
+    const auto y = filtered<F>(as_block, x, make<F>(false, taps));
+    const auto size = [](const Z<L>& z) { return std::fabs(z.re) + std::fabs(z.im); };
+    std::vector<Z<L>> exact(count), response(count);
+    std::vector<L> terms(count);
+    response[0] = {1, 0};
+    for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t j = 0; j <= std::min(i, order); ++j) {
+            const auto b = wide<L>(taps[j]), a = wide<L>(taps[order + 1 + j]), sample = wide<L>(x[i - j]);
+            exact[i] = exact[i] + b * sample;
+            terms[i] += size(b) * size(sample);
+            if (j == 0) continue;
+            exact[i] = exact[i] - a * exact[i - j];
+            terms[i] += size(a) * size(exact[i - j]);
+            response[i] = response[i] - a * response[i - j];
+        }
+        L carried = 0;
+        for (std::size_t j = 0; j <= i; ++j) carried += size(response[j]) * terms[i - j];
+        ASSERT_LE(size(wide<L>(y[i]) - exact[i]), carried * 0x1p-51L) << "order " << order << " at " << i;
+    }
+}
+
+/// 1 and the rest of a polynomial with roots from the angle 0 on: the closer together, the larger the sums that cancel
+/// out. Real ones are in pairs.
+template <class T>
+std::vector<T> with_roots(Random& random, std::size_t order, double radius, double spread) {
+    std::vector<Z<L>> a{{1, 0}};
+    while (a.size() <= order) {
+        const L r = radius * random.uniform(0.7, 1), angle = random.uniform(0, spread);
+        const Z<L> root{r * std::cos(angle), r * std::sin(angle)};
+        const bool pair = parts<T> == 1 && a.size() < order;
+        const Z<L> c1 = pair ? Z<L>{-2 * root.re, 0} : parts<T> == 1 ? Z<L>{-r, 0} : Z<L>{} - root, c2{r * r, 0};
+        a.resize(a.size() + (pair ? 2 : 1));
+        for (std::size_t i = a.size(); i-- > 1;) {
+            a[i] = a[i] + c1 * a[i - 1];
+            if (pair && i > 1) a[i] = a[i] + c2 * a[i - 2];
+        }
+    }
+    std::vector<T> narrowed;
+    for (const auto& z : a) narrowed.push_back(narrow<T>(z));
+    return narrowed;
+}
+
+template <class F>
+void stay_within_the_terms_wherever_the_poles_are() {
+    using T = typename F::Taps;
+    Random random("poles");
+    for (std::size_t order : {1, 2, 3, 4, 5, 7, 8, 9, 12, 15, 16, 17, 24, 31, 32, 33})
+        for (double radius : {0.3, 0.8, 0.95})
+            for (double spread : {0.05, 0.5, 3.1}) {
+                auto taps = noise<T>(random, static_cast<int>(order + 1));
+                const auto a = with_roots<T>(random, order, radius, spread);
+                taps.insert(taps.end(), a.begin(), a.end());
+                stay_within_the_terms<F>(taps, noise<T>(random, 200));
+                if (testing::Test::HasFatalFailure()) FAIL() << F::name << ' ' << radius << " up to " << spread;
+            }
+}
+
+TEST(Iir, RoundingsStayWithinTheTermsWhereverThePolesAre) {
+    stay_within_the_terms_wherever_the_poles_are<Family_64f>();
+    stay_within_the_terms_wherever_the_poles_are<Family_64fc>();
+}
+
+// Gains, samples and registers near both ends of the range go the way of the rule.
+TEST(Iir, DoublesOfEverySizeFollowTheRule) {
+    struct Row {
+        bool cascade;
+        std::vector<double> taps;
+        double size;
+    };
+    const double most = std::numeric_limits<double>::max();
+    const Row rows[] = {
+        {true, {0x1p1020, 0x1p1019, 0, 1, -1.5, 0.75}, 0x1p-100},
+        {true, {3 * 0x1p-1074, 0x1p-1073, 0, 1, -1.5, 0.75}, 0x1p500},
+        {true, {1, 0x1p900, 0, 1, -0.5, 0.25, 1, 0.5, 0, 1, 0.5, 0.25}, 0x1p120},
+        {true, {1, 0.5, 0.25, 1, -0x1p-300, 0x1p-600}, 0x1p900},
+        {false, {0x1p1020, 0x1p1019, 1, 1, -0.5, 0.25}, 0x1p-100},
+        {false, {3 * 0x1p-1074, 0, 0x1p-1074, 1, -0.5, 0.25}, 0x1p500},
+        {false, {0, 0, 1, 1, -0.5, 0.25}, most / 4},
+        {false, {1, 1, 1, -0.5}, 0x1p501},
+    };
+    Random random("sizes");
+    for (const Row& row : rows) {
+        auto x = noise<double>(random, 200);
+        for (double& v : x) v *= row.size;
+        const auto y = filtered<Family_64f>(as_block, x, make<Family_64f>(row.cascade, row.taps));
+        Rule<Family_64f> rule(row.cascade, row.taps);
+        std::vector<Z<L>> wide_x;
+        for (double v : x) wide_x.push_back(wide<L>(v));
+        const auto exact = rule.block(wide_x);
+        L level = 0x1p-1000L;
+        for (const auto& v : exact) level = std::max(level, size_of(v));
+        for (std::size_t i = 0; i < x.size(); ++i)
+            ASSERT_LE(std::fabs(L{y[i]} - exact[i].re), level * 0x1p-44L)
+                << "row " << &row - rows << " of size " << row.size << " at " << i;
+    }
+}
+
+TEST(Iir, RegistersThatAreNotFiniteGoTheWayOfTheRule) {
+    const std::vector<double> x(40, 1);
+    for (double odd : {HUGE_VAL, std::nan("")}) {
+        const auto y =
+            filtered<Family_64f>(as_block, x, make<Family_64f>(false, {1, 0, 0, 1, -0.5, 0.25}, 0, {0, odd}));
+        EXPECT_EQ(y[0], 1);
+        for (std::size_t i = 1; i < x.size(); ++i) EXPECT_FALSE(std::isfinite(y[i])) << i;
+        EXPECT_EQ(std::isnan(y[1]), std::isnan(odd));
+    }
+}
+
+// Infinities and NaNs reach no earlier sample, and an unstable filter ends where the rule ends.
+TYPED_TEST(IirTest, WhatIsNotFiniteReachesNoEarlierSample) {
+    using F = TypeParam;
+    using T = typename F::Sample;
+    if constexpr (!F::integer_samples) {
+        Random random("nan");
+        for (bool cascade : {false, true})
+            for (int size : {1, 2, 3, 5, 9}) {
+                const auto taps = stable_taps<typename F::Taps>(random, cascade, size);
+                const auto x = noise<T>(random, 100);
+                for (Part<T> odd :
+                     {std::numeric_limits<Part<T>>::infinity(), std::numeric_limits<Part<T>>::quiet_NaN()})
+                    for (std::size_t at : {0U, 1U, 20U, 31U, 64U}) {
+                        auto disturbed = x;
+                        values(disturbed)[at * parts<T>] = odd;
+                        const auto y = filtered<F>(as_block, x, make<F>(cascade, taps));
+                        const auto z = filtered<F>(as_block, disturbed, make<F>(cascade, taps));
+                        for (std::size_t i = 0; i < x.size() * parts<T>; ++i)
+                            EXPECT_EQ(std::isfinite(values(z)[i]), i / parts<T> < at)
+                                << cascade << size << ' ' << i << ' ' << at;
+                        for (std::size_t i = 0; i < at * parts<T>; ++i) EXPECT_NEAR(values(z)[i], values(y)[i], 1e-6);
+                    }
+            }
+    }
+}
+
+// Literal values
+
+TEST(Iir, ImpulseResponseOfOnePole) {
+    const Context context = make<Family_32f>(false, {1, 0, 1, -0.5});
+    EXPECT_EQ(filtered<Family_32f>(as_block, {1, 0, 0, 0}, context), (std::vector<float>{1, 0.5, 0.25, 0.125}));
+    EXPECT_EQ(state_of<Family_32f>(context, 1), std::vector<float>{0.0625});
+}
+
+TEST(Iir, OrderNoneIsAGainWithoutState) {
+    const Context context = make<Family_32f>(false, {3, 2});
+    EXPECT_EQ(filtered<Family_32f>(as_block, {1, -4}, context), (std::vector<float>{1.5, -6}));
+    float untouched = 7;
+    EXPECT_EQ(kelsIIRGetDlyLine_32f(context.get(), &untouched), kelStatusOk);
+    EXPECT_EQ(kelsIIRSetDlyLine_32f(context.get(), nullptr), kelStatusOk);
+    EXPECT_EQ(untouched, 7);
+}
+
+TEST(Iir, BothFormsOfOneSectionAgree) {
+    Random random("forms");
+    const std::vector<double> taps{0.5, 0.25, 0.125, 2, -1.5, 0.75};
+    const auto x = noise<double>(random, 1000);
+    const auto a = filtered<Family_64f>(as_block, x, make<Family_64f>(false, taps));
+    const auto b = filtered<Family_64f>(as_block, x, make<Family_64f>(true, taps));
+    for (std::size_t i = 0; i < x.size(); ++i) EXPECT_NEAR(a[i], b[i], 1e-14);
+}
+
+/// One sample of 1 through a gain.
+template <class F>
+typename F::Sample scaled(double gain, int scaleFactor) {
+    using Tap = typename F::Taps;
+    const Context context = make<F>(false, {static_cast<Tap>(gain), Tap{1}});
+    const auto y = filtered<F>(one_by_one, {1}, context, scaleFactor),
+               z = filtered<F>(as_block, {1}, context, scaleFactor);
+    EXPECT_TRUE(same(y, z));
+    return y[0];
+}
+
+template <class F>
+class IirRounding : public testing::Test {};
+using IntegerSamples = testing::Types<Family_32f_16s, Family_64f_16s, Family_64f_32s>;
+TYPED_TEST_SUITE(IirRounding, IntegerSamples, FamilyNames);
+
+TYPED_TEST(IirRounding, TiesGoAwayFromZeroAndScalesReachFar) {
+    using F = TypeParam;
+    using T = typename F::Sample;
+    constexpr T most = std::numeric_limits<T>::max(), least = std::numeric_limits<T>::min();
+    EXPECT_EQ(scaled<F>(3, 1), 2);
+    EXPECT_EQ(scaled<F>(-3, 1), -2);
+    EXPECT_EQ(scaled<F>(3, -1), 6);
+    EXPECT_EQ(scaled<F>(0.25, 0), 0);
+    EXPECT_EQ(scaled<F>(most, 0), most);
+    EXPECT_EQ(scaled<F>(4e9, 0), most);
+    EXPECT_EQ(scaled<F>(-4e9, 0), least);
+    EXPECT_EQ(scaled<F>(NAN, 0), most);
+    EXPECT_EQ(scaled<F>(NAN, INT_MIN), most);
+    EXPECT_EQ(scaled<F>(5, 128), 0) << "no modulus";
+    EXPECT_EQ(scaled<F>(-5, -128), least);
+    EXPECT_EQ(scaled<F>(0x1p100, 100), 1);
+    EXPECT_EQ(scaled<F>(0x1p-100, -100), 1);
+    EXPECT_EQ(scaled<F>(1e30, 16445), 0);
+    EXPECT_EQ(scaled<F>(-INFINITY, 16445), least) << "2^-16445 is the least number of extended precision";
+    EXPECT_EQ(scaled<F>(-INFINITY, 16446), most) << "infinity times 0";
+    EXPECT_EQ(scaled<F>(0, -16383), 0);
+    EXPECT_EQ(scaled<F>(0, -16384), most) << "0 times infinity";
+    EXPECT_EQ(scaled<F>(-1, -16384), least);
+    EXPECT_EQ(scaled<F>(1, INT_MAX), 0);
+    EXPECT_EQ(scaled<F>(-1, INT_MIN), least);
+}
+
+TEST(Iir, ScalesOfDoublesReachBothEnds) {
+    EXPECT_EQ(scaled<Family_64f_32s>(0x1p1023, 1023), 1);
+    EXPECT_EQ(scaled<Family_64f_32s>(-0x1p1023, 1024), -1);
+    EXPECT_EQ(scaled<Family_64f_32s>(0x1p1023, 1025), 0);
+    EXPECT_EQ(scaled<Family_64f_32s>(0x1p-1022, -1024), 4);
+    EXPECT_EQ(scaled<Family_64f_32s>(-0x1p-1022, -4000), INT_MIN);
+}
+
+} // namespace
