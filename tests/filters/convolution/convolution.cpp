@@ -1,0 +1,252 @@
+// Convolutions against their definition in extended precision: short ones step by step, every way of long ones.
+
+#include "kels/convolution.h"
+#include "filters/samples.h"
+#include "support/allocation_faults.h"
+#include "support/control_state.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using filter_test::noise;
+using filter_test::same;
+using kels_test::Edge;
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+/// Every sum rounded to single precision, in the order of the shorter vector.
+template <class T>
+std::vector<Kel32f> stepwise(const std::vector<T>& a, const std::vector<T>& b) {
+    const auto& longer = a.size() < b.size() ? b : a;
+    const auto& shorter = a.size() < b.size() ? a : b;
+    std::vector<Kel32f> y(a.size() + b.size() - 1);
+    for (std::size_t j = 0; j < shorter.size(); ++j)
+        for (std::size_t i = 0; i < longer.size(); ++i)
+            y[i + j] = static_cast<Kel32f>(y[i + j] + static_cast<long double>(shorter[j]) * longer[i]);
+    return y;
+}
+
+template <class T>
+std::vector<long double> convolved(const std::vector<T>& a, const std::vector<T>& b) {
+    std::vector<long double> y(a.size() + b.size() - 1);
+    for (std::size_t j = 0; j < a.size(); ++j)
+        for (std::size_t i = 0; i < b.size(); ++i) y[i + j] += static_cast<long double>(a[j]) * b[i];
+    return y;
+}
+
+template <class T>
+long double norm(const std::vector<T>& x) {
+    long double sum = 0;
+    for (const T v : x) sum += static_cast<long double>(v) * v;
+    return std::sqrt(sum);
+}
+
+std::vector<Kel32f> convolve(const std::vector<Kel32f>& a, const std::vector<Kel32f>& b, Edge edge) {
+    GuardedArray<Kel32f> x(a, edge), y(b, edge), dst(a.size() + b.size() - 1, edge);
+    EXPECT_EQ(kelsConv_32f(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data()),
+              kelStatusOk);
+    return dst.values();
+}
+
+std::vector<Kel16s> convolve(const std::vector<Kel16s>& a, const std::vector<Kel16s>& b, int scale, Edge edge) {
+    GuardedArray<Kel16s> x(a, edge), y(b, edge), dst(a.size() + b.size() - 1, edge);
+    EXPECT_EQ(
+        kelsConv_16s_Sfs(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), scale),
+        kelStatusOk);
+    return dst.values();
+}
+
+constexpr int short_lengths[][2] = {{1, 1},  {1, 149}, {149, 1}, {75, 75}, {74, 75},
+                                    {3, 40}, {40, 3},  {16, 17}, {64, 64}};
+constexpr int long_lengths[][2] = {{75, 76},    {76, 75},    {150, 1},    {1, 3000},   {149, 2},
+                                   {300, 300},  {257, 700},  {700, 257},  {1000, 999}, {20000, 5},
+                                   {4096, 256}, {400, 5000}, {1500, 1500}};
+
+Kel16s scaled(long double v, int scale) {
+    const long double nearest = std::nearbyint(v * std::ldexp(1.0L, -std::clamp(scale, -200, 200)));
+    return static_cast<Kel16s>(std::clamp(nearest, -32768.0L, 32767.0L));
+}
+
+TEST(Convolution, RoundsEveryStepOfShortOnes) {
+    Random random("short convolutions");
+    for (const auto& [m, n] : short_lengths)
+        for (const Edge edge : kels_test::edges) {
+            const auto a = noise<Kel32f>(random, m), b = noise<Kel32f>(random, n);
+            EXPECT_EQ(convolve(a, b, edge), stepwise(a, b)) << m << " " << n;
+            const auto c = noise<Kel16s>(random, m), d = noise<Kel16s>(random, n);
+            const auto sums = stepwise(c, d);
+            for (const int scale : {0, 1, 15, 17, 20, 31, 200, INT_MAX, -1, -3, INT_MIN}) {
+                std::vector<Kel16s> want;
+                for (const Kel32f sum : sums) want.push_back(scaled(sum, scale));
+                EXPECT_EQ(convolve(c, d, scale, edge), want) << m << " " << n << " scale " << scale;
+            }
+        }
+}
+
+TEST(Convolution, LongOnes) {
+    Random random("long convolutions");
+    for (const auto& [m, n] : long_lengths) {
+        const auto a = noise<Kel32f>(random, m), b = noise<Kel32f>(random, n);
+        const auto want = convolved(a, b);
+        const long double slack = 0x1p-22L * norm(a) * norm(b);
+        for (const Edge edge : kels_test::edges) {
+            const auto y = convolve(a, b, edge);
+            for (std::size_t k = 0; k < want.size(); ++k)
+                ASSERT_NEAR(y[k], want[k], slack + std::fabs(want[k]) * 0x1p-23L) << m << " " << n << " result " << k;
+        }
+    }
+}
+
+TEST(Convolution, LongOnesOf16Bits) {
+    Random random("long convolutions of 16 bits");
+    for (const auto& [m, n] : long_lengths)
+        for (const int scale : {14, 20}) {
+            const auto a = noise<Kel16s>(random, m), b = noise<Kel16s>(random, n);
+            const auto want = convolved(a, b);
+            const long double power = std::ldexp(1.0L, -scale), slack = 0x1p-22L * norm(a) * norm(b) * power + 0.5L;
+            const auto y = convolve(a, b, scale, Edge::back);
+            for (std::size_t k = 0; k < want.size(); ++k)
+                ASSERT_NEAR(y[k], std::clamp(want[k] * power, -32768.0L, 32767.0L), slack)
+                    << m << " " << n << " result " << k;
+        }
+}
+
+// As if the other samples were not there: no way of the direct sums multiplies what is outside.
+TEST(Convolution, InfinitiesReachTheirTermsOnly) {
+    std::vector<Kel32f> a(40, 1), b(30, 2);
+    a[39] = HUGE_VALF;
+    b[0] = std::nanf("");
+    const auto y = convolve(a, b, Edge::front);
+    for (std::size_t k = 0; k < y.size(); ++k) {
+        EXPECT_EQ(std::isnan(y[k]), k < 40) << k;
+        EXPECT_EQ(std::isinf(y[k]), k >= 40) << k;
+    }
+}
+
+TEST(Convolution, ChecksInOrder) {
+    const Kel32f x[2] = {1, 2};
+    Kel32f y[3] = {7, 7, 7};
+    EXPECT_EQ(kelsConv_32f(nullptr, 0, x, 2, y), kelStatusNullPtr);
+    EXPECT_EQ(kelsConv_32f(x, 0, nullptr, 2, y), kelStatusNullPtr);
+    EXPECT_EQ(kelsConv_32f(x, 2, x, 0, nullptr), kelStatusNullPtr);
+    const Kel16s s[2] = {1, 2};
+    Kel16s d[3] = {7, 7, 7};
+    EXPECT_EQ(kelsConv_16s_Sfs(nullptr, 0, s, 2, d, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsConv_16s_Sfs(s, 0, nullptr, 2, d, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsConv_16s_Sfs(s, 2, s, 0, nullptr, 0), kelStatusNullPtr);
+    for (const int bad : {0, -1, INT_MIN}) {
+        EXPECT_EQ(kelsConv_32f(x, bad, x, 2, y), kelStatusBadSize);
+        EXPECT_EQ(kelsConv_32f(x, 2, x, bad, y), kelStatusBadSize);
+        EXPECT_EQ(kelsConv_16s_Sfs(s, bad, s, 2, d, 0), kelStatusBadSize);
+        EXPECT_EQ(kelsConv_16s_Sfs(s, 2, s, bad, d, 0), kelStatusBadSize);
+    }
+    EXPECT_EQ(y[0], 7);
+    EXPECT_EQ(d[0], 7);
+}
+
+TEST(Convolution, WithoutMemory) {
+    Random random("convolutions without memory");
+    const auto a = noise<Kel32f>(random, 3000);
+    const auto b = noise<Kel16s>(random, 3000);
+    std::vector<Kel32f> y(5999);
+    std::vector<Kel16s> z(5999);
+    kels_test::for_each_allocation_failure([&] { return kelsConv_32f(a.data(), 3000, a.data(), 3000, y.data()); });
+    kels_test::for_each_allocation_failure(
+        [&] { return kelsConv_16s_Sfs(b.data(), 3000, b.data(), 3000, z.data(), 15); });
+    kels_test::for_each_allocation_failure([&] {
+        const KelStatus status = kelsConv_16s_Sfs(b.data(), 10, b.data(), 10, z.data(), 15);
+        EXPECT_NE(status, kelStatusNoMemory);
+        return status == kelStatusNullPtr ? kelStatusNoMemory : status;
+    });
+}
+
+TEST(Convolution, IntegersInAnyMode) {
+    Random random("convolutions in any mode");
+    for (const int n : {60, 700}) {
+        const auto a = noise<Kel16s>(random, n), b = noise<Kel16s>(random, n);
+        const auto want = convolve(a, b, 16, Edge::back);
+        for (const auto& modes : kels_test::odd_modes) {
+            std::vector<Kel16s> y(want.size());
+            const auto after = kels_test::under(modes, [&] {
+                kelsConv_16s_Sfs(a.data(), n, b.data(), n, y.data(), 16);
+                return kels_test::ControlState::current();
+            });
+            EXPECT_TRUE(after.same_modes(modes));
+            EXPECT_EQ(y, want);
+        }
+    }
+}
+
+// Cyclic convolutions
+
+TEST(CyclicConvolution, RealNumbers) {
+    Random random("cyclic convolutions");
+    for (int i = 0; i < 200; ++i) {
+        auto x = noise<Kel32f>(random, 8), h = noise<Kel32f>(random, 8);
+        Kel32f y[8];
+        EXPECT_EQ(kelsConvCyclic8x8_32f(x.data(), h.data(), y), kelStatusOk);
+        for (std::size_t k = 0; k < 8; ++k) {
+            long double sum = 0;
+            for (std::size_t j = 0; j < 8; ++j) sum += static_cast<long double>(x[j]) * h[(k - j) % 8];
+            EXPECT_FLOAT_EQ(y[k], static_cast<Kel32f>(sum));
+        }
+        const auto hc = noise<Kel32fc>(random, 4);
+        Kel32fc z[4];
+        EXPECT_EQ(kelsConvCyclic4x4_32f32fc(x.data(), hc.data(), z), kelStatusOk);
+        for (std::size_t k = 0; k < 4; ++k) {
+            long double re = 0, im = 0;
+            for (std::size_t j = 0; j < 4; ++j) {
+                re += static_cast<long double>(x[j]) * hc[(k - j) % 4].re;
+                im += static_cast<long double>(x[j]) * hc[(k - j) % 4].im;
+            }
+            EXPECT_NEAR(z[k].re, re, 0x1p-24L * std::fabs(re) + 0x1p-50L);
+            EXPECT_NEAR(z[k].im, im, 0x1p-24L * std::fabs(im) + 0x1p-50L);
+        }
+        EXPECT_EQ(kelsConvCyclic8x8_32f(x.data(), h.data(), h.data()), kelStatusOk);
+        EXPECT_TRUE(same(h, std::vector<Kel32f>(y, y + 8)));
+    }
+    const Kel32f impulse[8] = {0, 0, 1}, h[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    Kel32f y[8];
+    kelsConvCyclic8x8_32f(impulse, h, y);
+    EXPECT_EQ(std::vector<Kel32f>(y, y + 8), (std::vector<Kel32f>{7, 8, 1, 2, 3, 4, 5, 6}));
+}
+
+TEST(CyclicConvolution, SixteenBitsWrapShiftAndSaturate) {
+    Random random("cyclic convolutions of 16 bits");
+    for (int i = 0; i < 400; ++i) {
+        auto x = noise<Kel16s>(random, 8), h = noise<Kel16s>(random, 8);
+        if (i % 3 == 0) {
+            for (Kel16s& v : x) v = static_cast<Kel16s>(v % 20);
+            for (Kel16s& v : h) v = static_cast<Kel16s>(v % 20);
+        }
+        if (i == 1) x = h = std::vector<Kel16s>(8, -32768);
+        for (const int scale : {0, 1, 2, 15, 16, 30, 31, 32, 33, INT_MAX, -1, -2, -8, -30, -31, -32, -33, INT_MIN}) {
+            Kel16s y[8];
+            EXPECT_EQ(kelsConvCyclic8x8_16s_Sfs(x.data(), h.data(), y, scale), kelStatusOk);
+            for (std::size_t k = 0; k < 8; ++k) {
+                std::int64_t sum = 0;
+                for (std::size_t j = 0; j < 8; ++j) sum += std::int64_t{x[j]} * h[(k - j) % 8];
+                const std::int64_t wrapped = static_cast<std::int32_t>(sum & 0xFFFFFFFF);
+                const std::int64_t shift = scale;
+                std::int64_t want = wrapped;
+                if (shift > 0) want = wrapped >> std::min<std::int64_t>(shift, 31);
+                if (shift < 0) want = shift <= -32 ? 0 : static_cast<std::int32_t>((sum << -shift) & 0xFFFFFFFF);
+                EXPECT_EQ(y[k], std::clamp<std::int64_t>(want, -32768, 32767)) << scale;
+            }
+        }
+    }
+    Kel16s x[8] = {-3}, h[8] = {1}, y[8];
+    kelsConvCyclic8x8_16s_Sfs(x, h, y, 1);
+    EXPECT_EQ(y[0], -2);
+}
+
+} // namespace

@@ -1,0 +1,423 @@
+// Auto- and cross-correlations against their definition in extended precision: the direct sums within the rounding of
+// their terms, transforms within that of the vectors' norms.
+
+#include "filters/samples.h"
+#include "kels/convolution.h"
+#include "support/allocation_faults.h"
+#include "support/control_state.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using filter_test::noise;
+using filter_test::Part;
+using filter_test::parts;
+using kels_test::Edge;
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+using Number = std::complex<long double>;
+
+template <class T>
+Number number(const T& x) {
+    if constexpr (parts<T> == 2)
+        return {x.re, x.im};
+    else
+        return x;
+}
+
+template <class T, KelStatus (*plain_)(const T*, int, T*, int), KelStatus (*biased_)(const T*, int, T*, int),
+          KelStatus (*unbiased_)(const T*, int, T*, int),
+          KelStatus (*cross_)(const T*, int, const T*, int, T*, int, int), int lags_, int cost_>
+struct Functions {
+    using Sample = T;
+    static constexpr auto plain = plain_;
+    static constexpr auto biased = biased_;
+    static constexpr auto unbiased = unbiased_;
+    static constexpr auto cross = cross_;
+    static constexpr int least_lags = lags_; ///< that may be transformed
+    static constexpr int most_cost = cost_;  ///< of direct sums
+};
+
+using Families = testing::Types<
+    Functions<Kel32f, kelsAutoCorr_32f, kelsAutoCorr_NormA_32f, kelsAutoCorr_NormB_32f, kelsCrossCorr_32f, 600, 383>,
+    Functions<Kel64f, kelsAutoCorr_64f, kelsAutoCorr_NormA_64f, kelsAutoCorr_NormB_64f, kelsCrossCorr_64f, 600, 511>,
+    Functions<Kel32fc, kelsAutoCorr_32fc, kelsAutoCorr_NormA_32fc, kelsAutoCorr_NormB_32fc, kelsCrossCorr_32fc, 96,
+              255>,
+    Functions<Kel64fc, kelsAutoCorr_64fc, kelsAutoCorr_NormA_64fc, kelsAutoCorr_NormB_64fc, kelsCrossCorr_64fc, 96,
+              511>>;
+
+struct Lag {
+    Number sum = 0;
+    long double magnitudes = 0;
+};
+
+/// One lag of two vectors.
+template <class T>
+Lag lag_of(const std::vector<T>& a, const std::vector<T>& b, std::int64_t lag) {
+    Lag result;
+    const auto an = static_cast<std::int64_t>(a.size()), bn = static_cast<std::int64_t>(b.size());
+    long double re = 0, im = 0;
+    for (std::int64_t n = std::max<std::int64_t>(0, -lag); n < std::min(an, bn - lag); ++n) {
+        const auto* x = filter_test::values(a) + n * parts<T>;
+        const auto* y = filter_test::values(b) + (n + lag) * parts<T>;
+        const long double xr = x[0], yr = y[0];
+        if constexpr (parts<T> == 1) {
+            re += xr * yr;
+            result.magnitudes += std::fabs(xr * yr);
+        } else {
+            const long double xi = x[1], yi = y[1];
+            re += xr * yr + xi * yi;
+            im += xr * yi - xi * yr;
+            result.magnitudes += std::sqrt((xr * xr + xi * xi) * (yr * yr + yi * yi));
+        }
+    }
+    result.sum = {re, im};
+    return result;
+}
+
+template <class T>
+long double norm(const std::vector<T>& x) {
+    long double sum = 0;
+    for (const T& v : x) sum += std::norm(number(v));
+    return std::sqrt(sum);
+}
+
+template <class T>
+constexpr long double eps = std::numeric_limits<Part<T>>::epsilon();
+
+/// Within one unit of the last place, and the rounding of doubles or of transforms.
+template <class T>
+testing::AssertionResult near(const T& got, const Lag& want, bool direct, long double norms) {
+    const long double slack = direct ? 0x1p-51L * want.magnitudes : 4 * eps<T> * norms;
+    const Number error = number(got) - want.sum;
+    if (std::fabs(error.real()) <= slack + eps<T> * std::fabs(want.sum.real()) &&
+        std::fabs(error.imag()) <= slack + eps<T> * std::fabs(want.sum.imag()))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "off by " << error << " from " << want.sum << ", slack " << slack;
+}
+
+template <class F>
+struct Correlation : testing::Test {
+    using Sample = typename F::Sample;
+
+    template <class Call>
+    static std::vector<Sample> at_edges(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags,
+                                        Call call) {
+        std::vector<Sample> results[2];
+        for (const Edge edge : kels_test::edges) {
+            GuardedArray<Sample> x(a, edge), y(b, edge), dst(static_cast<std::size_t>(lags), edge);
+            EXPECT_EQ(
+                call(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), lags),
+                kelStatusOk);
+            results[edge == Edge::back] = dst.values();
+        }
+        EXPECT_TRUE(filter_test::same(results[0], results[1]));
+        return results[0];
+    }
+
+    static std::vector<Sample> itself(const std::vector<Sample>& x, int lags,
+                                      KelStatus (*f)(const Sample*, int, Sample*, int) = F::plain) {
+        return at_edges(x, x, lags, [=](const Sample* a, int n, const Sample*, int, Sample* dst, int count) {
+            return f(a, n, dst, count);
+        });
+    }
+    static std::vector<Sample> cross(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags, int low) {
+        return at_edges(a, b, lags, [=](const Sample* x, int m, const Sample* y, int n, Sample* dst, int count) {
+            return F::cross(x, m, y, n, dst, count, low);
+        });
+    }
+
+    static void expect_cross(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags, int low) {
+        const auto r = cross(a, b, lags, low);
+        const auto an = static_cast<std::int64_t>(a.size()), bn = static_cast<std::int64_t>(b.size());
+        const std::int64_t from = std::max<std::int64_t>(low, 1 - an),
+                           to = std::min<std::int64_t>(std::int64_t{low} + lags, bn);
+        const double cost =
+            double(std::max<std::int64_t>(to - from, 0)) * double(std::min(an, bn)) / double(std::max(an, bn));
+        const bool direct = static_cast<std::int64_t>(cost) <= F::most_cost;
+        const long double norms = norm(a) * norm(b);
+        for (int k = 0; k < lags; k += 1 + lags / 100)
+            ASSERT_TRUE(near(r[static_cast<std::size_t>(k)], lag_of(a, b, std::int64_t{low} + k), direct, norms))
+                << an << " and " << bn << ", lag " << std::int64_t{low} + k << " of " << lags << " from " << low;
+    }
+};
+TYPED_TEST_SUITE(Correlation, Families);
+
+TYPED_TEST(Correlation, WithItself) {
+    using T = typename TypeParam::Sample;
+    Random random("autocorrelations");
+    constexpr int switched = TypeParam::least_lags;
+    const int sizes[][2] = {{1, 1},     {1, 5},       {2, 2},           {7, 3},
+                            {8, 20},    {33, 33},     {95, 95},         {96, 96},
+                            {97, 96},   {1000, 10},   {700, switched},  {700, switched - 1},
+                            {1500, 30}, {1000, 1100}, {2500, switched}, {1100, 1100},
+                            {599, 700}, {600, 600},   {601, 599}};
+    for (const auto& [n, lags] : sizes) {
+        const auto x = noise<T>(random, n);
+        const auto r = this->itself(x, lags);
+        const bool direct = std::min(n, lags) < switched;
+        const long double norms = norm(x) * norm(x);
+        for (int k = 0; k < lags; k += 1 + lags / 100)
+            ASSERT_TRUE(near(r[static_cast<std::size_t>(k)], lag_of(x, x, k), direct, norms))
+                << n << " samples, lag " << k << " of " << lags;
+        for (std::size_t k = static_cast<std::size_t>(n); k < r.size(); ++k) EXPECT_EQ(number(r[k]), Number(0));
+        EXPECT_EQ(number(r[0]).imag(), 0);
+    }
+}
+
+TYPED_TEST(Correlation, NormsActOnRoundedLags) {
+    using T = typename TypeParam::Sample;
+    using P = Part<T>;
+    Random random("norms");
+    for (const int n : {1, 3, 50, 95, 700}) {
+        const auto x = noise<T>(random, n);
+        const int lags = n + 5;
+        const auto plain = this->itself(x, lags);
+        auto biased = plain, unbiased = plain;
+        for (int k = 0; k < lags * parts<T>; ++k) {
+            filter_test::values(biased)[k] *= static_cast<P>(1.0L / n);
+            if (k < n * parts<T>) filter_test::values(unbiased)[k] /= static_cast<P>(n - k / parts<T>);
+        }
+        EXPECT_TRUE(filter_test::same(this->itself(x, lags, TypeParam::biased), biased)) << n;
+        EXPECT_TRUE(filter_test::same(this->itself(x, lags, TypeParam::unbiased), unbiased)) << n;
+    }
+}
+
+TYPED_TEST(Correlation, EveryLagOfShortVectors) {
+    using T = typename TypeParam::Sample;
+    Random random("short correlations");
+    for (int m = 1; m < 12; ++m)
+        for (int n = 1; n < 12; ++n) {
+            const auto a = noise<T>(random, m), b = noise<T>(random, n);
+            this->expect_cross(a, b, m + n + 3, -m - 1);
+            for (int low = -m - 2; low < n + 2; low += 3) this->expect_cross(a, b, 4, low);
+        }
+}
+
+TYPED_TEST(Correlation, AroundTheSwitch) {
+    using T = typename TypeParam::Sample;
+    Random random("switches of correlations");
+    constexpr int cost = TypeParam::most_cost;
+    for (const int more : {0, 1, 2})
+        this->expect_cross(noise<T>(random, 700), noise<T>(random, 700), cost + more, -100);
+    this->expect_cross(noise<T>(random, 500), noise<T>(random, 1000), 2 * cost + 1, -400);
+    this->expect_cross(noise<T>(random, 1000), noise<T>(random, 500), 2 * cost + 2, -900);
+}
+
+// Every way of the transforms: at once, in blocks, in halves; and many tiles of strips.
+TYPED_TEST(Correlation, LongVectors) {
+    using T = typename TypeParam::Sample;
+    Random random("long correlations");
+    const int sizes[][4] = {{1500, 1500, 2999, -1499}, {3000, 900, 1000, -2500}, {900, 3000, 3899, -899},
+                            {20, 3000, 3019, -19},     {3000, 20, 3100, -3050},  {4000, 4000, 700, -300},
+                            {4000, 4000, 520, 3000},   {4000, 4000, 520, -3900}, {2500, 2600, 200, 2450}};
+    for (const auto& [m, n, lags, low] : sizes) this->expect_cross(noise<T>(random, m), noise<T>(random, n), lags, low);
+}
+
+TYPED_TEST(Correlation, ExtremeLags) {
+    using T = typename TypeParam::Sample;
+    Random random("extreme lags");
+    const auto a = noise<T>(random, 5), b = noise<T>(random, 7);
+    for (const int low : {INT_MIN, INT_MIN + 1, -6, 7, INT_MAX - 1, INT_MAX}) {
+        const auto r = this->cross(a, b, 1, low);
+        EXPECT_EQ(number(r[0]), Number(0)) << low;
+    }
+    const auto r = this->cross(a, b, 2, -5);
+    EXPECT_EQ(number(r[0]), Number(0));
+    EXPECT_TRUE(near(r[1], lag_of(a, b, -4), true, 0));
+    EXPECT_EQ(number(this->cross(a, a, 1, 0)[0]), number(this->itself(a, 1)[0]));
+}
+
+// The value of a lag is its own, whatever others are asked for.
+TYPED_TEST(Correlation, LagsAloneAndAmongOthers) {
+    using T = typename TypeParam::Sample;
+    Random random("lags alone");
+    const auto a = noise<T>(random, 2100), b = noise<T>(random, 2100);
+    const auto some = this->cross(a, b, 250, 1900), all = this->itself(a, 90);
+    for (int k = 0; k < 250; k += 31) {
+        const auto one = this->cross(a, b, 1, 1900 + k);
+        EXPECT_EQ(number(one[0]), number(some[static_cast<std::size_t>(k)]));
+    }
+    EXPECT_TRUE(filter_test::same(this->itself(a, 17), std::vector<T>(all.begin(), all.begin() + 17)));
+}
+
+TYPED_TEST(Correlation, NotANumberReachesItsTermsOnly) {
+    using T = typename TypeParam::Sample;
+    Random random("correlations of NaNs");
+    for (const auto& [m, n] : {std::pair{60, 60}, std::pair{20, 90}, std::pair{90, 20}}) {
+        auto a = noise<T>(random, m), b = noise<T>(random, n);
+        const auto clean = this->cross(a, b, m + n - 1, 1 - m);
+        filter_test::values(a)[(m - 3) * parts<T>] = std::numeric_limits<Part<T>>::quiet_NaN();
+        filter_test::values(b)[parts<T>] = std::numeric_limits<Part<T>>::infinity();
+        const auto r = this->cross(a, b, m + n - 1, 1 - m);
+        for (int k = 0; k < m + n - 1; ++k) {
+            const int lag = k + 1 - m;
+            const bool reached = (m - 3 + lag >= 0 && m - 3 + lag < n) || (1 - lag >= 0 && 1 - lag < m);
+            const Number got = number(r[static_cast<std::size_t>(k)]),
+                         want = number(clean[static_cast<std::size_t>(k)]);
+            EXPECT_EQ(std::isfinite(got.real()) && std::isfinite(got.imag()), !reached) << lag;
+            if (!reached) {
+                EXPECT_EQ(got, want) << lag;
+            }
+        }
+    }
+}
+
+TYPED_TEST(Correlation, ChecksInOrder) {
+    using T = typename TypeParam::Sample;
+    const T x[3] = {};
+    std::vector<T> y(3);
+    std::memset(static_cast<void*>(y.data()), 7, 3 * sizeof(T));
+    const auto before = y;
+    for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased}) {
+        EXPECT_EQ(f(nullptr, 0, y.data(), 3), kelStatusNullPtr);
+        EXPECT_EQ(f(x, 0, nullptr, 3), kelStatusNullPtr);
+        for (const int bad : {0, -1, INT_MIN}) {
+            EXPECT_EQ(f(x, bad, y.data(), 3), kelStatusBadSize);
+            EXPECT_EQ(f(x, 3, y.data(), bad), kelStatusBadSize);
+        }
+    }
+    EXPECT_EQ(TypeParam::cross(nullptr, 0, x, 3, y.data(), 3, 0), kelStatusNullPtr);
+    EXPECT_EQ(TypeParam::cross(x, 0, nullptr, 3, y.data(), 3, 0), kelStatusNullPtr);
+    EXPECT_EQ(TypeParam::cross(x, 0, x, 3, nullptr, 3, 0), kelStatusNullPtr);
+    for (const int bad : {0, -1, INT_MIN}) {
+        EXPECT_EQ(TypeParam::cross(x, bad, x, 3, y.data(), 3, 0), kelStatusBadSize);
+        EXPECT_EQ(TypeParam::cross(x, 3, x, bad, y.data(), 3, 0), kelStatusBadSize);
+        EXPECT_EQ(TypeParam::cross(x, 3, x, 3, y.data(), bad, 0), kelStatusBadSize);
+    }
+    EXPECT_TRUE(filter_test::same(y, before));
+}
+
+TYPED_TEST(Correlation, WithoutMemory) {
+    using T = typename TypeParam::Sample;
+    Random random("correlations without memory");
+    const auto x = noise<T>(random, 3000);
+    std::vector<T> y(3000);
+    for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased})
+        kels_test::for_each_allocation_failure([&] { return f(x.data(), 3000, y.data(), 3000); });
+    kels_test::for_each_allocation_failure(
+        [&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 3000, -9); });
+    kels_test::for_each_allocation_failure(
+        [&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 1000, -9); });
+}
+
+// 16 bits
+
+using Correlate16s = KelStatus (*)(const Kel16s*, int, Kel16s*, int, int);
+
+enum Norm { plain, biased, unbiased };
+constexpr Correlate16s functions16s[] = {kelsAutoCorr_16s_Sfs, kelsAutoCorr_NormA_16s_Sfs, kelsAutoCorr_NormB_16s_Sfs};
+
+/// What the rule makes of an exact sum: a single, normalised, scaled to nearest with ties to even, saturated.
+Kel16s scaled(Kel32f sum, int scale) {
+    const long double v = std::nearbyint(std::ldexp(static_cast<long double>(sum), -std::clamp(scale, -300, 300)));
+    return static_cast<Kel16s>(std::clamp(v, -32768.0L, 32767.0L));
+}
+
+/// What the norm makes of a rounded sum.
+Kel32f normalized(Kel32f sum, int norm_of, int len, int lag) {
+    if (norm_of == biased) return sum * static_cast<Kel32f>(1.0L / len);
+    return norm_of == unbiased && lag < len ? sum / static_cast<Kel32f>(len - lag) : sum;
+}
+
+TEST(Correlation16s, DirectLagsAreExact) {
+    Random random("correlations of 16 bits");
+    for (const int n : {1, 2, 9, 100, 599, 2000}) {
+        const auto x = noise<Kel16s>(random, n), y = noise<Kel16s>(random, 40);
+        const int lags = std::min(n + 3, 590);
+        std::vector<Kel32f> itself, cross;
+        for (int k = 0; k < lags; ++k) itself.push_back(static_cast<Kel32f>(lag_of(x, x, k).sum.real()));
+        for (int k = 0; k < 120; ++k) cross.push_back(static_cast<Kel32f>(lag_of(x, y, k - 70).sum.real()));
+        GuardedArray<Kel16s> a(x, Edge::back), b(y, Edge::front);
+        for (const int scale : {0, 1, 14, 17, 22, 31, INT_MAX, -1, -4, INT_MIN}) {
+            for (int norm_of = plain; norm_of <= unbiased; ++norm_of) {
+                GuardedArray<Kel16s> dst(itself.size(), Edge::back);
+                ASSERT_EQ(functions16s[norm_of](a.data(), n, dst.data(), lags, scale), kelStatusOk);
+                for (int k = 0; k < lags; ++k)
+                    ASSERT_EQ(dst.data()[k],
+                              scaled(normalized(itself[static_cast<std::size_t>(k)], norm_of, n, k), scale))
+                        << n << ", lag " << k << ", scale " << scale;
+            }
+            GuardedArray<Kel16s> dst(cross.size(), Edge::front);
+            ASSERT_EQ(kelsCrossCorr_16s_Sfs(a.data(), n, b.data(), 40, dst.data(), 120, -70, scale), kelStatusOk);
+            for (std::size_t k = 0; k < cross.size(); ++k) ASSERT_EQ(dst.data()[k], scaled(cross[k], scale));
+        }
+    }
+}
+
+TEST(Correlation16s, Transformed) {
+    Random random("transformed correlations of 16 bits");
+    const auto x = noise<Kel16s>(random, 1500), y = noise<Kel16s>(random, 1400);
+    std::vector<Kel16s> r(1600);
+    const long double slack = 0x1p-21L * norm(x) * norm(x) * 0x1p-20L + 0.5L;
+    for (int norm_of = plain; norm_of <= unbiased; ++norm_of) {
+        const int scale = norm_of == plain ? 20 : 10;
+        ASSERT_EQ(functions16s[norm_of](x.data(), 1500, r.data(), 1600, scale), kelStatusOk);
+        for (int k = 0; k < 1600; k += 13) {
+            const long double terms = norm_of == plain ? 1024 : norm_of == biased ? 1500 : std::max(1500 - k, 1);
+            const long double want = lag_of(x, x, k).sum.real() / terms * 0x1p-10L;
+            ASSERT_NEAR(r[static_cast<std::size_t>(k)], std::clamp(want, -32768.0L, 32767.0L),
+                        slack * 1024 / terms + 0.5L)
+                << k;
+        }
+    }
+    ASSERT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1500, y.data(), 1400, r.data(), 1600, -800, 20), kelStatusOk);
+    for (int k = 0; k < 1600; k += 13)
+        ASSERT_NEAR(r[static_cast<std::size_t>(k)],
+                    std::clamp(lag_of(x, y, k - 800).sum.real() * 0x1p-20L, -32768.0L, 32767.0L), slack)
+            << k;
+}
+
+TEST(Correlation16s, ChecksMemoryAndModes) {
+    Random random("frame of correlations of 16 bits");
+    const auto x = noise<Kel16s>(random, 2000);
+    std::vector<Kel16s> r(2500), again(2500);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(nullptr, 0, x.data(), 1, r.data(), 1, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, nullptr, 0, r.data(), 1, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, nullptr, 0, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 0, x.data(), 1, r.data(), 1, 0, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), -1, r.data(), 1, 0, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, r.data(), 0, 0, 0), kelStatusBadSize);
+    const auto cross = [](const Kel16s* a, int n, Kel16s* dst, int lags, int scale) {
+        return kelsCrossCorr_16s_Sfs(a, n, a, n, dst, lags, -50, scale);
+    };
+    for (const Correlate16s f : {functions16s[0], functions16s[1], functions16s[2], +cross}) {
+        if (f != +cross) {
+            EXPECT_EQ(f(nullptr, 0, r.data(), 1, 0), kelStatusNullPtr);
+            EXPECT_EQ(f(x.data(), 0, nullptr, 1, 0), kelStatusNullPtr);
+            EXPECT_EQ(f(x.data(), 0, r.data(), 1, 0), kelStatusBadSize);
+            EXPECT_EQ(f(x.data(), 1, r.data(), 0, 0), kelStatusBadSize);
+        }
+        for (const int lags : {100, 2500}) {
+            kels_test::for_each_allocation_failure([&] {
+                r.back() = 7;
+                const KelStatus status = f(x.data(), 2000, r.data(), lags, 20);
+                EXPECT_EQ(r.back(), lags == 100 ? 7 : 0);
+                return status;
+            });
+            for (const auto& modes : kels_test::odd_modes) {
+                const auto after = kels_test::under(modes, [&] {
+                    f(x.data(), 2000, again.data(), lags, 20);
+                    return kels_test::ControlState::current();
+                });
+                EXPECT_TRUE(after.same_modes(modes));
+                EXPECT_TRUE(std::equal(again.begin(), again.begin() + lags, r.begin()));
+            }
+        }
+    }
+}
+
+} // namespace

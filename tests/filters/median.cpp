@@ -1,0 +1,235 @@
+// Median filters against their definition, window by window.
+
+#include "kels/median.h"
+#include "support/allocation_faults.h"
+#include "support/control_state.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <set>
+#include <vector>
+
+namespace {
+
+using kels_test::Edge;
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+template <class T, KelStatus (*separate_)(const T*, T*, int, int), KelStatus (*in_place_)(T*, int, int)>
+struct Functions {
+    using Sample = T;
+    static constexpr auto separate = separate_;
+    static constexpr auto in_place = in_place_;
+};
+
+template <class F>
+struct Median : testing::Test {
+    using Sample = typename F::Sample;
+
+    /// Filters out of place and in place, at both ends of a page, and gives the result.
+    static std::vector<Sample> filtered(const std::vector<Sample>& x, int mask, KelStatus status) {
+        std::vector<Sample> y;
+        for (const Edge edge : kels_test::edges) {
+            GuardedArray<Sample> src(x, edge), dst(x.size(), edge), both(x, edge);
+            EXPECT_EQ(F::separate(src.data(), dst.data(), static_cast<int>(x.size()), mask), status);
+            EXPECT_EQ(F::in_place(both.data(), static_cast<int>(x.size()), mask), status);
+            EXPECT_EQ(std::memcmp(src.data(), x.data(), x.size() * sizeof(Sample)), 0);
+            y = dst.values();
+            EXPECT_EQ(std::memcmp(y.data(), both.data(), x.size() * sizeof(Sample)), 0) << "in place, mask " << mask;
+        }
+        return y;
+    }
+};
+
+using Families = testing::Types<Functions<Kel8u, kelsFilterMedian_8u, kelsFilterMedian_8u_I>,
+                                Functions<Kel16s, kelsFilterMedian_16s, kelsFilterMedian_16s_I>,
+                                Functions<Kel32f, kelsFilterMedian_32f, kelsFilterMedian_32f_I>,
+                                Functions<Kel64f, kelsFilterMedian_64f, kelsFilterMedian_64f_I>>;
+TYPED_TEST_SUITE(Median, Families);
+
+KelStatus status_of(int mask) { return mask % 2 == 0 ? kelStatusEvenMedianMask : kelStatusOk; }
+
+/// By the definition, the window kept as a multiset that is walked from its middle.
+template <class T>
+std::vector<T> medians(const std::vector<T>& x, std::int64_t mask) {
+    std::vector<T> y = x;
+    const std::int64_t n = static_cast<std::int64_t>(x.size()), half = (mask - 1) / 2;
+    const auto clamped = [&](std::int64_t i) {
+        return x[static_cast<std::size_t>(std::clamp<std::int64_t>(i, 0, n - 1))];
+    };
+    std::vector<T> window;
+    for (std::int64_t i = 0; i <= 2 * half; ++i) window.push_back(clamped(i - half));
+    std::sort(window.begin(), window.end());
+    for (std::int64_t i = 1; i < n - 1; ++i) {
+        window.erase(std::lower_bound(window.begin(), window.end(), clamped(i - 1 - half)));
+        window.insert(std::upper_bound(window.begin(), window.end(), clamped(i + half)), clamped(i + half));
+        y[static_cast<std::size_t>(i)] = window[static_cast<std::size_t>(half)];
+    }
+    return y;
+}
+
+enum Shape { noise, few_values, rising, falling, constant, sawtooth, shapes };
+
+template <class T>
+std::vector<T> data(Random& random, int shape, int len) {
+    using Limits = std::numeric_limits<T>;
+    std::vector<T> x;
+    for (int i = 0; i < len; ++i) {
+        const double any = std::is_integral_v<T> ? random.uniform(double(Limits::min()), double(Limits::max()) + 1)
+                                                 : random.uniform(-1, 1);
+        const double values[] = {std::is_integral_v<T> ? std::floor(any) : any,
+                                 double(random.below(3)),
+                                 double(std::min(i, 255)),
+                                 double(std::max(255 - i, 0)),
+                                 7,
+                                 double(i % 37 * 5)};
+        x.push_back(static_cast<T>(values[shape]));
+    }
+    if (shape == noise) x[static_cast<std::size_t>(random.below(len))] = Limits::lowest();
+    if (shape == noise) x[static_cast<std::size_t>(random.below(len))] = Limits::max();
+    return x;
+}
+
+TYPED_TEST(Median, EveryMask) {
+    using T = typename TypeParam::Sample;
+    Random random("medians");
+    std::vector<int> masks = {50, 63, 64, 65, 99, 101, 127, 128, 129, 200, 255, 301, 1001};
+    for (int mask = 1; mask <= 40; ++mask) masks.push_back(mask);
+    for (const int mask : masks)
+        for (int shape = 0; shape < shapes; ++shape) {
+            const auto x = data<T>(random, shape, 1 + random.below(1500));
+            ASSERT_EQ(this->filtered(x, mask, status_of(mask)), medians(x, (mask - 1) / 2 * 2 + 1))
+                << mask << ", shape " << shape << ", length " << x.size();
+        }
+}
+
+TYPED_TEST(Median, EveryShortLength) {
+    using T = typename TypeParam::Sample;
+    Random random("short medians");
+    for (int len = 1; len <= 140; len += len < 40 ? 1 : 9)
+        for (const int mask : {1, 2, 3, 5, 7, 8, 9, 11, 13, 21, 31, 33, 61, 277, 1000}) {
+            const auto x = data<T>(random, noise, len);
+            ASSERT_EQ(this->filtered(x, mask, status_of(mask)), medians(x, (mask - 1) / 2 * 2 + 1))
+                << mask << ", length " << len;
+        }
+}
+
+// Several tiles, and levels above the words of a window.
+TYPED_TEST(Median, LongVectors) {
+    using T = typename TypeParam::Sample;
+    Random random("long medians");
+    for (const int shape : {noise, rising, sawtooth})
+        for (const int mask : {3, 9, 31, 33, 255, 3001}) {
+            const auto x = data<T>(random, shape, 20000);
+            ASSERT_EQ(this->filtered(x, mask, kelStatusOk), medians(x, mask)) << mask << ", shape " << shape;
+        }
+}
+
+// A mask beyond the vector has as many samples more at either end: the one that just reaches both gives the same.
+TYPED_TEST(Median, HugeMasks) {
+    using T = typename TypeParam::Sample;
+    Random random("huge masks");
+    for (const int len : {3, 4, 5, 30, 64, 500}) {
+        const auto x = data<T>(random, noise, len);
+        const auto want = medians(x, 4 * len + 1);
+        EXPECT_EQ(want, medians(x, 8 * len + 1));
+        for (const int mask : {INT_MAX, INT_MAX - 1, 1 << 30})
+            EXPECT_EQ(this->filtered(x, mask, status_of(mask)), want);
+    }
+}
+
+TYPED_TEST(Median, ChecksInOrder) {
+    using T = typename TypeParam::Sample;
+    T x[3] = {1, 2, 3}, y[3] = {7, 7, 7};
+    EXPECT_EQ(TypeParam::separate(nullptr, y, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(TypeParam::separate(x, nullptr, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(TypeParam::in_place(nullptr, 0, 0), kelStatusNullPtr);
+    for (const int bad : {0, -1, -2, INT_MIN}) {
+        EXPECT_EQ(TypeParam::separate(x, y, bad, 3), kelStatusBadSize);
+        EXPECT_EQ(TypeParam::separate(x, y, 3, bad), kelStatusBadSize);
+        EXPECT_EQ(TypeParam::in_place(x, bad, 4), kelStatusBadSize);
+        EXPECT_EQ(TypeParam::in_place(x, 3, bad), kelStatusBadSize);
+    }
+    EXPECT_EQ(std::vector<T>(y, y + 3), std::vector<T>(3, 7));
+}
+
+TYPED_TEST(Median, WithoutMemory) {
+    using T = typename TypeParam::Sample;
+    Random random("medians without memory");
+    const auto x = data<T>(random, noise, 100), want = medians(x, 41);
+    const auto expect_all_or_none = [&](auto filter) {
+        kels_test::for_each_allocation_failure([&] {
+            auto y = x;
+            const KelStatus status = filter(y);
+            EXPECT_EQ(y, status == kelStatusOk ? want : x);
+            return status;
+        });
+    };
+    expect_all_or_none([&](auto& y) { return TypeParam::in_place(y.data(), 100, 41); });
+    expect_all_or_none([&](auto& y) { return TypeParam::separate(x.data(), y.data(), 100, 41); });
+}
+
+// Any of the window's samples, and the array's edges stand.
+TYPED_TEST(Median, NotANumber) {
+    using T = typename TypeParam::Sample;
+    if constexpr (std::is_floating_point_v<T>) {
+        Random random("medians of NaNs");
+        for (const int mask : {3, 5, 9, 21, 31, 33, 99})
+            for (const int len : {3, 10, 200}) {
+                auto x = data<T>(random, noise, len);
+                for (T& v : x)
+                    if (random.below(3) == 0) v = std::numeric_limits<T>::quiet_NaN();
+                const auto y = this->filtered(x, mask, kelStatusOk);
+                for (int i = 0; i < len; ++i) {
+                    bool found = false;
+                    for (int k = std::max(i - mask / 2, 0); k <= std::min(i + mask / 2, len - 1); ++k)
+                        found |= std::memcmp(&y[static_cast<std::size_t>(i)], &x[static_cast<std::size_t>(k)],
+                                             sizeof(T)) == 0;
+                    ASSERT_TRUE(found) << mask << ", length " << len << ", sample " << i;
+                }
+            }
+    }
+}
+
+// Denormals come through, and modes stay.
+TYPED_TEST(Median, AnyModes) {
+    using T = typename TypeParam::Sample;
+    Random random("medians in any mode");
+    auto x = data<T>(random, noise, 300);
+    if constexpr (std::is_floating_point_v<T>)
+        for (T& v : x) v *= std::numeric_limits<T>::min();
+    for (const kels_test::ControlState modes : {kels_test::ControlState{0x0C7F, 0xFFC0}, {0x067F, 0x3F80}})
+        for (const int mask : {3, 9, 31, 33}) {
+            auto y = x;
+            const auto after = kels_test::under(modes, [&] {
+                TypeParam::in_place(y.data(), 300, mask);
+                return kels_test::ControlState::current();
+            });
+            EXPECT_TRUE(after.same_modes(modes));
+            EXPECT_EQ(y, medians(x, mask));
+        }
+}
+
+TEST(MedianFilter, LiteralValues) {
+    Kel32f x[] = {5, 1, 5};
+    EXPECT_EQ(kelsFilterMedian_32f_I(x, 3, 3), kelStatusOk);
+    EXPECT_EQ(x[1], 5);
+    Kel16s s[] = {1, 9, 2, 8};
+    EXPECT_EQ(kelsFilterMedian_16s_I(s, 4, 6), kelStatusEvenMedianMask);
+    EXPECT_EQ(std::vector<Kel16s>(s, s + 4), (std::vector<Kel16s>{1, 2, 8, 8}));
+    const Kel16s two[] = {-32768, 32767};
+    Kel16s copy[2];
+    EXPECT_EQ(kelsFilterMedian_16s(two, copy, 2, 4), kelStatusEvenMedianMask);
+    EXPECT_EQ(std::memcmp(two, copy, sizeof two), 0);
+    EXPECT_EQ(kelsFilterMedian_16s(two, copy, 1, 1), kelStatusOk);
+}
+
+} // namespace
