@@ -1,0 +1,342 @@
+// Noise, held against the rule drawn one by one in extended precision.
+
+#include "kels/random.h"
+#include "support/allocation_faults.h"
+#include "support/control_state.h"
+#include "support/guarded_array.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::ControlState;
+using kels_test::edges;
+using kels_test::for_each_allocation_failure;
+using kels_test::GuardedArray;
+using kels_test::odd_modes;
+using kels_test::under;
+using Real = long double;
+
+// The model
+
+struct Sequence {
+    std::uint32_t c = 1131199209, x, x1, x2, borrow = 1;
+
+    explicit Sequence(std::uint32_t seed) : x(seed), x1(x * 69069 + 1013904243), x2(x1 * 69069 + 1013904243) {}
+
+    std::int32_t draw() {
+        c = c * 69069 + 1013904243;
+        const std::uint32_t t = x1 - x2 - borrow;
+        borrow = t >> 31;
+        x2 = x1;
+        x1 = x;
+        x = t - 18 * borrow;
+        return static_cast<std::int32_t>(x + c);
+    }
+};
+
+template <class T>
+T cut(Real y) {
+    const double rounded = static_cast<double>(y);
+    if constexpr (std::is_floating_point_v<T>)
+        return static_cast<T>(y);
+    else if (rounded < std::numeric_limits<T>::min())
+        return std::numeric_limits<T>::min();
+    else
+        return rounded > std::numeric_limits<T>::max() ? std::numeric_limits<T>::max() : static_cast<T>(rounded);
+}
+
+/// `Narrow` is what the interval is kept in.
+template <class T, class Narrow>
+std::vector<T> uniform_model(int n, T low, T high, Sequence& sequence) {
+    const auto mid = static_cast<Narrow>((static_cast<Real>(low) + high) * 0.5L);
+    const auto step = static_cast<Narrow>((static_cast<Real>(high) - low) * 2.3283064365387e-10);
+    std::vector<T> samples;
+    for (int i = 0; i < n; ++i) samples.push_back(cut<T>(static_cast<Real>(sequence.draw()) * step + mid));
+    return samples;
+}
+
+struct Pair {
+    double a, b, w;
+};
+
+Pair draw_pair(Sequence& sequence) {
+    for (;;) {
+        const Real a = sequence.draw() * static_cast<Real>(4.656612873077e-10);
+        const Real b = sequence.draw() * static_cast<Real>(4.656612873077e-10);
+        const Real s = a * a + b * b;
+        if (s >= 1 || s == 0) continue;
+        const auto rounded = static_cast<double>(s);
+        return {static_cast<double>(a), static_cast<double>(b),
+                static_cast<double>(std::sqrt(std::log(rounded) * -2.0L / rounded))};
+    }
+}
+
+template <class T>
+std::vector<T> normal_model(int n, T mean, T deviation, Sequence& sequence, bool draws_ahead) {
+    std::vector<T> samples;
+    while (static_cast<int>(samples.size()) < n) {
+        const Pair p = draw_pair(sequence);
+        for (const double value : {p.b, p.a})
+            samples.push_back(cut<T>(static_cast<Real>(p.w) * deviation * value + mean));
+    }
+    if (draws_ahead && n % 2 == 0) draw_pair(sequence);
+    samples.resize(static_cast<std::size_t>(n));
+    return samples;
+}
+
+// Comparison: integers agree, and reals are within some units in the last place, nearly all singles the same.
+
+template <class T>
+void expect_same(const std::vector<T>& got, const std::vector<T>& want, int ulps = 1, double slack = 0) {
+    ASSERT_EQ(got.size(), want.size());
+    std::size_t other = 0;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        if (std::memcmp(&got[i], &want[i], sizeof(T)) == 0) continue;
+        ++other;
+        if constexpr (std::is_floating_point_v<T>) {
+            const T size = std::fabs(want[i]), ulp = std::nextafter(size, HUGE_VALF) - size;
+            ASSERT_LE(std::fabs(static_cast<Real>(got[i]) - want[i]), ulps * ulp + slack) << i << ": " << want[i];
+        } else {
+            ASSERT_EQ(got[i], want[i]) << i;
+        }
+    }
+    if (sizeof(T) < 8) {
+        EXPECT_LE(other, got.size() / 1000);
+    }
+}
+
+constexpr std::uint32_t seeds[] = {0, 1, 12345, 0x80000000, 0xFFFFFFFF};
+constexpr int lengths[] = {1, 2, 3, 5, 17, 64, 255, 256, 257, 1000, 20001};
+
+template <class T, class Model>
+void expect_direct(KelStatus (*function)(T*, int, T, T, Kel32u*), T first, T second, Model model, int ulps = 1) {
+    for (const std::uint32_t seed : seeds)
+        for (const int n : lengths) {
+            Sequence sequence(seed);
+            const std::vector<T> want = model(n, first, second, sequence);
+            std::vector<T> got(want.size());
+            Kel32u given = seed;
+            ASSERT_EQ(function(got.data(), n, first, second, &given), kelStatusOk);
+            expect_same(got, want, ulps,
+                        std::is_same_v<T, Kel64f> ? 0x1p-60 * std::fabs(static_cast<double>(second)) : 0);
+            ASSERT_EQ(given, sequence.x) << "seed after " << n << " samples";
+        }
+}
+
+TEST(Random, DirectUniformFollowsTheRule) {
+    const auto integers = [](int n, Kel16s low, Kel16s high, Sequence& s) {
+        return uniform_model<Kel16s, Real>(n, low, high, s);
+    };
+    expect_direct<Kel16s>(kelsRandUniform_Direct_16s, -100, 100, integers);
+    expect_direct<Kel16s>(kelsRandUniform_Direct_16s, 32767, -32768, integers);
+    const auto singles = [](int n, Kel32f low, Kel32f high, Sequence& s) {
+        return uniform_model<Kel32f, Real>(n, low, high, s);
+    };
+    expect_direct<Kel32f>(kelsRandUniform_Direct_32f, -1, 1, singles);
+    expect_direct<Kel32f>(kelsRandUniform_Direct_32f, 0, 3e38F, singles);
+    expect_direct<Kel32f>(kelsRandUniform_Direct_32f, 2.5F, 2.5F, singles);
+    const auto doubles = [](int n, Kel64f low, Kel64f high, Sequence& s) {
+        return uniform_model<Kel64f, Real>(n, low, high, s);
+    };
+    expect_direct<Kel64f>(kelsRandUniform_Direct_64f, 0, 1, doubles);
+    expect_direct<Kel64f>(kelsRandUniform_Direct_64f, -1.7e308, 1.7e308, doubles);
+}
+
+TEST(Random, DirectNormalFollowsTheRule) {
+    const auto model = [](int n, auto mean, decltype(mean) deviation, Sequence& s) {
+        return normal_model(n, mean, deviation, s, true);
+    };
+    expect_direct<Kel16s>(kelsRandGauss_Direct_16s, 100, 1000, model);
+    expect_direct<Kel16s>(kelsRandGauss_Direct_16s, -32000, -20000, model);
+    expect_direct<Kel32f>(kelsRandGauss_Direct_32f, 0, 1, model);
+    expect_direct<Kel32f>(kelsRandGauss_Direct_32f, 3, 0, model);
+    expect_direct<Kel32f>(kelsRandGauss_Direct_32f, -5, 2.5F, model);
+    // The logarithm is rounded to double on the way, and its last place is free.
+    expect_direct<Kel64f>(kelsRandGauss_Direct_64f, 0, 1, model, 2);
+    expect_direct<Kel64f>(kelsRandGauss_Direct_64f, 1e3, 1e-3, model, 2);
+}
+
+// Contexts: streams cut anywhere, in any mode
+
+template <class State, class T>
+struct Family {
+    KelStatus (*create)(State**, T, T, Kel32u);
+    KelStatus (*fill)(T*, int, State*);
+    KelStatus (*release)(State*);
+};
+
+constexpr Family<RandUniformState, Kel8u> uniform_8u{kelsRandUniformInitAlloc_8u, kelsRandUniform_8u,
+                                                     kelsRandUniformFree_8u};
+constexpr Family<RandUniformState, Kel16s> uniform_16s{kelsRandUniformInitAlloc_16s, kelsRandUniform_16s,
+                                                       kelsRandUniformFree_16s};
+constexpr Family<RandUniformState, Kel32f> uniform_32f{kelsRandUniformInitAlloc_32f, kelsRandUniform_32f,
+                                                       kelsRandUniformFree_32f};
+constexpr Family<RandGaussState, Kel8u> normal_8u{kelsRandGaussInitAlloc_8u, kelsRandGauss_8u, kelsRandGaussFree_8u};
+constexpr Family<RandGaussState, Kel16s> normal_16s{kelsRandGaussInitAlloc_16s, kelsRandGauss_16s,
+                                                    kelsRandGaussFree_16s};
+constexpr Family<RandGaussState, Kel32f> normal_32f{kelsRandGaussInitAlloc_32f, kelsRandGauss_32f,
+                                                    kelsRandGaussFree_32f};
+
+template <class State, class T>
+void expect_streams(const Family<State, T>& family, T first, T second) {
+    constexpr int total = 3000;
+    for (const std::uint32_t seed : seeds) {
+        Sequence sequence(seed);
+        std::vector<T> want;
+        if constexpr (std::is_same_v<State, RandUniformState>)
+            want = uniform_model<T, double>(total, first, second, sequence);
+        else
+            want = normal_model(total, first, second, sequence, false);
+        std::vector<T> cut_otherwise;
+        for (const int piece : {total, 1, 2, 7, 300, 513}) {
+            std::vector<T> got(total);
+            under(odd_modes[piece % 3], [&] {
+                State* state = nullptr;
+                family.create(&state, first, second, seed);
+                for (int at = 0; at < total; at += piece)
+                    family.fill(&got[static_cast<std::size_t>(at)], std::min(piece, total - at), state);
+                family.release(state);
+            });
+            expect_same(got, want);
+            if (cut_otherwise.empty()) cut_otherwise = got;
+            ASSERT_EQ(got, cut_otherwise) << "in pieces of " << piece;
+        }
+    }
+}
+
+TEST(Random, StreamsFollowTheRule) {
+    expect_streams<RandUniformState, Kel8u>(uniform_8u, 0, 255);
+    expect_streams<RandUniformState, Kel8u>(uniform_8u, 200, 10);
+    expect_streams<RandUniformState, Kel16s>(uniform_16s, -32768, 32767);
+    expect_streams<RandUniformState, Kel32f>(uniform_32f, -1, 3);
+    expect_streams<RandGaussState, Kel8u>(normal_8u, 0, 50);
+    expect_streams<RandGaussState, Kel8u>(normal_8u, 200, 40);
+    expect_streams<RandGaussState, Kel16s>(normal_16s, -5, 12000);
+    expect_streams<RandGaussState, Kel32f>(normal_32f, 0, 1);
+}
+
+/// Statuses, memory and edges of one family.
+template <class State, class T>
+void expect_frame(const Family<State, T>& family) {
+    ASSERT_EQ(family.create(nullptr, 1, 2, 3), kelStatusNullPtr);
+    State* state = nullptr;
+    const long blocks = kels_test::live_blocks();
+    for_each_allocation_failure([&] {
+        const KelStatus status = family.create(&state, 1, 2, 3);
+        if (status == kelStatusOk) family.release(state);
+        return status;
+    });
+    EXPECT_EQ(kels_test::live_blocks(), blocks);
+    ASSERT_EQ(family.create(&state, 1, 2, 3), kelStatusOk);
+    T sample = 77;
+    EXPECT_EQ(family.fill(nullptr, 1, state), kelStatusNullPtr);
+    EXPECT_EQ(family.fill(&sample, 0, nullptr), kelStatusNullPtr);
+    EXPECT_EQ(family.fill(&sample, 0, state), kelStatusBadSize);
+    EXPECT_EQ(family.fill(&sample, INT_MIN, state), kelStatusBadSize);
+    EXPECT_EQ(family.release(nullptr), kelStatusNullPtr);
+    Kel32s foreign[64] = {17};
+    auto* other = reinterpret_cast<State*>(foreign);
+    EXPECT_EQ(family.fill(&sample, 1, other), kelStatusContextMismatch);
+    EXPECT_EQ(family.fill(&sample, -1, other), kelStatusBadSize);
+    EXPECT_EQ(family.release(other), kelStatusContextMismatch);
+    EXPECT_EQ(sample, 77);
+    for (const auto edge : edges)
+        for (int n = 1; n < 300; ++n) {
+            GuardedArray<T> array(static_cast<std::size_t>(n), edge);
+            ASSERT_TRUE(kels_test::runs_without_fault([&] { family.fill(array.data(), n, state); })) << n;
+        }
+    EXPECT_EQ(family.release(state), kelStatusOk);
+    EXPECT_EQ(kels_test::live_blocks(), blocks);
+}
+
+TEST(Random, ContextsObeyTheFrame) {
+    expect_frame(uniform_8u);
+    expect_frame(uniform_16s);
+    expect_frame(uniform_32f);
+    expect_frame(normal_8u);
+    expect_frame(normal_16s);
+    expect_frame(normal_32f);
+    RandGaussState* state = nullptr;
+    ASSERT_EQ(normal_32f.create(&state, 0, 1, 2), kelStatusOk);
+    Kel32f sample = 0;
+    EXPECT_EQ(kelsRandUniform_32f(&sample, 1, reinterpret_cast<RandUniformState*>(state)), kelStatusContextMismatch);
+    EXPECT_EQ(normal_16s.release(state), kelStatusContextMismatch);
+    EXPECT_EQ(normal_32f.release(state), kelStatusOk);
+}
+
+template <class T>
+void expect_direct_frame(KelStatus (*function)(T*, int, T, T, Kel32u*)) {
+    Kel32u seed = 5;
+    T sample = 77;
+    EXPECT_EQ(function(nullptr, 1, 0, 1, &seed), kelStatusNullPtr);
+    EXPECT_EQ(function(&sample, 0, 0, 1, nullptr), kelStatusNullPtr);
+    EXPECT_EQ(function(&sample, 0, 0, 1, &seed), kelStatusBadSize);
+    EXPECT_TRUE(sample == 77 && seed == 5);
+    std::vector<T> plain(301), odd(301);
+    function(plain.data(), 301, 2, 90, &seed);
+    for (const auto& modes : odd_modes) {
+        seed = 5;
+        const bool kept = under(modes, [&] {
+            function(odd.data(), 301, 2, 90, &seed);
+            return ControlState::current().same_modes(modes);
+        });
+        EXPECT_TRUE(kept);
+        EXPECT_EQ(odd, plain);
+    }
+    for (const auto edge : edges)
+        for (int n = 1; n < 300; ++n) {
+            GuardedArray<T> array(static_cast<std::size_t>(n), edge);
+            ASSERT_TRUE(kels_test::runs_without_fault([&] { function(array.data(), n, 0, 1, &seed); })) << n;
+        }
+}
+
+TEST(Random, DirectFunctionsObeyTheFrame) {
+    expect_direct_frame(kelsRandUniform_Direct_16s);
+    expect_direct_frame(kelsRandUniform_Direct_32f);
+    expect_direct_frame(kelsRandUniform_Direct_64f);
+    expect_direct_frame(kelsRandGauss_Direct_16s);
+    expect_direct_frame(kelsRandGauss_Direct_32f);
+    expect_direct_frame(kelsRandGauss_Direct_64f);
+}
+
+// Intervals and deviations that are no numbers must come to an end.
+TEST(Random, NumbersOutOfRange) {
+    Kel32u seed = 1;
+    std::vector<Kel64f> d(100);
+    for (const Kel64f odd : {HUGE_VAL, -HUGE_VAL, static_cast<Kel64f>(NAN), 1e-320}) {
+        EXPECT_EQ(kelsRandUniform_Direct_64f(d.data(), 100, 0, odd, &seed), kelStatusOk);
+        EXPECT_EQ(kelsRandGauss_Direct_64f(d.data(), 100, odd, odd, &seed), kelStatusOk);
+    }
+}
+
+// A behaviour, not a proof: moments, and a chi-square of the upper bits.
+TEST(Random, Moments) {
+    constexpr int n = 1 << 20, cells = 256;
+    std::vector<Kel32f> x(n);
+    Kel32u seed = 2026;
+    ASSERT_EQ(kelsRandUniform_Direct_32f(x.data(), n, 0, cells, &seed), kelStatusOk);
+    double count[cells] = {}, chi_square = 0;
+    for (const Kel32f v : x) ++count[std::min(static_cast<int>(v), cells - 1)];
+    for (const double c : count) chi_square += (c - n / cells) * (c - n / cells) / (n / cells);
+    EXPECT_NEAR(chi_square, cells - 1, 5 * std::sqrt(2.0 * cells));
+    ASSERT_EQ(kelsRandGauss_Direct_32f(x.data(), n, 0, 1, &seed), kelStatusOk);
+    double moments[5] = {};
+    for (const Kel32f v : x)
+        for (int k = 1; k < 5; ++k) moments[k] += std::pow(static_cast<double>(v), k) / n;
+    EXPECT_NEAR(moments[1], 0, 0.005);
+    EXPECT_NEAR(moments[2], 1, 0.007);
+    EXPECT_NEAR(moments[3], 0, 0.02);
+    EXPECT_NEAR(moments[4], 3, 0.05);
+}
+
+} // namespace

@@ -1,0 +1,333 @@
+// Windows, held against their rules in extended precision, sample by sample.
+
+#include "kels/windows.h"
+#include "support/control_state.h"
+#include "support/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using kels_test::ComplexSample;
+using kels_test::in_place;
+using kels_test::Row;
+using kels_test::row;
+using kels_test::whole;
+using Real = long double;
+
+// The rules
+
+template <class T>
+T product(T x, Real w) {
+    if constexpr (ComplexSample<T>) {
+        return {product(x.re, w), product(x.im, w)};
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(x * w);
+    } else {
+        const Real y = x * w;
+        if (y > 32767) return 32767;
+        if (y < -32768) return -32768;
+        return static_cast<T>(static_cast<double>(y >= 0 ? y + 0.5L : y - 0.5L));
+    }
+}
+
+/// Pairs from `first` on; next() is the weight of each.
+template <class T, class Next>
+void walk(const T* src, T* dst, int len, int first, Next next) {
+    for (int n = first; n < len / 2; ++n) {
+        const Real w = next(n);
+        const T left = product(src[n], w), right = product(src[len - 1 - n], w);
+        dst[n] = left;
+        dst[len - 1 - n] = right;
+    }
+    if (len % 2 != 0) dst[len / 2] = src[len / 2];
+}
+
+constexpr auto bartlett = whole([]<class T>(const T* src, T* dst, int len) {
+    Real sum = 0;
+    walk(src, dst, len, 1, [&](int) { return sum += 2 / static_cast<Real>(len - 1); });
+    dst[0] = dst[len - 1] = T{};
+});
+
+struct Blackman {
+    Real half, minus_half;
+    explicit Blackman(Real alpha) : half((alpha + 1) / 2), minus_half(static_cast<double>(-(alpha / 2))) {}
+    Real operator()(Real c) const { return (half - 0.5L * c) + minus_half * (2 * c * c - 1); }
+};
+
+/// By the rotation; a window with zeros at its ends does not read them at length 3.
+template <class T, class Weight>
+void rotated(const T* src, T* dst, int len, bool zeros, bool sine_in_double, const Weight& weight) {
+    if (zeros && len == 3) {
+        dst[1] = src[1];
+        dst[0] = dst[2] = T{};
+        return;
+    }
+    const Real c = std::cos(static_cast<Real>(6.283185307179586) / (len - 1));
+    Real s = std::sqrt(1 - c * c), cosine = 1, sine = 0;
+    if (sine_in_double) s = static_cast<double>(s);
+    walk(src, dst, len, 0, [&](int) {
+        const Real w = weight(cosine), next = c * cosine + -s * sine;
+        sine = sine * c + cosine * s;
+        cosine = next;
+        return w;
+    });
+}
+
+constexpr auto hann = whole([]<class T>(const T* src, T* dst, int len) {
+    rotated(src, dst, len, true, false, [](Real c) { return 0.5L * (1 - c); });
+});
+constexpr auto hamming = whole([]<class T>(const T* src, T* dst, int len) {
+    rotated(src, dst, len, false, false, [](Real c) { return static_cast<Real>(-0.46) * c + 0.54; });
+});
+constexpr auto blackman = whole(
+    []<class T>(const T* src, T* dst, int len, Kel32f alpha) { rotated(src, dst, len, true, true, Blackman(alpha)); });
+constexpr auto blackman_q15 = whole([]<class T>(const T* src, T* dst, int len, int alpha) {
+    rotated(src, dst, len, true, true, Blackman(alpha * 3.0517578125e-05L));
+});
+constexpr auto blackman_standard =
+    whole([]<class T>(const T* src, T* dst, int len) { rotated(src, dst, len, true, true, Blackman(-0.16F)); });
+constexpr auto blackman_optimal = whole([]<class T>(const T* src, T* dst, int len) {
+    const Real q = 0.5L / std::cos(static_cast<Real>(3.141592653589793) / (len - 1));
+    rotated(src, dst, len, true, true, Blackman(static_cast<Kel32f>(-(q * q))));
+});
+
+// Kaiser
+
+Real horner(Real t, const std::vector<double>& coefficients) {
+    Real sum = 0;
+    for (auto c = coefficients.rbegin(); c != coefficients.rend(); ++c) sum = sum * t + *c;
+    return sum;
+}
+
+Real far_bessel(Real x, Real u, const std::vector<double>& coefficients) {
+    const auto p = static_cast<double>(horner(u, coefficients));
+    const auto e = static_cast<double>(std::exp(x)), root = static_cast<double>(std::sqrt(x));
+    return static_cast<Real>(e) * p / root;
+}
+
+Real coarse(double argument) {
+    const Real x = std::fabs(static_cast<Real>(argument)), t = x * 0.26666666666666666;
+    if (x < 3.75L) return horner(t * t, {1, 3.5156229, 3.0899424, 1.2067492, 0.2659732, 0.0360768, 0.0045813});
+    return far_bessel(x, 3.75L / x,
+                      {0.39894228, 0.01328592, 0.00225319, -0.00157565, 0.00916281, -0.02057706, 0.02635537,
+                       -0.01647633, 0.00392377});
+}
+
+Real fine(double argument) {
+    const Real x = std::fabs(static_cast<Real>(argument)), t = 0.25L * x;
+    if (x < 4)
+        return horner(t * t, {0.9999999985, 4.0000001935, 3.9999959541, 1.777809969, 0.4443189384, 0.0713758187,
+                              0.0075942968, 0.0008267816});
+    return far_bessel(x, 4 / x,
+                      {0.3989422809, 0.0124667783, 0.0017623668, 0.00026, 0.0022585672, -0.0128314822, 0.0495811118,
+                       -0.1209940805, 0.1895476618, -0.1867783276, 0.1113315511, -0.0366694767, 0.0051246015});
+}
+
+template <Real (*Numerator)(double), Real (*Denominator)(double), class T>
+KelStatus kaiser_window(const T* src, T* dst, int len, double alpha) {
+    const Real m = len - 1, half = alpha * m * 0.5L;
+    const auto divisor = static_cast<double>(Denominator(static_cast<double>(half)));
+    walk(src, dst, len, 0, [&](int n) {
+        const double root = std::sqrt(static_cast<double>(n * (len - 1 - n)));
+        return Numerator(static_cast<double>(static_cast<Real>(root) * alpha)) / divisor;
+    });
+    return kelStatusOk;
+}
+
+constexpr auto kaiser = whole(
+    [](const auto* src, auto* dst, int len, Kel32f alpha) { kaiser_window<coarse, coarse>(src, dst, len, alpha); });
+constexpr auto kaiser_q15 = whole([](const auto* src, auto* dst, int len, int alpha) {
+    kaiser_window<coarse, coarse>(src, dst, len, alpha * 0x1p-15);
+});
+constexpr auto kaiser_64f = whole(
+    [](const Kel64f* src, Kel64f* dst, int len, Kel32f alpha) { kaiser_window<coarse, fine>(src, dst, len, alpha); });
+constexpr auto kaiser_64f_in_place = whole(
+    [](const Kel64f* src, Kel64f* dst, int len, Kel32f alpha) { kaiser_window<fine, coarse>(src, dst, len, alpha); });
+
+// Rows
+
+Row blackman_row(const Row& r) { return r.shortest(3).values(0, {0, -0.16, -0.25, 1, -1, 0.5, -7.5, 1e5, -3e30}); }
+Row q15_row(const Row& r) {
+    return r.shortest(3).values(0, {0, -5243, -8192, 32768, -32768, 1 << 20, INT_MAX, INT_MIN});
+}
+/// Of any length up to 65536.
+Row kaiser_row(const Row& r) { return r.values(0, {0, 0.0001, -0.0003, 0.001}); }
+Row kaiser_q15_row(const Row& r) { return r.values(0, {0, 1, 33, -67, 300}); }
+
+// clang-format off
+const Row rows[] = {
+    row(kelsWinBartlett_16s, bartlett).shortest(3),          in_place(kelsWinBartlett_16s_I, bartlett).shortest(3),
+    row(kelsWinBartlett_16sc, bartlett).shortest(3),         in_place(kelsWinBartlett_16sc_I, bartlett).shortest(3),
+    row(kelsWinBartlett_32f, bartlett).shortest(3).ulps(1),  in_place(kelsWinBartlett_32f_I, bartlett).shortest(3).ulps(1),
+    row(kelsWinBartlett_32fc, bartlett).shortest(3).ulps(1), in_place(kelsWinBartlett_32fc_I, bartlett).shortest(3).ulps(1),
+    row(kelsWinHann_16s, hann).shortest(3),                  in_place(kelsWinHann_16s_I, hann).shortest(3),
+    row(kelsWinHann_16sc, hann).shortest(3),                 in_place(kelsWinHann_16sc_I, hann).shortest(3),
+    row(kelsWinHann_32f, hann).shortest(3).ulps(1),          in_place(kelsWinHann_32f_I, hann).shortest(3).ulps(1),
+    row(kelsWinHann_32fc, hann).shortest(3).ulps(1),         in_place(kelsWinHann_32fc_I, hann).shortest(3).ulps(1),
+    row(kelsWinHamming_16s, hamming).shortest(3),            in_place(kelsWinHamming_16s_I, hamming).shortest(3),
+    row(kelsWinHamming_16sc, hamming).shortest(3),           in_place(kelsWinHamming_16sc_I, hamming).shortest(3),
+    row(kelsWinHamming_32f, hamming).shortest(3).ulps(1),    in_place(kelsWinHamming_32f_I, hamming).shortest(3).ulps(1),
+    row(kelsWinHamming_32fc, hamming).shortest(3).ulps(1),   in_place(kelsWinHamming_32fc_I, hamming).shortest(3).ulps(1),
+
+    blackman_row(row(kelsWinBlackman_16s, blackman)),          blackman_row(in_place(kelsWinBlackman_16s_I, blackman)),
+    blackman_row(row(kelsWinBlackman_16sc, blackman)),         blackman_row(in_place(kelsWinBlackman_16sc_I, blackman)),
+    blackman_row(row(kelsWinBlackman_32f, blackman)).ulps(1),  blackman_row(in_place(kelsWinBlackman_32f_I, blackman)).ulps(1),
+    blackman_row(row(kelsWinBlackman_32fc, blackman)).ulps(1), blackman_row(in_place(kelsWinBlackman_32fc_I, blackman)).ulps(1),
+    q15_row(row(kelsWinBlackmanQ15_16s, blackman_q15)),        q15_row(in_place(kelsWinBlackmanQ15_16s_I, blackman_q15)),
+    q15_row(row(kelsWinBlackmanQ15_16sc, blackman_q15)),       q15_row(in_place(kelsWinBlackmanQ15_16sc_I, blackman_q15)),
+
+    row(kelsWinBlackmanStd_16s, blackman_standard).shortest(3),          in_place(kelsWinBlackmanStd_16s_I, blackman_standard).shortest(3),
+    row(kelsWinBlackmanStd_16sc, blackman_standard).shortest(3),         in_place(kelsWinBlackmanStd_16sc_I, blackman_standard).shortest(3),
+    row(kelsWinBlackmanStd_32f, blackman_standard).shortest(3).ulps(1),  in_place(kelsWinBlackmanStd_32f_I, blackman_standard).shortest(3).ulps(1),
+    row(kelsWinBlackmanStd_32fc, blackman_standard).shortest(3).ulps(1), in_place(kelsWinBlackmanStd_32fc_I, blackman_standard).shortest(3).ulps(1),
+    row(kelsWinBlackmanOpt_16s, blackman_optimal).shortest(4).length_first(),          in_place(kelsWinBlackmanOpt_16s_I, blackman_optimal).shortest(4).length_first(),
+    row(kelsWinBlackmanOpt_16sc, blackman_optimal).shortest(4).length_first(),         in_place(kelsWinBlackmanOpt_16sc_I, blackman_optimal).shortest(4).length_first(),
+    row(kelsWinBlackmanOpt_32f, blackman_optimal).shortest(4).length_first().ulps(1),  in_place(kelsWinBlackmanOpt_32f_I, blackman_optimal).shortest(4).length_first().ulps(1),
+    row(kelsWinBlackmanOpt_32fc, blackman_optimal).shortest(4).length_first().ulps(1), in_place(kelsWinBlackmanOpt_32fc_I, blackman_optimal).shortest(4).length_first().ulps(1),
+
+    kaiser_row(row(kelsWinKaiser_16s, kaiser)),           kaiser_row(in_place(kelsWinKaiser_16s_I, kaiser)),
+    kaiser_row(row(kelsWinKaiser_16sc, kaiser)),          kaiser_row(in_place(kelsWinKaiser_16sc_I, kaiser)),
+    kaiser_row(row(kelsWinKaiser_32f, kaiser)).ulps(1),   kaiser_row(in_place(kelsWinKaiser_32f_I, kaiser)).ulps(1),
+    kaiser_row(row(kelsWinKaiser_32fc, kaiser)).ulps(1),  kaiser_row(in_place(kelsWinKaiser_32fc_I, kaiser)).ulps(1),
+    kaiser_q15_row(row(kelsWinKaiserQ15_16s, kaiser_q15)),  kaiser_q15_row(in_place(kelsWinKaiserQ15_16s_I, kaiser_q15)),
+    kaiser_q15_row(row(kelsWinKaiserQ15_16sc, kaiser_q15)), kaiser_q15_row(in_place(kelsWinKaiserQ15_16sc_I, kaiser_q15)),
+};
+// The two functions on doubles are no partners.
+const Row kaiser_64f_rows[] = {kaiser_row(row(kelsWinKaiser_64f, kaiser_64f)).ulps(3)};
+const Row kaiser_64f_in_place_rows[] = {kaiser_row(in_place(kelsWinKaiser_64f_I, kaiser_64f_in_place)).ulps(3)};
+// clang-format on
+
+const bool registered = kels_test::add_rows("Windows", rows) && kels_test::add_rows("Windows", kaiser_64f_rows) &&
+                        kels_test::add_rows("Windows", kaiser_64f_in_place_rows);
+
+// Literal values
+
+constexpr Kel32f not_a_number = std::numeric_limits<Kel32f>::quiet_NaN();
+
+TEST(Windows, ShortestLengths) {
+    for (const auto function : {kelsWinBartlett_32f_I, kelsWinHann_32f_I, kelsWinBlackmanStd_32f_I}) {
+        Kel32f x[] = {not_a_number, not_a_number, not_a_number};
+        ASSERT_EQ(function(x, 3), kelStatusOk);
+        EXPECT_EQ(x[0], 0);
+        EXPECT_TRUE(std::isnan(x[1]));
+        EXPECT_EQ(x[2], 0);
+    }
+    Kel16s x[] = {3, 3, -3, -3};
+    ASSERT_EQ(kelsWinBartlett_16s_I(x, 4), kelStatusOk);
+    EXPECT_EQ(x[1], 2);
+    EXPECT_EQ(x[2], -2);
+    EXPECT_EQ(kelsWinBlackmanOpt_16s(nullptr, nullptr, 3), kelStatusBadSize);
+    EXPECT_EQ(kelsWinBlackmanOpt_16s(nullptr, nullptr, 4), kelStatusNullPtr);
+}
+
+TEST(Windows, NansAtTheEnds) {
+    std::vector<Kel32f> multiplied(9, 1.0F), stored(9, 1.0F);
+    multiplied[0] = multiplied[8] = stored[0] = stored[8] = not_a_number;
+    ASSERT_EQ(kelsWinHann_32f_I(multiplied.data(), 9), kelStatusOk);
+    ASSERT_EQ(kelsWinBartlett_32f_I(stored.data(), 9), kelStatusOk);
+    EXPECT_TRUE(std::isnan(multiplied[0]) && std::isnan(multiplied[8]));
+    EXPECT_TRUE(stored[0] == 0 && stored[8] == 0);
+}
+
+// Long windows show the roundings of the rotation's angle.
+TEST(Windows, LongOnes) {
+    constexpr int len = 200001;
+    std::vector<Kel32f> ones(len, 1.0F), got(len), want(len);
+    const auto expect = [&](auto function, const auto& reference, auto... alpha) {
+        ASSERT_EQ(function(ones.data(), got.data(), len, alpha...), kelStatusOk);
+        reference(ones.data(), want.data(), len, alpha...);
+        int others = 0;
+        for (int n = 0; n < len; ++n) {
+            const Kel32f ulp = std::nextafter(std::fabs(want[n]), HUGE_VALF) - std::fabs(want[n]);
+            ASSERT_LE(std::fabs(got[n] - want[n]), ulp) << n;
+            others += got[n] != want[n];
+        }
+        EXPECT_LE(others, len / 1000);
+    };
+    expect(kelsWinHann_32f,
+           [](auto* x, auto* d, int n) { rotated(x, d, n, true, false, [](Real c) { return 0.5L * (1 - c); }); });
+    expect(
+        kelsWinBlackman_32f, [](auto* x, auto* d, int n, Kel32f a) { rotated(x, d, n, true, true, Blackman(a)); },
+        -0.16F);
+}
+
+TEST(Windows, BlackmanOfAnInfinity) {
+    std::vector<Kel32f> ones(40, 1.0F), got(40), want(40);
+    for (const Kel32f alpha : {HUGE_VALF, -HUGE_VALF, not_a_number}) {
+        ASSERT_EQ(kelsWinBlackman_32f(ones.data(), got.data(), 40, alpha), kelStatusOk);
+        rotated(ones.data(), want.data(), 40, true, true, Blackman(alpha));
+        for (int n = 0; n < 40; ++n) EXPECT_TRUE(got[n] == want[n] || (std::isnan(got[n]) && std::isnan(want[n]))) << n;
+    }
+}
+
+// Kaiser
+
+TEST(Kaiser, LimitsOfAlpha) {
+    const auto status = [](auto function, auto alpha, int len) {
+        Kel64fc room[129] = {};
+        return function(reinterpret_cast<decltype([]<class T, class... A>(KelStatus (*)(T*, A...)) -> T* {
+                            return nullptr;
+                        }(function))>(room),
+                        len, alpha);
+    };
+    // |alpha| 64 is twice the limit and once more.
+    EXPECT_EQ(status(kelsWinKaiser_32f_I, 38.0F / 32, 65), kelStatusOk);
+    EXPECT_EQ(status(kelsWinKaiser_32f_I, std::nextafter(38.0F / 32, 2.0F), 65), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiser_32fc_I, std::nextafter(-38.0F / 32, -2.0F), 65), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiser_64f_I, 308.0F / 32, 65), kelStatusOk);
+    EXPECT_EQ(status(kelsWinKaiser_16s_I, std::nextafter(308.0F / 32, 20.0F), 65), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiserQ15_16s_I, 308 * 1024, 65), kelStatusOk);
+    EXPECT_EQ(status(kelsWinKaiserQ15_16sc_I, 308 * 1024 + 1, 65), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiser_32f_I, not_a_number, 1), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiser_32f_I, HUGE_VALF, 1), kelStatusKaiserTooHuge);
+    EXPECT_EQ(status(kelsWinKaiser_32f_I, 1e30F, 1), kelStatusOk);
+}
+
+// Both branches of both approximations, up to the limits.
+TEST(Kaiser, SteepWindows) {
+    for (int len = 1; len <= 70; ++len)
+        for (const double steepness : {0.1, 3.7499, 3.75, 3.76, 3.999, 4.0, 4.01, 12.0, 37.99, 307.9}) {
+            const auto alpha = static_cast<Kel32f>(len == 1 ? steepness : 2 * steepness / (len - 1));
+            std::vector<Kel64f> ones(len, 1.0), got(len), want(len);
+            const auto expect = [&] {
+                for (int n = 0; n < len; ++n)
+                    ASSERT_LE(std::fabs(got[n] - want[n]), 3 * 0x1p-52 * want[n])
+                        << n << " of " << len << ", " << alpha;
+            };
+            ASSERT_EQ(kelsWinKaiser_64f(ones.data(), got.data(), len, alpha), kelStatusOk);
+            kaiser_window<coarse, fine>(ones.data(), want.data(), len, alpha);
+            expect();
+            got = ones;
+            ASSERT_EQ(kelsWinKaiser_64f_I(got.data(), len, alpha), kelStatusOk);
+            kaiser_window<fine, coarse>(ones.data(), want.data(), len, alpha);
+            expect();
+            std::vector<Kel16s> shorts(len, -32768), rounded(len), exact(len);
+            ASSERT_EQ(kelsWinKaiser_16s(shorts.data(), rounded.data(), len, alpha), kelStatusOk);
+            kaiser_window<coarse, coarse>(shorts.data(), exact.data(), len, alpha);
+            ASSERT_EQ(rounded, exact) << len << ", " << alpha;
+            if (steepness > 38) continue;
+            std::vector<Kel32f> singles(len, 1.0F), near(len), nearest(len);
+            ASSERT_EQ(kelsWinKaiser_32f(singles.data(), near.data(), len, alpha), kelStatusOk);
+            kaiser_window<coarse, coarse>(singles.data(), nearest.data(), len, alpha);
+            for (int n = 0; n < len; ++n) ASSERT_FLOAT_EQ(near[n], nearest[n]) << n << " of " << len << ", " << alpha;
+        }
+}
+
+TEST(Kaiser, WithoutTaper) {
+    Kel64f a[] = {1, 1}, b[] = {1, 1};
+    ASSERT_EQ(kelsWinKaiser_64f_I(a, 2, 0), kelStatusOk);
+    EXPECT_EQ(a[0], 0.9999999985);
+    ASSERT_EQ(kelsWinKaiser_64f(b, b, 2, 0), kelStatusOk);
+    EXPECT_EQ(b[1], 1 / 0.9999999985);
+}
+
+} // namespace
