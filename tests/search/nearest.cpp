@@ -1,0 +1,165 @@
+// The nearest entry of a table, held against the bisection that defines it.
+
+#include "kels/search.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <vector>
+
+namespace {
+
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+int reference(int value, const std::vector<Kel16u>& table) {
+    const int last = static_cast<int>(table.size()) - 1;
+    const auto entry = [&](int i) { return int{table[static_cast<std::size_t>(i)]}; };
+    if (last == 0 || value <= entry(0)) return 0;
+    if (value >= entry(last)) return last;
+    int base = 0, span = last;
+    while (span > 1) {
+        const int half = span >> 1;
+        if (value < entry(base + half)) {
+            span = half;
+        } else {
+            base += half;
+            span -= half;
+        }
+    }
+    return value - entry(base) > entry(base + 1) - value ? base + 1 : base;
+}
+
+/// A sorted table of `n` entries below `range`, from `low` on: in a small range with long runs of equal ones.
+std::vector<Kel16u> table_of(Random& random, int n, int low, int range) {
+    std::vector<Kel16u> table(static_cast<std::size_t>(n));
+    for (Kel16u& entry : table) entry = static_cast<Kel16u>(low + random.below(range));
+    std::sort(table.begin(), table.end());
+    return table;
+}
+
+void expect_all(const std::vector<Kel16u>& values, const std::vector<Kel16u>& table) {
+    std::vector<Kel16u> found(values.size());
+    std::vector<int> indexes(values.size());
+    const int n = static_cast<int>(values.size()), tableLen = static_cast<int>(table.size());
+    ASSERT_EQ(kelsFindNearest_16u(values.data(), found.data(), indexes.data(), n, table.data(), tableLen), kelStatusOk);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const int wanted = reference(values[i], table);
+        ASSERT_EQ(indexes[i], wanted) << values[i] << " in " << table.size();
+        ASSERT_EQ(found[i], table[static_cast<std::size_t>(wanted)]);
+    }
+    for (std::size_t i = 0; i < values.size(); i += 1 + values.size() / 100) {
+        Kel16u one = 0;
+        int index = -1;
+        ASSERT_EQ(kelsFindNearestOne_16u(values[i], &one, &index, table.data(), tableLen), kelStatusOk);
+        ASSERT_EQ(index, indexes[i]) << values[i] << " in " << table.size();
+        ASSERT_EQ(one, found[i]);
+    }
+}
+
+// Lengths of tables on either side of a block and of the number of levels; ranges from all equal to all distinct.
+TEST(NearestEntry, IsThatOfTheBisection) {
+    Random random("tables");
+    std::vector<Kel16u> every(65536);
+    for (std::size_t v = 0; v < every.size(); ++v) every[v] = static_cast<Kel16u>(v);
+    for (const int n : {1,   2,   3,   4,   5,   8,    15,   16,   17,   18,   31,   32,   33,   34,   64,
+                        100, 255, 256, 257, 258, 1023, 1024, 1025, 1026, 4094, 4095, 4096, 4097, 5000, 70000})
+        for (const int range : {1, 2, 3, 9, 100, 1000, 65536}) {
+            for (const int low : {0, 32760, 65536 - range}) {
+                const auto table = table_of(random, n, std::min(low, 65536 - range), range);
+                expect_all(every, table);
+            }
+        }
+}
+
+// Few values in a long table, and a stream that the table's own entries and middles make up.
+TEST(NearestEntry, OfAnyNumberOfValues) {
+    Random random("values");
+    for (const int n : {1, 2, 20, 130, 700, 4096})
+        for (const int len : {1, 2, 3, 7, 8, 63, 64, 65}) {
+            const auto table = table_of(random, n, 0, 65536);
+            std::vector<Kel16u> values(static_cast<std::size_t>(len));
+            for (Kel16u& v : values) {
+                const auto i = static_cast<std::size_t>(random.below(n));
+                const int middle = (table[i] + table[std::min(i + 1, table.size() - 1)]) / 2;
+                v = static_cast<Kel16u>(std::clamp(middle + random.below(3) - 1, 0, 65535));
+            }
+            expect_all(values, table);
+        }
+}
+
+TEST(NearestEntry, LiteralValues) {
+    const auto expect = [](Kel16u value, std::vector<Kel16u> table, Kel16u found, int index) {
+        Kel16u out = 0;
+        int at = -1;
+        EXPECT_EQ(kelsFindNearestOne_16u(value, &out, &at, table.data(), static_cast<int>(table.size())), kelStatusOk);
+        EXPECT_EQ(out, found) << value;
+        EXPECT_EQ(at, index) << value;
+        EXPECT_EQ(kelsFindNearest_16u(&value, &out, &at, 1, table.data(), static_cast<int>(table.size())), kelStatusOk);
+        EXPECT_EQ(out, found) << value;
+        EXPECT_EQ(at, index) << value;
+    };
+    expect(15, {10, 20}, 10, 0);
+    expect(16, {10, 20}, 20, 1);
+    expect(1000, {5}, 5, 0);
+    expect(5, {5, 5, 9}, 5, 0);
+    expect(6, {5, 5, 9}, 5, 1);
+    expect(5, {1, 5, 5, 9}, 5, 2);
+    expect(4, {1, 5, 5, 9}, 5, 1);
+    expect(9, {1, 9, 9}, 9, 2);
+    expect(65535, {0, 65535, 65535}, 65535, 2);
+    expect(0, {0, 0, 65535}, 0, 0);
+    expect(32768, {0, 65535}, 65535, 1);
+    expect(32767, {0, 65535}, 0, 0);
+}
+
+TEST(NearestEntry, ObeysItsFrame) {
+    Kel16u value = 3, found = 9;
+    int index = 9;
+    const Kel16u table[] = {1, 2};
+    EXPECT_EQ(kelsFindNearestOne_16u(3, nullptr, &index, table, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearestOne_16u(3, &found, nullptr, table, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearestOne_16u(3, &found, &index, nullptr, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearestOne_16u(3, &found, &index, table, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsFindNearest_16u(nullptr, &found, &index, 0, table, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearest_16u(&value, nullptr, &index, 0, table, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearest_16u(&value, &found, nullptr, 0, table, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 0, nullptr, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 0, table, 2), kelStatusBadSize);
+    EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 1, table, 0), kelStatusBadSize);
+    EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, INT_MIN, table, INT_MAX), kelStatusBadSize);
+    EXPECT_TRUE(found == 9 && index == 9);
+}
+
+// Unsorted tables too: what is found there is open, where it is read is not.
+TEST(NearestEntry, StaysInItsArrays) {
+    Random random("guards");
+    for (const kels_test::Edge edge : kels_test::edges)
+        for (const int n : {1, 2, 16, 17, 33, 256, 257, 1000, 5000})
+            for (const int len : {1, 3, 64, 65}) {
+                std::vector<Kel16u> table(static_cast<std::size_t>(n)), values(static_cast<std::size_t>(len));
+                for (Kel16u& x : table) x = static_cast<Kel16u>(random.bits());
+                for (Kel16u& x : values) x = static_cast<Kel16u>(random.bits());
+                GuardedArray<Kel16u> in(values, edge), entries(table, edge);
+                GuardedArray<int> indexes(values.size(), edge);
+                ASSERT_TRUE(kels_test::runs_without_fault(
+                    [&] { kelsFindNearest_16u(in.data(), in.data(), indexes.data(), len, entries.data(), n); }));
+                for (const int index : indexes.values()) ASSERT_TRUE(index >= 0 && index < n);
+            }
+}
+
+TEST(NearestEntry, InPlace) {
+    Random random("in place");
+    const auto table = table_of(random, 300, 0, 65536);
+    std::vector<Kel16u> values(1000), found(1000);
+    std::vector<int> indexes(1000);
+    for (Kel16u& v : values) v = static_cast<Kel16u>(random.bits());
+    kelsFindNearest_16u(values.data(), found.data(), indexes.data(), 1000, table.data(), 300);
+    kelsFindNearest_16u(values.data(), values.data(), indexes.data(), 1000, table.data(), 300);
+    EXPECT_EQ(values, found);
+}
+
+} // namespace

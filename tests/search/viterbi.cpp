@@ -1,0 +1,305 @@
+// The kit for trellis codes, held against its rules: distances from positions, pairs listed one by one, branches taken
+// one after the other; and a small code sent through noise and decoded back.
+
+#include "kels/search.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+// Points around a received one
+
+struct Place {
+    int column, row;
+};
+
+/// Where the candidates lie, by their codes, and the place whose label they stand for.
+constexpr Place positions[] = {{0, 0}, {1, 0},  {1, 1}, {0, 1},  {0, 2},  {1, 2},
+                               {2, 1}, {1, -1}, {2, 0}, {-1, 0}, {0, -1}, {-1, 1}};
+constexpr Place labelled[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 2}, {1, 2}, {1, -1}, {0, -1}};
+
+Place reference_point(Kel16sc z) {
+    const auto below = [](int x) { return ((x - 128) & ~255) + 128; };
+    return {below(z.re), below(z.im)};
+}
+
+void expected_variants(Kel16sc z, Kel32u* words, const Kel8u* tile, int state) {
+    const Place origin = reference_point(z);
+    const auto distance = [&](int code) {
+        const int dx = origin.column + 256 * positions[code].column - z.re;
+        const int dy = origin.row + 256 * positions[code].row - z.im;
+        return dx * dx / 16 + dy * dy / 16;
+    };
+    const int column = (origin.column - 128) / 256 + 1000,
+              row = (origin.row - 128) / 256 + 1000; // 1000: a multiple of 4
+    for (int code = 0; code < (state == 16 ? 4 : 8); ++code) {
+        int best = code;
+        if (code >= 4 && distance(code + 4) <= distance(code)) best = code + 4;
+        const int c = (column + labelled[code].column + 258) % 4, r = (row + labelled[code].row + 258) % 4;
+        words[tile[c + 4 * r] & (state == 16 ? 3 : 7)] =
+            static_cast<Kel32u>(distance(best)) + (static_cast<Kel32u>(best) << 16);
+    }
+}
+
+TEST(VariantPoints, OfEveryCoordinate) {
+    Random random("points");
+    for (const int state : {16, 32, 64, 0, -1, 17})
+        for (int round = 0; round < 3; ++round) {
+            Kel8u tile[16];
+            for (Kel8u& label : tile) label = static_cast<Kel8u>(random.bits());
+            for (int re = -32768; re < 32768; re += round == 0 ? 1 : 5) {
+                const Kel16sc z = {static_cast<Kel16s>(re), static_cast<Kel16s>(random.bits())};
+                Kel32u got[8], want[8];
+                std::fill_n(got, 8, 0xDEADBEEF);
+                std::fill_n(want, 8, 0xDEADBEEF);
+                Kel16sc point = z; // the reference point may replace the sample
+                ASSERT_EQ(kelsGetVarPointDV_16sc(&point, &point, got, tile, state), kelStatusOk);
+                expected_variants(z, want, tile, state);
+                const Place origin = reference_point(z);
+                ASSERT_EQ(point.re, static_cast<Kel16s>(origin.column)) << re;
+                ASSERT_EQ(point.im, static_cast<Kel16s>(origin.row)) << z.im;
+                ASSERT_EQ(std::memcmp(got, want, sizeof got), 0) << z.re << ' ' << z.im << " state " << state;
+            }
+        }
+}
+
+/// Labels of a four-dimensional code: those of places two columns and two rows apart agree.
+constexpr Kel8u usual_tile[16] = {0, 1, 4, 5, 3, 2, 7, 6, 4, 5, 0, 1, 7, 6, 3, 2};
+
+TEST(VariantPoints, LiteralValues) {
+    Kel16sc sample = {128, 128}, point;
+    Kel32u words[8];
+    ASSERT_EQ(kelsGetVarPointDV_16sc(&sample, &point, words, usual_tile, 64), kelStatusOk);
+    EXPECT_TRUE(point.re == 128 && point.im == 128);
+    EXPECT_EQ(words[usual_tile[2 + 4 * 2] & 7], 0U) << "column 0 of the plane is column 2 of the tile";
+    sample = {0, 0};
+    Kel32u four[4];
+    ASSERT_EQ(kelsGetVarPointDV_16sc(&sample, &point, four, usual_tile, 16), kelStatusOk);
+    EXPECT_TRUE(point.re == -128 && point.im == -128);
+    for (const Kel32u word : four) EXPECT_EQ(word & 0xFFFF, 2048U);
+    sample = {-32768, -32768};
+    ASSERT_EQ(kelsGetVarPointDV_16sc(&sample, &point, words, usual_tile, 32), kelStatusOk);
+    EXPECT_TRUE(point.re == 32640 && point.im == 32640) << "-32896, cut to 16 bits";
+}
+
+// Symbols
+
+struct Pair {
+    int first, second;
+};
+
+std::vector<Pair> pairs_of(int i, int state, int inversion) {
+    if (state == 16) {
+        const int j = i ^ inversion, a = j / 4, b = (j + a) % 4;
+        return {{a, b}, {(a + 2) % 4, (b + 2) % 4}};
+    }
+    std::vector<Pair> pairs;
+    const auto add = [&](int j) {
+        const int a = j / 4, b = (j + a) % 4;
+        pairs.push_back({a, b});
+        pairs.push_back({(a + 4) % 8, b + 4});
+    };
+    if (state == 32) {
+        const int j = (i ^ inversion) + (i >= 8 ? 16 : 0);
+        add(j ^ 8);
+        add(j);
+    } else {
+        add(i ^ inversion);
+    }
+    return pairs;
+}
+
+TEST(Symbols, AreTheBestPairs) {
+    Random random("symbols");
+    for (const int state : {16, 32, 64, 5, -64}) {
+        const int states = state == 16 || state == 32 ? state : 64, count = states / 2;
+        for (const unsigned farthest : {2U, 20U, 20000U, 65535U}) // small ones tie
+            for (int inversion = 0; inversion < count; ++inversion) {
+                std::vector<Kel32u> words(states == 16 ? 12 : 16);
+                for (Kel32u& w : words)
+                    w = static_cast<Kel32u>(random.bits() % (farthest + 1)) | static_cast<Kel32u>(random.bits()) << 16;
+                std::vector<Kel16u> want;
+                for (int i = 0; i < count; ++i) {
+                    Kel32u least = UINT32_MAX, codes = 0;
+                    for (const Pair& pair : pairs_of(i, states, inversion)) {
+                        const Kel32u one = words[static_cast<std::size_t>(pair.first)],
+                                     two = words[static_cast<std::size_t>(8 + pair.second)];
+                        const Kel32u sum = (one & 0xFFFF) + (two & 0xFFFF);
+                        if (sum >= least) continue;
+                        least = sum;
+                        codes = (one >> 16) % 256 + 256 * ((two >> 16) % 256);
+                    }
+                    want.push_back(static_cast<Kel16u>(codes));
+                    want.push_back(static_cast<Kel16u>(least));
+                }
+                GuardedArray<Kel32u> in(words, kels_test::Edge::back);
+                for (const kels_test::Edge edge : kels_test::edges) {
+                    GuardedArray<Kel16u> got(want.size(), edge);
+                    ASSERT_TRUE(kels_test::runs_without_fault(
+                        [&] { kelsBuildSymblTableDV4D_16sc(in.data(), got.data(), state, inversion); }));
+                    ASSERT_EQ(got.values(), want) << "state " << state << " inversion " << inversion;
+                }
+            }
+        // Any inversion stays inside.
+        GuardedArray<Kel32u> in(std::vector<Kel32u>(16, 7), kels_test::Edge::back);
+        GuardedArray<Kel16u> got(static_cast<std::size_t>(2 * count), kels_test::Edge::back);
+        for (const int inversion : {count, -1, INT_MIN, INT_MAX})
+            ASSERT_TRUE(kels_test::runs_without_fault(
+                [&] { kelsBuildSymblTableDV4D_16sc(in.data(), got.data(), state, inversion); }));
+    }
+}
+
+// The trellis
+
+struct Trellis {
+    int states, branches;
+    std::vector<Kel16u> path_error, new_error, symbols;
+    std::vector<Kel8u> next;
+    std::vector<Kel32u> path;
+
+    Trellis(int n, int successors) : states(n), branches(n == 16 ? 4 : n == 32 ? 8 : 16) {
+        path_error.resize(static_cast<std::size_t>(n));
+        new_error.resize(static_cast<std::size_t>(successors));
+        path.resize(static_cast<std::size_t>(successors));
+        symbols.resize(static_cast<std::size_t>(4 * branches));
+        next.resize(static_cast<std::size_t>(n * branches));
+    }
+
+    void step_by_the_rule() {
+        std::size_t at = 0;
+        for (int s = 0; s < states; ++s)
+            for (int k = 0; k < branches; ++k) {
+                const std::size_t n = next[at++], entry = static_cast<std::size_t>(2 * (2 * k + s % 2));
+                const std::int64_t total =
+                    path_error[static_cast<std::size_t>(s)] + std::int64_t{static_cast<Kel16s>(symbols[entry + 1])};
+                if (total < new_error[n]) {
+                    new_error[n] = static_cast<Kel16u>(total);
+                    path[n] = symbols[entry] + (static_cast<Kel32u>(s) << 16);
+                }
+            }
+    }
+};
+
+struct Errors {
+    int path, metric; // below these
+    int limit;        // what new errors start from; 0: anything
+    int successors;   // states that there are, or more for a table that goes beyond them
+    bool negative;
+};
+
+TEST(TrellisStage, SelectsAsBranchByBranch) {
+    Random random("trellis");
+    const auto below = [&](int n) { return static_cast<Kel16u>(random.below(n)); };
+    for (const int states : {16, 32, 64})
+        for (const Errors& e :
+             {Errors{65536, 32768, 65535, 0, false}, Errors{3, 3, 65535, 0, false}, Errors{3, 3, 4, 0, false},
+              Errors{65536, 32768, 0, 0, false}, Errors{100, 100, 65535, 256, false}, Errors{65536, 65536, 0, 0, true},
+              Errors{10, 65536, 65535, 0, true}, Errors{65536, 65536, 0, 256, true}})
+            for (int round = 0; round < 20; ++round) {
+                Trellis t(states, std::max(states, e.successors));
+                for (Kel16u& x : t.path_error) x = below(e.path);
+                for (Kel16u& x : t.new_error) x = e.limit ? static_cast<Kel16u>(e.limit) : below(65536);
+                for (Kel16u& x : t.symbols) x = below(65536);
+                for (std::size_t i = 1; i < t.symbols.size(); i += 2) t.symbols[i] = below(e.metric);
+                for (Kel8u& n : t.next) n = static_cast<Kel8u>(random.below(static_cast<int>(t.path.size())));
+                for (Kel32u& p : t.path) p = static_cast<Kel32u>(random.bits());
+                const kels_test::Edge edge = round % 2 ? kels_test::Edge::front : kels_test::Edge::back;
+                GuardedArray<Kel16u> errors(t.path_error, edge), fresh(t.new_error, edge), symbols(t.symbols, edge);
+                GuardedArray<Kel8u> next(t.next, edge);
+                GuardedArray<Kel32u> path(t.path, edge);
+                const int index = round % 3 == 0 ? 0 : random.below(2001) - 1000;
+                ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                    kelsCalcStatesDV_16sc(errors.data(), next.data(), fresh.data(), symbols.data(), path.data() - index,
+                                          states == 64 && round % 2 ? 7 : states, index);
+                }));
+                t.step_by_the_rule();
+                ASSERT_EQ(fresh.values(), t.new_error) << states;
+                ASSERT_EQ(path.values(), t.path) << states;
+            }
+}
+
+// Now and then noise makes a wrong branch look right. But paths that part take two such branches, at least, before they
+// meet again: the state turns around by a bit a stage, and its lowest bit chooses the symbols.
+TEST(TrellisStage, DecodesThroughNoise) {
+    constexpr int states = 64, branches = 16, stages = 31 * 13, symbols = 2 * branches;
+    Random random("noise");
+    std::vector<Kel8u> next;
+    for (int s = 0; s < states; ++s)
+        for (int k = 0; k < branches; ++k) next.push_back(static_cast<Kel8u>((s / 2 + s % 2 * 32) ^ (k * 4 + k / 8)));
+    std::vector<Kel32u> path(states * stages);
+    std::vector<Kel16u> error(states, 30000), sent_states;
+    error[0] = 0;
+    int state = 0;
+    for (int stage = 0; stage < stages; ++stage) {
+        const int branch = random.below(branches), sent = 2 * branch + state % 2;
+        std::vector<Kel16u> table(2 * symbols);
+        for (int i = 0; i < symbols; ++i) {
+            table[static_cast<std::size_t>(2 * i)] = static_cast<Kel16u>(1000 + i);
+            table[static_cast<std::size_t>(2 * i + 1)] = static_cast<Kel16u>(20 + random.below(80));
+        }
+        table[static_cast<std::size_t>(2 * sent + 1)] = static_cast<Kel16u>(stage % 13 == 5 ? 30 + random.below(6) : 0);
+        std::vector<Kel16u> fresh(states, 32767);
+        ASSERT_EQ(kelsCalcStatesDV_16sc(error.data(), next.data(), fresh.data(), table.data(), path.data(), 64,
+                                        stage * states),
+                  kelStatusOk);
+        error = fresh;
+        sent_states.push_back(static_cast<Kel16u>(1000 + sent));
+        state = next[static_cast<std::size_t>(state * branches + branch)];
+    }
+    auto at = static_cast<std::size_t>(std::min_element(error.begin(), error.end()) - error.begin());
+    EXPECT_EQ(at, static_cast<std::size_t>(state));
+    for (std::size_t stage = stages; stage-- > 0;) {
+        const Kel32u entry = path[stage * states + at];
+        EXPECT_EQ(entry & 0xFFFF, sent_states[stage]) << stage;
+        at = entry >> 16;
+    }
+}
+
+TEST(TrellisStage, OneBranchAmongEquals) {
+    std::vector<Kel16u> error(16, 5), fresh(16, 65535), symbols(16, 9);
+    const std::vector<Kel8u> next(64, 3);
+    std::vector<Kel32u> path(16);
+    for (std::size_t i = 0; i < symbols.size(); i += 2) symbols[i] = static_cast<Kel16u>(100 + i / 2);
+    ASSERT_EQ(kelsCalcStatesDV_16sc(error.data(), next.data(), fresh.data(), symbols.data(), path.data(), 16, 0),
+              kelStatusOk);
+    EXPECT_EQ(fresh[3], 14);
+    EXPECT_EQ(path[3], 100U);
+    for (const int state : {0, -1, INT_MIN}) {
+        fresh[3] = 7;
+        EXPECT_EQ(kelsCalcStatesDV_16sc(error.data(), next.data(), fresh.data(), symbols.data(), path.data(), state, 0),
+                  kelStatusOk);
+        EXPECT_EQ(fresh[3], 7);
+    }
+}
+
+TEST(ViterbiKit, RefusesNullPointers) {
+    Kel16sc z = {1, 2};
+    Kel32u words[16] = {}, path[64] = {};
+    Kel16u values[128] = {};
+    const Kel8u next[1024] = {};
+    EXPECT_EQ(kelsGetVarPointDV_16sc(nullptr, &z, words, usual_tile, 16), kelStatusNullPtr);
+    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, nullptr, words, usual_tile, 16), kelStatusNullPtr);
+    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, &z, nullptr, usual_tile, 16), kelStatusNullPtr);
+    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, &z, words, nullptr, 16), kelStatusNullPtr);
+    EXPECT_TRUE(z.re == 1 && z.im == 2);
+    EXPECT_EQ(kelsBuildSymblTableDV4D_16sc(nullptr, values, 16, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsBuildSymblTableDV4D_16sc(words, nullptr, 16, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCalcStatesDV_16sc(nullptr, next, values, values, path, 0, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCalcStatesDV_16sc(values, nullptr, values, values, path, 64, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, nullptr, values, path, 64, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, values, nullptr, path, 64, 0), kelStatusNullPtr);
+    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, values, values, nullptr, 64, 0), kelStatusNullPtr);
+}
+
+} // namespace

@@ -1,0 +1,484 @@
+// The Haar transform: integers against the rule in exact arithmetic, reals against it in extended precision.
+
+#include "kels/haar.h"
+#include "support/control_state.h"
+#include "support/guarded_array.h"
+#include "support/random_data.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using kels_test::GuardedArray;
+using kels_test::Random;
+
+// Exact integers of 96 bits
+
+struct Exact {
+    std::int64_t high;
+    std::uint32_t low;
+
+    static Exact of(std::int64_t x) { return {x >> 32, static_cast<std::uint32_t>(x)}; }
+
+    Exact plus(std::int64_t x, int sign) const {
+        const Exact b = of(x);
+        const std::int64_t sum = std::int64_t{low} + sign * std::int64_t{b.low};
+        return {high + sign * b.high + (sum >> 32), static_cast<std::uint32_t>(sum)};
+    }
+
+    /// 2^-t times this, rounded to nearest, ties to even; t is at least 0.
+    Exact rounded(int t) const {
+        Exact v = *this;
+        bool middle = false, rest = false;
+        for (; t > 0; --t) {
+            rest |= middle;
+            middle = v.low & 1;
+            v = {v.high >> 1, v.low >> 1 | static_cast<std::uint32_t>(v.high & 1) << 31};
+        }
+        return middle && (rest || (v.low & 1)) ? v.plus(1, 1) : v;
+    }
+
+    Exact doubled() const { return {2 * high + (low >> 31), low << 1}; }
+
+    template <class T>
+    T saturated() const {
+        constexpr std::int64_t most = std::numeric_limits<T>::max(), least = std::numeric_limits<T>::min();
+        if (high > INT_MAX) return static_cast<T>(most);
+        if (high < INT_MIN) return static_cast<T>(least);
+        return static_cast<T>(std::clamp<std::int64_t>(
+            static_cast<std::int64_t>(static_cast<std::uint64_t>(high) << 32 | low), least, most));
+    }
+};
+
+/// v 2^-t, rounded and saturated.
+template <class T>
+T base_rule(Exact v, int t) {
+    if (t >= 0) return v.rounded(std::min(t, 100)).template saturated<T>();
+    for (t = std::max(t, -100); t < 0; ++t) {
+        v = v.doubled();
+        v.high = std::clamp<std::int64_t>(v.high, -(1LL << 60), 1LL << 60);
+    }
+    return v.saturated<T>();
+}
+
+// Sum (sign 1) or difference (sign -1) of a pair, by the rows of long types where these have their own
+
+constexpr int carries[2][4][4] = {{{0, 0, 0, 1}, {0, 0, -1, 0}, {0, 1, 0, 0}, {-1, 0, 0, 0}},
+                                  {{0, 0, 0, 1}, {0, 1, 1, 1}, {0, 1, 0, 0}, {1, 1, 0, 1}}};
+
+template <class T>
+T halved_by_table(T x0, T x1, int sign, bool guarded) {
+    constexpr T most = std::numeric_limits<T>::max();
+    const T a1 = x1 >> 1, a0 = x0 >> 1;
+    if (guarded && a1 - a0 == most) return sign < 0 ? most : 0;
+    const int carry = carries[sign > 0][x0 & 3][x1 & 3];
+    const T whole = sign > 0 ? a1 + a0 : a1 - a0;
+    return whole == most && carry > 0 ? most : static_cast<T>(whole + carry);
+}
+
+template <class T>
+T from_top_bits(T x0, T x1, int sign, int t) {
+    const T S = sign > 0 ? (x1 >> 3) + (x0 >> 3) : (x1 >> 3) - (x0 >> 3);
+    const int r1 = static_cast<int>(x1 & 7), r0 = static_cast<int>(x0 & 7);
+    const int c = sign > 0 ? ((r1 + r0 + 7) & 8) >> 3 : ((r1 + 7 - r0) & 8) >> 3;
+    return static_cast<T>((S + (T{1} << (t - 4)) - 1 + ((S >> (t - 3)) & 1) + c) >> (t - 3));
+}
+
+template <class T>
+T of_pair(T x0, T x1, int sign, int t, bool guarded) {
+    const Exact v = Exact::of(x1).plus(x0, sign);
+    if constexpr (sizeof(T) >= 4) {
+        constexpr int width = 8 * sizeof(T);
+        if (t == 1) return halved_by_table(x0, x1, sign, guarded);
+        if (t >= width - 3 && t <= width - 1) return from_top_bits(x0, x1, sign, t);
+        if (t == width) {
+            const Exact doubled = v.doubled();
+            constexpr std::int64_t limit = 1LL << (width - 32);
+            return static_cast<T>(doubled.high >= limit ? 1 : doubled.high < -limit ? -1 : 0);
+        }
+    }
+    return base_rule<T>(v, t);
+}
+
+template <class T>
+struct Bands {
+    std::vector<T> low, high;
+};
+
+template <class T>
+Bands<T> expected_bands(const std::vector<T>& x, int scaleFactor) {
+    const int t = std::clamp(scaleFactor, -200, 200) + 1;
+    Bands<T> bands;
+    for (std::size_t i = 0; i + 1 < x.size(); i += 2) {
+        bands.low.push_back(of_pair(x[i], x[i + 1], 1, t, sizeof(T) == 4));
+        bands.high.push_back(of_pair(x[i], x[i + 1], -1, t, sizeof(T) == 4));
+    }
+    if (x.size() % 2 == 1) {
+        constexpr int width = 8 * sizeof(T);
+        const T last = x.back();
+        if (t == 1)
+            bands.low.push_back(last);
+        else if (sizeof(T) >= 4 && t >= width - 3 && t <= width - 1)
+            bands.low.push_back(from_top_bits<T>(0, last, 1, t - 1));
+        else
+            bands.low.push_back(of_pair(last, last, 1, t, false));
+    }
+    return bands;
+}
+
+template <class T>
+std::vector<T> expected_signal(const Bands<T>& bands, int scaleFactor) {
+    const int t = std::clamp(scaleFactor, -200, 200);
+    std::vector<T> x;
+    for (std::size_t k = 0; k < bands.high.size(); ++k) {
+        x.push_back(of_pair(bands.high[k], bands.low[k], -1, t, true));
+        x.push_back(of_pair(bands.high[k], bands.low[k], 1, t, true));
+    }
+    if (bands.low.size() > bands.high.size())
+        x.push_back(sizeof(T) >= 4 && t == 1 ? base_rule<T>(Exact::of(bands.low.back()), t)
+                                             : of_pair<T>(0, bands.low.back(), 1, t, true));
+    return x;
+}
+
+// Forms
+
+template <class T>
+struct Forms;
+template <>
+struct Forms<Kel8s> {
+    static constexpr auto forward = kelsWTHaarFwd_8s;
+    static constexpr auto inverse = kelsWTHaarInv_8s;
+    static constexpr auto scaled_forward = kelsWTHaarFwd_8s_Sfs;
+    static constexpr auto scaled_inverse = kelsWTHaarInv_8s_Sfs;
+};
+template <>
+struct Forms<Kel16s> {
+    static constexpr auto forward = kelsWTHaarFwd_16s;
+    static constexpr auto inverse = kelsWTHaarInv_16s;
+    static constexpr auto scaled_forward = kelsWTHaarFwd_16s_Sfs;
+    static constexpr auto scaled_inverse = kelsWTHaarInv_16s_Sfs;
+};
+template <>
+struct Forms<Kel32s> {
+    static constexpr auto forward = kelsWTHaarFwd_32s;
+    static constexpr auto inverse = kelsWTHaarInv_32s;
+    static constexpr auto scaled_forward = kelsWTHaarFwd_32s_Sfs;
+    static constexpr auto scaled_inverse = kelsWTHaarInv_32s_Sfs;
+};
+template <>
+struct Forms<Kel64s> {
+    static constexpr auto forward = kelsWTHaarFwd_64s;
+    static constexpr auto inverse = kelsWTHaarInv_64s;
+    static constexpr auto scaled_forward = kelsWTHaarFwd_64s_Sfs;
+    static constexpr auto scaled_inverse = kelsWTHaarInv_64s_Sfs;
+};
+template <>
+struct Forms<Kel32f> {
+    static constexpr auto forward = kelsWTHaarFwd_32f;
+    static constexpr auto inverse = kelsWTHaarInv_32f;
+};
+template <>
+struct Forms<Kel64f> {
+    static constexpr auto forward = kelsWTHaarFwd_64f;
+    static constexpr auto inverse = kelsWTHaarInv_64f;
+};
+
+constexpr int plain = INT_MIN + 12345; // in the place of a scale factor: the function without one
+
+template <class T>
+KelStatus call_forward(const T* x, int len, T* low, T* high, int scaleFactor) {
+    if constexpr (std::is_integral_v<T>)
+        if (scaleFactor != plain) return Forms<T>::scaled_forward(x, len, low, high, scaleFactor);
+    return Forms<T>::forward(x, len, low, high);
+}
+template <class T>
+KelStatus call_inverse(const T* low, const T* high, T* x, int len, int scaleFactor) {
+    if constexpr (std::is_integral_v<T>)
+        if (scaleFactor != plain) return Forms<T>::scaled_inverse(low, high, x, len, scaleFactor);
+    return Forms<T>::inverse(low, high, x, len);
+}
+
+template <class T>
+Bands<T> split(const std::vector<T>& x, int scaleFactor = plain) {
+    Bands<T> bands{std::vector<T>((x.size() + 1) / 2), std::vector<T>(x.size() / 2)};
+    T none[1]; // of no elements, but no null pointer
+    T* high = bands.high.empty() ? none : bands.high.data();
+    EXPECT_EQ(call_forward(x.data(), static_cast<int>(x.size()), bands.low.data(), high, scaleFactor), kelStatusOk);
+    return bands;
+}
+template <class T>
+std::vector<T> merge(const Bands<T>& bands, int scaleFactor = plain) {
+    std::vector<T> x(bands.low.size() + bands.high.size());
+    const T none[1] = {};
+    const T* high = bands.high.empty() ? none : bands.high.data();
+    EXPECT_EQ(call_inverse(bands.low.data(), high, x.data(), static_cast<int>(x.size()), scaleFactor), kelStatusOk);
+    return x;
+}
+
+template <class T>
+void expect_both_ways(const std::vector<T>& x, int scaleFactor) {
+    const int factor = scaleFactor == plain ? 0 : scaleFactor;
+    const Bands<T> got = split(x, scaleFactor), want = expected_bands(x, factor);
+    ASSERT_EQ(got.low, want.low) << "factor " << scaleFactor;
+    ASSERT_EQ(got.high, want.high) << "factor " << scaleFactor;
+    // The signal's halves as bands
+    const auto middle = x.begin() + static_cast<std::ptrdiff_t>((x.size() + 1) / 2);
+    const Bands<T> bands{{x.begin(), middle}, {middle, x.end()}};
+    ASSERT_EQ(merge(bands, scaleFactor), expected_signal(bands, factor)) << "factor " << scaleFactor;
+}
+
+template <class T>
+class HaarInteger : public testing::Test {};
+using Integers = testing::Types<Kel8s, Kel16s, Kel32s, Kel64s>;
+TYPED_TEST_SUITE(HaarInteger, Integers);
+
+std::vector<int> factors(int width) {
+    std::vector<int> all = {plain, INT_MIN, INT_MIN + 1, INT_MAX, INT_MAX - 1, -1000, 1000};
+    for (int s = -width - 3; s <= width + 3; ++s) all.push_back(s);
+    return all;
+}
+
+TYPED_TEST(HaarInteger, EveryFactorOfRandomSamples) {
+    using T = TypeParam;
+    Random random("haar");
+    for (const int factor : factors(8 * sizeof(T)))
+        for (const int len : {1, 2, 3, 4, 7, 100, 1001}) {
+            std::vector<T> x(static_cast<std::size_t>(len));
+            kels_test::fill_random(random, kels_test::type_of<T>(), x.data(), x.size());
+            expect_both_ways(x, factor);
+        }
+}
+
+/// Pairs whose sum, or difference, is at a tie of the shift, or close to one, or to the largest and least there are.
+TYPED_TEST(HaarInteger, BesideTies) {
+    using T = TypeParam;
+    constexpr int width = 8 * sizeof(T);
+    constexpr T least = std::numeric_limits<T>::min(), most = std::numeric_limits<T>::max();
+    Random random("ties");
+    for (const int factor : factors(width)) {
+        const int t = std::clamp(factor, 0, width + 1);
+        std::vector<T> x;
+        const auto add = [&](std::uint64_t x0, std::uint64_t v) { // x1 so that the low bits of sum and difference tell
+            x.push_back(static_cast<T>(x0));
+            x.push_back(static_cast<T>(v - x0));
+            x.push_back(static_cast<T>(x0));
+            x.push_back(static_cast<T>(v + x0));
+        };
+        for (int round = 0; round < 4; ++round)
+            for (int off = -18; off <= 18; ++off)
+                for (const int shift : {t, t + 1}) {
+                    const std::uint64_t tie = shift > 0 ? (2 * random.bits() + 1) << std::min(shift - 1, 63) : 0;
+                    add(random.bits(), tie + static_cast<std::uint64_t>(off));
+                    add(random.bits() % 16, tie + static_cast<std::uint64_t>(off));
+                }
+        for (const T a :
+             {least, static_cast<T>(least + 1), static_cast<T>(least + 2), static_cast<T>(least / 2), T{-1}, T{0}, T{1},
+              static_cast<T>(most / 2), static_cast<T>(most / 2 + 1), static_cast<T>(most - 1), most})
+            for (const T b :
+                 {least, static_cast<T>(least + 1), static_cast<T>(least + 2), static_cast<T>(least / 2), T{-1}, T{0},
+                  T{1}, static_cast<T>(most / 2), static_cast<T>(most / 2 + 1), static_cast<T>(most - 1), most}) {
+                x.push_back(a);
+                x.push_back(b);
+            }
+        expect_both_ways(x, factor);
+        // The same pairs as low and high elements, and each as the last one.
+        Bands<T> bands;
+        for (std::size_t i = 0; i < x.size(); i += 2) {
+            bands.low.push_back(x[i + 1]);
+            bands.high.push_back(x[i]);
+        }
+        ASSERT_EQ(merge(bands, factor), expected_signal(bands, factor == plain ? 0 : factor)) << factor;
+        for (std::size_t i = 0; i < x.size(); i += 3) expect_both_ways(std::vector<T>{x[i]}, factor);
+    }
+}
+
+TEST(HaarInteger8, EveryPair) {
+    std::vector<Kel8s> x;
+    for (int a = -128; a < 128; ++a)
+        for (int b = -128; b < 128; ++b) {
+            x.push_back(static_cast<Kel8s>(a));
+            x.push_back(static_cast<Kel8s>(b));
+        }
+    for (const int factor : factors(8)) {
+        const Bands<Kel8s> got = split(x, factor), want = expected_bands(x, factor == plain ? 0 : factor);
+        ASSERT_TRUE(got.low == want.low && got.high == want.high) << factor;
+        Bands<Kel8s> bands;
+        for (std::size_t i = 0; i < x.size(); i += 2) {
+            bands.low.push_back(x[i]);
+            bands.high.push_back(x[i + 1]);
+        }
+        ASSERT_EQ(merge(bands, factor), expected_signal(bands, factor == plain ? 0 : factor)) << factor;
+    }
+}
+
+TEST(HaarInteger, LiteralValues) {
+    const auto pair = []<class T>(T x0, T x1, int factor, T low, T high) {
+        const Bands<T> bands = split(std::vector<T>{x0, x1}, factor);
+        EXPECT_EQ(bands.low[0], low);
+        EXPECT_EQ(bands.high[0], high);
+    };
+    pair(Kel16s{0}, Kel16s{1}, plain, Kel16s{0}, Kel16s{0});
+    pair(Kel16s{1}, Kel16s{2}, plain, Kel16s{2}, Kel16s{0});
+    pair(Kel16s{0}, Kel16s{3}, plain, Kel16s{2}, Kel16s{2});
+    pair(Kel8s{-128}, Kel8s{127}, plain, Kel8s{0}, Kel8s{127});
+    pair(INT_MIN, INT_MAX - 1, plain, 0, INT_MAX);
+    pair(INT_MIN, INT_MAX - 1, 0, 0, INT_MAX);
+    pair(INT_MIN + 1, INT_MAX - 1, 0, 0, INT_MAX);
+    pair(Kel64s{LLONG_MIN}, Kel64s{LLONG_MAX - 1}, 0, Kel64s{-1}, Kel64s{LLONG_MAX});
+    pair(Kel16s{20000}, Kel16s{20000}, -1, Kel16s{32767}, Kel16s{0});
+    pair(Kel16s{32767}, Kel16s{32767}, 16, Kel16s{0}, Kel16s{0});
+    pair(Kel16s{32767}, Kel16s{32767}, 15, Kel16s{1}, Kel16s{0});
+    pair(1 << 30, 1 << 30, 31, 1, 0);
+    pair(Kel32s{5}, Kel32s{5}, INT_MAX, 0, 0);
+    EXPECT_EQ(merge<Kel8s>({{-5, 5}, {5, 5}}, -8), (std::vector<Kel8s>{-128, 0, 0, 127}));
+    EXPECT_EQ(merge<Kel8s>({{-5, 5}, {5, 5}}, INT_MIN), (std::vector<Kel8s>{-128, 0, 0, 127}));
+    EXPECT_EQ(merge<Kel32s>({{7, 9, 1}, {8, 1}}, 33), std::vector<Kel32s>(5, 0));
+    EXPECT_EQ(merge<Kel64s>({{LLONG_MAX - 1}, {LLONG_MIN}}, 1), (std::vector<Kel64s>{LLONG_MAX, 0})) << "guarded";
+    EXPECT_EQ(split<Kel16s>({20000}, -1).low[0], 32767);
+}
+
+// Reals
+
+template <class T>
+class HaarReal : public testing::Test {};
+using Reals = testing::Types<Kel32f, Kel64f>;
+TYPED_TEST_SUITE(HaarReal, Reals);
+
+/// The bits, but for NaNs; a double may be the neighbour of what extended precision rounds to, twice.
+template <class T>
+void expect_close(T got, long double exact, long double x0, long double x1) {
+    const T want = static_cast<T>(exact);
+    if (std::isnan(want) && std::isnan(got)) return;
+    if (sizeof(T) == 8 && (got == std::nextafter(want, T{INFINITY}) || got == std::nextafter(want, -T{INFINITY})))
+        return;
+    ASSERT_EQ(std::memcmp(&got, &want, sizeof got), 0) << got << " for " << want << " of " << x0 << " and " << x1;
+}
+
+template <class T>
+void expect_real(const std::vector<T>& x) {
+    const Bands<T> bands = split(x);
+    for (std::size_t k = 0; k < bands.high.size(); ++k) {
+        const long double x0 = x[2 * k], x1 = x[2 * k + 1], d = (x1 - x0) * 0.5L;
+        expect_close(bands.high[k], d, x0, x1);
+        expect_close(bands.low[k], d + x0, x0, x1);
+    }
+    if (x.size() % 2 == 1) {
+        EXPECT_EQ(std::memcmp(&bands.low.back(), &x.back(), sizeof(T)), 0);
+    }
+
+    const auto middle = x.begin() + static_cast<std::ptrdiff_t>((x.size() + 1) / 2);
+    const Bands<T> halves{{x.begin(), middle}, {middle, x.end()}};
+    const std::vector<T> merged = merge(halves);
+    for (std::size_t k = 0; k < halves.high.size(); ++k) {
+        const long double l = halves.low[k], h = halves.high[k];
+        expect_close(merged[2 * k], l - h, l, h);
+        expect_close(merged[2 * k + 1], l + h, l, h);
+    }
+    if (x.size() % 2 == 1) {
+        EXPECT_EQ(std::memcmp(&merged.back(), &halves.low.back(), sizeof(T)), 0);
+    }
+}
+
+TYPED_TEST(HaarReal, SpecialValuesAndAnyOthers) {
+    using T = TypeParam;
+    Random random("reals");
+    for (const int specials : {0, 2, 8, 3000})
+        for (const int len : {1, 2, 3, 17, 1000, 5001}) {
+            std::vector<T> x(static_cast<std::size_t>(len));
+            kels_test::fill_random(random, kels_test::type_of<T>(), x.data(), x.size(), 0, 0, specials);
+            expect_real(x);
+        }
+}
+
+/// Every pair of numbers at the ends of the range, and around the end of the normal ones.
+TYPED_TEST(HaarReal, EndsOfTheRange) {
+    using T = TypeParam;
+    using Limits = std::numeric_limits<T>;
+    std::vector<T> ends;
+    for (const T sign : {T{1}, T{-1}})
+        for (const T value : {T{0}, Limits::denorm_min(), 2 * Limits::denorm_min(), 3 * Limits::denorm_min(),
+                              Limits::min(), std::nextafter(Limits::min(), T{1}), std::nextafter(Limits::min(), T{0}),
+                              2 * Limits::min(), T{1}, Limits::max(), std::nextafter(Limits::max(), T{0}),
+                              Limits::max() / 2, Limits::infinity(), Limits::quiet_NaN()})
+            ends.push_back(sign * value);
+    std::vector<T> x;
+    for (const T a : ends)
+        for (const T b : ends) {
+            x.push_back(a);
+            x.push_back(b);
+        }
+    expect_real(x);
+    for (std::size_t i = 0; i < x.size(); i += 2) expect_real(std::vector<T>{x[i], x[i + 1]});
+}
+
+TYPED_TEST(HaarReal, OneBandBack) {
+    using T = TypeParam;
+    const Bands<T> bands = split(std::vector<T>{1, 2, 7});
+    EXPECT_EQ(bands.low, (std::vector<T>{T(1.5), 7}));
+    EXPECT_EQ(bands.high, (std::vector<T>{T(0.5)}));
+    EXPECT_EQ(merge(bands), (std::vector<T>{1, 2, 7}));
+}
+
+// All forms
+
+template <class T>
+class Haar : public testing::Test {};
+using Types = testing::Types<Kel8s, Kel16s, Kel32s, Kel64s, Kel32f, Kel64f>;
+TYPED_TEST_SUITE(Haar, Types);
+
+TYPED_TEST(Haar, StaysInItsArrays) {
+    using T = TypeParam;
+    Random random("guards");
+    for (const kels_test::Edge edge : kels_test::edges)
+        for (int len = 1; len <= static_cast<int>(4 * 64 / sizeof(T) + 3); ++len)
+            for (const int factor : {plain, -1, 3}) {
+                std::vector<T> x(static_cast<std::size_t>(len));
+                for (T& value : x) value = static_cast<T>(random.below(100));
+                const std::size_t half = x.size() / 2;
+                GuardedArray<T> signal(x, edge), low(x.size() - half, edge), high(half, edge), back(x.size(), edge);
+                ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                    call_forward<T>(signal.data(), len, low.data(), high.data(), factor);
+                    call_inverse<T>(low.data(), high.data(), back.data(), len, factor);
+                })) << len;
+                const Bands<T> bands = split(x, factor); // at another address
+                ASSERT_EQ(low.values(), bands.low);
+                ASSERT_EQ(high.values(), bands.high);
+                ASSERT_EQ(back.values(), merge(bands, factor));
+            }
+}
+
+TYPED_TEST(Haar, ObeysItsFrame) {
+    using T = TypeParam;
+    for (const int factor : {plain, 0, 2}) {
+        const kels_test::KeepControlState keep;
+        T x[4] = {1, 2, 3, 4}, low[2] = {9, 9}, high[2] = {9, 9};
+        EXPECT_EQ(call_forward<T>(nullptr, 0, low, high, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_forward<T>(x, 0, nullptr, high, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_forward<T>(x, 1, low, nullptr, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_forward<T>(x, 0, low, high, factor), kelStatusBadSize);
+        EXPECT_EQ(call_forward<T>(x, INT_MIN, low, high, factor), kelStatusBadSize);
+        EXPECT_EQ(call_inverse<T>(nullptr, high, x, 4, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_inverse<T>(low, nullptr, x, 1, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_inverse<T>(low, high, nullptr, 0, factor), kelStatusNullPtr);
+        EXPECT_EQ(call_inverse<T>(low, high, x, 0, factor), kelStatusBadSize);
+        EXPECT_TRUE(x[0] == 1 && low[0] == 9 && low[1] == 9 && high[0] == 9);
+        EXPECT_EQ(call_forward<T>(x, 1, low, high, factor), kelStatusOk);
+        EXPECT_EQ(high[0], 9) << "one sample has no high band";
+        for (const kels_test::ControlState& modes : kels_test::odd_modes) {
+            modes.load();
+            call_forward<T>(x, 4, low, high, factor);
+            EXPECT_TRUE(kels_test::ControlState::current().same_modes(modes));
+        }
+    }
+}
+
+} // namespace
