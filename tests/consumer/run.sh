@@ -3,6 +3,7 @@
 #   run.sh install <scratch directory> <build tree>    installs the build tree, then moves what was installed
 #   run.sh cmake <scratch directory>                   builds and runs the consumers by find_package
 #   run.sh pkg_config <scratch directory>              the same from the command line
+#   run.sh subdirectory <scratch directory>            what a build that adds the source tree to itself gets
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -23,6 +24,7 @@ install() {
     mv "$scratch/first" "$prefix"
     [ -e "$prefix/include/kels.h" ] || fail "kels.h was not installed"
     [ "$(readlink "$prefix/lib/libkels.so")" = libkels.so.2 ] || fail "the link name libkels.so does not lead to libkels.so.2"
+    ! readelf -d "$prefix/lib/libkels.so.2" | grep -E 'NEEDED.*(stdc|gcc_s)' || fail "programs in C would load the C++ library"
     ! find "$prefix/lib/glibc-hwcaps" -name libkels.so 2>/dev/null | grep . || fail "a level has a link name of its own"
 }
 
@@ -51,11 +53,24 @@ pkg_config() {
     runs_at_every_level "$scratch/first"
 }
 
+subdirectory() {
+    local build=$scratch/subdirectory targets
+    rm -rf "$build"
+    "$CMAKE" -G "$GENERATOR" -S "$here/subproject" -B "$build" -DKELS_ROOT="$here/../.." \
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX"
+    targets=$("$CMAKE" --build "$build" --target help)
+    grep -q '^kels:' <<<"$targets" || fail "the library is no target of the build"
+    ! grep -E '^(kels-|gtest|install)' <<<"$targets" || fail "more than the library came with it"
+}
+
 # The levels that are installed and that this processor runs, best first; then the one that every processor runs.
+# The loader's words are read to their end before they are searched: a search that stops early would stop the loader
+# by a broken pipe, and the level would be missed.
 levels() {
-    local level
+    local level supported
+    supported=$("$loader" --help)
     for level in x86-64-v4 x86-64-v3; do
-        [ -d "$prefix/lib/glibc-hwcaps/$level" ] && "$loader" --help | grep -q "$level (supported" && echo "$level"
+        [ -d "$prefix/lib/glibc-hwcaps/$level" ] && grep -q "$level (supported" <<<"$supported" && echo "$level"
     done
     echo none
 }
@@ -73,7 +88,7 @@ loaded() {
 
 runs_at_every_level() {
     local program=$1 level
-    [ "$(loaded "$program")" = "$(object_of "$(levels | head -1)")" ] || fail "$program does not load the best level"
+    [ "$(loaded "$program")" = "$(object_of "$(levels | sed -n 1p)")" ] || fail "$program does not load the best level"
     "$program"
     for level in $(levels); do
         [ "$(loaded "$program" --glibc-hwcaps-mask "$level")" = "$(object_of "$level")" ] ||
