@@ -16,9 +16,9 @@ struct Plans {
 template <class Plan>
 class Planned {
 public:
-    Planned(const Plans<Plan>& functions, int order) : plan_(nullptr, functions.free) {
+    Planned(const Plans<Plan>& functions, int order, int hint = kelHintDefault) : plan_(nullptr, functions.free) {
         Plan* plan = nullptr;
-        functions.make(&plan, order, kelFftNormNone, kelHintDefault);
+        functions.make(&plan, order, kelFftNormNone, hint);
         plan_.reset(plan);
         int bytes = 0;
         functions.buffer_size(plan, &bytes);
@@ -48,12 +48,35 @@ void transform(Transform kind, const Plans<Plan>& plans, KelStatus (*call)(const
     }
 }
 
+constexpr Plans<KelsFftPlan_16s> complex_16{kelsFFTInitAlloc_C_16sc, kelsFFTFree_C_16sc, kelsFFTGetBufSize_C_16sc};
 constexpr Plans<KelsFftPlan_32f> complex_single{kelsFFTInitAlloc_C_32fc, kelsFFTFree_C_32fc, kelsFFTGetBufSize_C_32fc};
 constexpr Plans<KelsFftPlan_64f> complex_double{kelsFFTInitAlloc_C_64fc, kelsFFTFree_C_64fc, kelsFFTGetBufSize_C_64fc};
 constexpr Plans<KelsFftPlan_32f> real_single{kelsFFTInitAlloc_R_32f, kelsFFTFree_R_32f, kelsFFTGetBufSize_R_32f};
 constexpr Plans<KelsFftPlan_64f> real_double{kelsFFTInitAlloc_R_64f, kelsFFTFree_R_64f, kelsFFTGetBufSize_R_64f};
 
+/// 16-bit data in fixed point, beside the single-precision transform of as many points.
+void fixed_point() {
+    for (const int order : {4, 5, 6, 7, 8, 9, 10}) {
+        const std::size_t points = std::size_t{1} << order;
+        Work work = transform_work<Kel32f>(Transform::complex_forward, order);
+        work.operation = "16-bit complex forward in fixed point";
+        contend(work, ours, [=] {
+            return [planned = Planned(complex_16, order, kelHintWideFixed), source = noise<Kel16sc>(points),
+                    result = zeros<Kel16sc>(points), order] {
+                kelsFFTFwd_CToC_16sc_Sfs(source.get(), result.get(), planned.plan(), order, planned.buffer());
+            };
+        });
+        contend(work, "in single", [=] {
+            return [planned = Planned(complex_single, order), source = noise<Kel32fc>(points),
+                    result = zeros<Kel32fc>(points)] {
+                kelsFFTFwd_CToC_32fc(source.get(), result.get(), planned.plan(), planned.buffer());
+            };
+        });
+    }
+}
+
 const Registration fft([] {
+    fixed_point();
     transform<Kel32f>(Transform::complex_forward, complex_single, kelsFFTFwd_CToC_32fc);
     transform<Kel32f>(Transform::complex_in_place, complex_single, kelsFFTFwd_CToC_32fc);
     transform<Kel32f>(Transform::complex_inverse, complex_single, kelsFFTInv_CToC_32fc);

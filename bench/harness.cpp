@@ -1,5 +1,8 @@
 #include "harness.h"
 
+#include "kels.h"
+
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,6 +28,18 @@ std::vector<std::string>& all_peers() {
 const std::vector<Entry>& entries() { return all_entries(); }
 
 const std::vector<std::string>& peers() { return all_peers(); }
+
+std::string object_file() {
+    Dl_info object{};
+    dladdr(reinterpret_cast<const void*>(&kelGetStatusString), &object);
+    return object.dli_fname ? object.dli_fname : "";
+}
+
+std::string level() {
+    const std::string file = object_file(), mark = "x86-64-";
+    const std::size_t at = file.rfind(mark + 'v');
+    return at == std::string::npos ? "base" : file.substr(at + mark.size(), 2);
+}
 
 void Registration::name_peer(const char* peer) { all_peers().push_back(peer); }
 

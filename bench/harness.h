@@ -66,6 +66,10 @@ struct Registration {
     static void name_peer(const char* peer);
 };
 
+/// The file of this library's object that the loader took, and its level: base, v3, v4.
+std::string object_file();
+std::string level();
+
 /// The peers in this program.
 const std::vector<std::string>& peers();
 

@@ -2,10 +2,6 @@
 #include "harness.h"
 #include "summary.h"
 
-#include "kels.h"
-
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -43,9 +39,7 @@ std::string take_family(std::vector<char*>& arguments) {
 }
 
 void print_heading() {
-    Dl_info object{};
-    dladdr(reinterpret_cast<const void*>(&kelGetStatusString), &object);
-    std::printf("Measuring  %s\n", object.dli_fname);
+    std::printf("Measuring  %s\n", object_file().c_str());
     std::printf("Beside     %s\n", joined(peers()).c_str());
     if (*KELS_BENCH_MISSING) std::printf("Missing    %s\n", KELS_BENCH_MISSING);
     std::fflush(stdout);

@@ -3,6 +3,7 @@
 #include "harness.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 #include <vector>
@@ -98,6 +99,32 @@ void print(const Table& table) {
     }
 }
 
+/// How the rows that peers have too stand against the best of them.
+void print_standing(const std::vector<Table>& tables) {
+    int rows = 0, ahead = 0;
+    double logarithms = 0, worst = 0;
+    std::string worst_row;
+    for (const Table& table : tables)
+        for (const Line& line : table.lines) {
+            const auto mine = line.nanoseconds.find(ours);
+            if (mine == line.nanoseconds.end() || line.nanoseconds.size() < 2) continue;
+            double best = 0;
+            for (const auto& [who, time] : line.nanoseconds)
+                if (who != ours && (best == 0 || time < best)) best = time;
+            const double ratio = best / mine->second;
+            if (rows++ == 0 || ratio < worst) {
+                worst = ratio;
+                worst_row = table.operation + " " + line.work->size;
+            }
+            ahead += ratio >= 1;
+            logarithms += std::log(ratio);
+        }
+    if (rows > 0)
+        std::printf("\nLevel %s: %d rows beside a peer, %d ahead of the best of them; ratio %.2f on geometric average, "
+                    "%.2f at worst (%s)\n",
+                    level().c_str(), rows, ahead, std::exp(logarithms / rows), worst, worst_row.c_str());
+}
+
 } // namespace
 
 bool Summary::ReportContext(const Context&) { return true; }
@@ -112,7 +139,9 @@ void Summary::ReportRuns(const std::vector<Run>& runs) {
 }
 
 void Summary::Finalize() {
-    for (const Table& table : tables_of(nanoseconds_)) print(table);
+    const std::vector<Table> tables = tables_of(nanoseconds_);
+    for (const Table& table : tables) print(table);
+    print_standing(tables);
     std::printf("\nLeast processor time over the repetitions; ratio: the peer's time to ours, above 1 where ours is "
                 "shorter.\n");
 }

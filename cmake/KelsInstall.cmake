@@ -18,14 +18,14 @@ foreach(level IN LISTS KELS_LEVELS)
 endforeach()
 
 install(EXPORT kelsTargets NAMESPACE kels:: DESTINATION ${KELS_CMAKE_DIR})
-configure_package_config_file(cmake/kelsConfig.cmake.in ${CMAKE_BINARY_DIR}/kelsConfig.cmake
+configure_package_config_file(cmake/kelsConfig.cmake.in ${PROJECT_BINARY_DIR}/kelsConfig.cmake
   INSTALL_DESTINATION ${KELS_CMAKE_DIR})
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/kelsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/kelsConfig.cmake ${CMAKE_BINARY_DIR}/kelsConfigVersion.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/kelsConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/kelsConfig.cmake ${PROJECT_BINARY_DIR}/kelsConfigVersion.cmake
   DESTINATION ${KELS_CMAKE_DIR})
 
 # From the directory of kels.pc up to the prefix.
 file(RELATIVE_PATH KELS_PKGCONFIG_TO_PREFIX /${KELS_PKGCONFIG_DIR} /)
 string(REGEX REPLACE "/$" "" KELS_PKGCONFIG_TO_PREFIX ${KELS_PKGCONFIG_TO_PREFIX})
-configure_file(cmake/kels.pc.in ${CMAKE_BINARY_DIR}/kels.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/kels.pc DESTINATION ${KELS_PKGCONFIG_DIR})
+configure_file(cmake/kels.pc.in ${PROJECT_BINARY_DIR}/kels.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kels.pc DESTINATION ${KELS_PKGCONFIG_DIR})

@@ -1,8 +1,11 @@
 # One shared object per x86-64 level, from the same sources. The baseline lies in lib/, the others below
 # lib/glibc-hwcaps/, where the dynamic loader looks for the best one that the processor can run.
 
-if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8 AND PROJECT_IS_TOP_LEVEL)
   set(KELS_LEVELS "base;v3;v4" CACHE STRING "Levels to build: base, v3, v4")
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  # Another build's own flags say what it is for.
+  set(KELS_LEVELS "base" CACHE STRING "Levels to build: base, v3, v4")
 else()
   set(KELS_LEVELS "base" CACHE STRING "Levels to build: 32-bit x86 has one")
 endif()
@@ -27,12 +30,13 @@ function(kels_add_level target level directory)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   if(NOT KELS_SANITIZE)
-    target_link_options(${target} PRIVATE -Wl,-z,defs)
+    # Nothing of the C++ library is called: programs in C load this one object.
+    target_link_options(${target} PRIVATE -Wl,-z,defs -Wl,--as-needed -static-libgcc)
   endif()
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME kels VERSION 2 SOVERSION 2
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
-    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${directory})
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${directory})
 endfunction()
 
 # kels_add_library(<sources...>): target `kels`, which programs link, and one more target for each further level.

@@ -1,4 +1,6 @@
 // FFTW with measured plans: its transforms, and filters by overlap-save over them.
+#include "convolution.h"
+#include "dft.h"
 #include "fft.h"
 #include "fir.h"
 
@@ -20,6 +22,8 @@ struct Single {
     static constexpr auto real_inverse = fftwf_plan_dft_c2r_1d;
     static constexpr auto execute = fftwf_execute;
     static constexpr auto destroy = fftwf_destroy_plan;
+    static constexpr auto cosine = fftwf_plan_r2r_1d;
+    static constexpr auto forget = fftwf_forget_wisdom;
 };
 
 struct Double {
@@ -72,6 +76,50 @@ void transform(Transform kind) {
                 std::copy_n(noise<Real>(values).get(), values, source.get());
             return [plan = std::move(plan), source = std::move(source), result = std::move(result)] {
                 Api::execute(plan.get());
+            };
+        });
+}
+
+/// Other lengths than powers of two.
+template <class Api>
+void any_length(bool real) {
+    using Real = typename Api::Real;
+    const Transform kind = real ? Transform::real_forward : Transform::complex_forward;
+    for (const int length : dft_lengths)
+        contend(dft_work<Real>(real, length), "fftw", [=] {
+            const std::size_t values = 2 * std::size_t(length) + 2;
+            Array<Real> source = zeros<Real>(values), result = zeros<Real>(values);
+            auto plan = make_plan<Api>(kind, length, source.get(), result.get());
+            std::copy_n(noise<Real>(values).get(), values, source.get());
+            return [plan = std::move(plan), source = std::move(source), result = std::move(result)] {
+                Api::execute(plan.get());
+            };
+        });
+}
+
+/// Unscaled, where ours is orthonormal.
+void cosine_transforms() {
+    for (const int length : dct_lengths)
+        contend(dct_work(length), "fftw", [=] {
+            const std::size_t values = std::size_t(length);
+            Array<float> source = zeros<float>(values), result = zeros<float>(values);
+            PlanOwner<Single> plan(Single::cosine(length, source.get(), result.get(), FFTW_REDFT10, FFTW_MEASURE),
+                                   Single::destroy);
+            std::copy_n(noise<float>(values).get(), values, source.get());
+            return [plan = std::move(plan), source = std::move(source), result = std::move(result)] {
+                Single::execute(plan.get());
+            };
+        });
+}
+
+/// Each time as if for the first time.
+void plans() {
+    for (const int length : plan_lengths)
+        contend(plan_work(length), "fftw", [=] {
+            const std::size_t values = 2 * std::size_t(length);
+            return [length, source = zeros<float>(values), result = zeros<float>(values)] {
+                Single::forget();
+                make_plan<Single>(Transform::complex_forward, length, source.get(), result.get());
             };
         });
 }
@@ -154,12 +202,76 @@ void filter(const char* function) {
     });
 }
 
+/// Both vectors as a whole, in one transform each, or one vector with itself.
+class WholeVectors {
+public:
+    WholeVectors(int first, int second, int points_wanted)
+        : points(int(std::bit_ceil(unsigned(points_wanted)))), a(first, points), b(second, points),
+          inverse(fftwf_plan_dft_c2r_1d(points, a.bins(), a.samples.get(), FFTW_MEASURE), fftwf_destroy_plan) {}
+
+    void run(const float* x, const float* y, float* result, int results) const {
+        a.transform(x, points);
+        if (y) b.transform(y, points);
+        const auto& other = y ? b : a;
+        for (int k = 0; k <= points / 2; ++k) {
+            const std::complex<float> p = a.spectrum[k], q = other.spectrum[k];
+            a.spectrum[k] = {p.real() * q.real() - p.imag() * q.imag(), p.real() * q.imag() + p.imag() * q.real()};
+        }
+        fftwf_execute(inverse.get());
+        std::copy_n(a.samples.get(), results, result);
+    }
+
+private:
+    using Plan = std::unique_ptr<std::remove_pointer_t<fftwf_plan>, decltype(&fftwf_destroy_plan)>;
+
+    struct Vector {
+        int length;
+        Array<float> samples;
+        Array<std::complex<float>> spectrum;
+        Plan forward;
+
+        Vector(int count, int length_of_all)
+            : length(count), samples(zeros<float>(length_of_all)),
+              spectrum(zeros<std::complex<float>>(length_of_all / 2 + 1)),
+              forward(fftwf_plan_dft_r2c_1d(length_of_all, samples.get(), bins(), FFTW_MEASURE), fftwf_destroy_plan) {}
+        fftwf_complex* bins() const { return reinterpret_cast<fftwf_complex*>(spectrum.get()); }
+        void transform(const float* x, int length_of_all) const {
+            std::fill(std::copy_n(x, length, samples.get()), samples.get() + length_of_all, 0.0F);
+            fftwf_execute(forward.get());
+        }
+    };
+
+    int points;
+    Vector a, b;
+    Plan inverse;
+};
+
+/// With plans made before.
+void convolutions_and_correlations() {
+    contend_convolution("kelsConv_32f", "fftw, planned", [](const Convolution& size) {
+        return [size, whole = WholeVectors(size.long_len, size.short_len, size.results()),
+                x = noise<float>(size.long_len), y = noise<float>(size.short_len),
+                r = zeros<float>(size.results())] { whole.run(x.get(), y.get(), r.get(), size.results()); };
+    });
+    contend_autocorrelation("kelsAutoCorr_32f", "fftw, planned", [](const Autocorrelation& size) {
+        return [size, whole = WholeVectors(size.len, size.len, size.len + size.lags), x = noise<float>(size.len),
+                r = zeros<float>(size.lags)] { whole.run(x.get(), nullptr, r.get(), size.lags); };
+    });
+}
+
 const Registration fftw(
     [] {
         transforms<Single>();
         transforms<Double>();
+        for (const bool real : {false, true}) {
+            any_length<Single>(real);
+            any_length<Double>(real);
+        }
+        cosine_transforms();
+        plans();
         filter<float>("kelsFIR_32f");
         filter<std::complex<float>>("kelsFIR_32fc");
+        convolutions_and_correlations();
     },
     fftw_version);
 

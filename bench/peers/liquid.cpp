@@ -1,5 +1,7 @@
 // liquid-dsp: its filter objects, a block at a time.
 #include "fir.h"
+#include "iir.h"
+#include "lms.h"
 
 #include <complex>
 
@@ -59,12 +61,72 @@ void rate_change(const char* function) {
     });
 }
 
+/// Its step is normalised by the energy of the window.
+void adaptive_filter(const char* function) {
+    contend_lms(function, "liquid", [](int taps) {
+        std::unique_ptr<std::remove_pointer_t<eqlms_rrrf>, int (*)(eqlms_rrrf)> filter(
+            eqlms_rrrf_create(nullptr, unsigned(taps)), eqlms_rrrf_destroy);
+        return [filter = std::move(filter), source = noise<float>(lms_block), reference = noise<float>(lms_block),
+                result = zeros<float>(lms_block)] {
+            for (int i = 0; i < lms_block; ++i) {
+                eqlms_rrrf_push(filter.get(), source[i]);
+                eqlms_rrrf_execute(filter.get(), &result[i]);
+                eqlms_rrrf_step(filter.get(), reference[i], result[i]);
+            }
+        };
+    });
+}
+
+using RealIir = std::unique_ptr<std::remove_pointer_t<iirfilt_rrrf>, void (*)(iirfilt_rrrf)>;
+using ComplexIir = std::unique_ptr<std::remove_pointer_t<iirfilt_cccf>, void (*)(iirfilt_cccf)>;
+
+RealIir owned(iirfilt_rrrf q) {
+    return {q, [](iirfilt_rrrf filter) { iirfilt_rrrf_destroy(filter); }};
+}
+ComplexIir owned(iirfilt_cccf q) {
+    return {q, [](iirfilt_cccf filter) { iirfilt_cccf_destroy(filter); }};
+}
+
+/// Numerators and denominators of sections, apart.
+template <class Tap>
+struct SectionsApart {
+    std::vector<Tap> b, a;
+    explicit SectionsApart(int sections) {
+        const auto taps = section_taps<Tap>(sections);
+        for (std::size_t i = 0; i < taps.size(); ++i) (i % 6 < 3 ? b : a).push_back(taps[i]);
+    }
+};
+
+template <class Sample, class Filter, class Execute>
+auto recursion(Filter filter, Execute execute) {
+    return [execute, filter = std::move(filter), source = noise<Sample>(iir_samples),
+            result = zeros<Sample>(iir_samples)] {
+        execute(filter.get(), source.get(), unsigned(iir_samples), result.get());
+    };
+}
+
+template <class Sample>
+void recursions(const char* function, auto create, auto create_sections, auto execute) {
+    contend_orders<Sample>(function, "liquid", [=](int order) {
+        auto taps = polynomial_taps<Sample>(order);
+        const unsigned n = unsigned(order + 1);
+        return recursion<Sample>(owned(create(taps.data(), n, taps.data() + n, n)), execute);
+    });
+    contend_sections<Sample>(function, "liquid", [=](int sections) {
+        SectionsApart<Sample> taps(sections);
+        return recursion<Sample>(owned(create_sections(taps.b.data(), taps.a.data(), unsigned(sections))), execute);
+    });
+}
+
 const Registration liquid(
     [] {
         real_filter("kelsFIR_32f");
         complex_filter("kelsFIR_32fc");
         one_sample("kelsFIROne_32f");
         rate_change("kelsFIR_32f");
+        recursions<float>("kelsIIR_32f", iirfilt_rrrf_create, iirfilt_rrrf_create_sos, iirfilt_rrrf_execute_block);
+        recursions<Complex>("kelsIIR_32fc", iirfilt_cccf_create, iirfilt_cccf_create_sos, iirfilt_cccf_execute_block);
+        adaptive_filter("kelsFIRLMS_32f");
     },
     "liquid-dsp " LIQUID_VERSION);
 

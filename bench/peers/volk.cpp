@@ -1,5 +1,6 @@
 // VOLK: vector kernels, and filters as one dot product an output. Its names are variables that hold the kernel chosen
 // at the first call, so they are called by name and never passed on.
+#include "elementary.h"
 #include "fir.h"
 #include "vectors.h"
 
@@ -82,6 +83,20 @@ void roots() {
                     [](const float* x, float* d, int n) { volk_32f_sqrt_32f(d, x, unsigned(n)); });
 }
 
+void elementary() {
+    const auto vectors = [](const char* function, auto call) { contend_vectors("elementary", function, "volk", call); };
+    vectors("kelsMagnitude_32fc",
+            [](const Complex* z, float* d, int n) { volk_32fc_magnitude_32f(d, z, unsigned(n)); });
+    vectors("kelsPowerSpectr_32fc",
+            [](const Complex* z, float* d, int n) { volk_32fc_magnitude_squared_32f(d, z, unsigned(n)); });
+    vectors("kelsPhase_32fc",
+            [](const Complex* z, float* d, int n) { volk_32fc_s32f_atan2_32f(d, z, 1, unsigned(n)); });
+    contend_function<float>("kelsArctan_32f", "volk", angles,
+                            [](const float* x, float* d, int n) { volk_32f_atan_32f(d, x, unsigned(n)); });
+    contend_function<float>("kelsExp_32f", "volk", exponents,
+                            [](const float* x, float* d, int n) { volk_32f_exp_32f(d, x, unsigned(n)); });
+}
+
 void movement() {
     const auto vectors = [](const char* function, auto call) { contend_vectors("movement", function, "volk", call); };
     vectors("kelsReal_16sc", [](const std::complex<short>* z, short* re, int n) {
@@ -157,6 +172,7 @@ const Registration volk(
         conversion();
         division();
         roots();
+        elementary();
         movement();
         statistics();
         filter<float>("kelsFIR_32f", [](float* sum, const float* a, const float* b, unsigned n) {

@@ -8,9 +8,6 @@
 namespace demo {
 namespace {
 
-// Shorter and longer than any usual plan, so that both engines of the filter take part; none a multiple of another.
-constexpr int block_lengths[] = {1, 480, 17, 4096, 1023, 3, 9973, 64, 2050, 333};
-
 struct Free {
     void operator()(KelFirContext* state) const { kelsFIRFree_32f(state); }
 };
@@ -37,17 +34,6 @@ std::vector<float> whole_periods(const Filtering& f, std::vector<float> samples)
 std::vector<float> for_samples(const Filtering& f, std::vector<float> filtered, std::size_t samples) {
     filtered.resize((samples * f.up + f.down - 1) / f.down);
     return filtered;
-}
-
-/// Calls block(first, count) for the stream's blocks, in periods.
-template <class Block>
-void for_each_block(std::size_t periods, Block block) {
-    std::size_t done = 0;
-    for (std::size_t i = 0; done < periods; ++i) {
-        const std::size_t count = std::min<std::size_t>(block_lengths[i % std::size(block_lengths)], periods - done);
-        block(done, int(count));
-        done += count;
-    }
 }
 
 /// The points of the filter's plan, beyond which a block runs overlap-save; none below 32 taps.

@@ -1,10 +1,26 @@
 // A channel through the filter, in the ways a caller may take.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
 namespace demo {
+
+// Shorter and longer than any usual plan, so that both engines of the filter take part; none a multiple of another.
+inline constexpr int block_lengths[] = {1, 480, 17, 4096, 1023, 3, 9973, 64, 2050, 333};
+
+/// Calls block(first, count) for the stream's blocks, in periods.
+template <class Block>
+void for_each_block(std::size_t periods, Block block) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; done < periods; ++i) {
+        const std::size_t count = std::min<std::size_t>(block_lengths[i % std::size(block_lengths)], periods - done);
+        block(done, int(count));
+        done += count;
+    }
+}
 
 /// The taps, and the rate change that they make: `up` samples for every `down`.
 struct Filtering {

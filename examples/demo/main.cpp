@@ -1,6 +1,7 @@
 // One recording, one band-pass, and everything a careful user would want to see of it: the filtered sound, proof that
 // the cut into blocks does not matter, the levels, the speed, and a picture of the spectra.
 #include "band_pass.h"
+#include "biquads.h"
 #include "failure.h"
 #include "filter.h"
 #include "level.h"
@@ -8,6 +9,7 @@
 #include "output.h"
 #include "plot.h"
 #include "spectrum.h"
+#include "test_signal.h"
 #include "wav_file.h"
 
 #include <algorithm>
@@ -27,11 +29,13 @@ struct Filtered {
     double seconds; ///< spent filtering
 };
 
-Filtered filter_all(const Filtering& filtering, const Recording& recording) {
+/// `filter` takes the samples of a channel.
+template <class Filter>
+Filtered filter_all(const Recording& recording, int rate, Filter filter) {
     Filtered filtered{recording, 0};
-    filtered.recording.rate = recording.rate * filtering.up / filtering.down;
+    filtered.recording.rate = rate;
     const auto start = std::chrono::steady_clock::now();
-    for (std::vector<float>& samples : filtered.recording.channels) samples = filter_stream(filtering, samples);
+    for (std::vector<float>& samples : filtered.recording.channels) samples = filter(samples);
     filtered.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return filtered;
 }
@@ -46,14 +50,13 @@ double greatest_difference(const std::vector<float>& a, const std::vector<float>
     return greatest;
 }
 
-using Way = std::vector<float> (*)(const Filtering& filtering, const std::vector<float>& samples);
-
 /// Filters the recording in another way and compares: equal but for rounding, or the demo has failed.
-void compare(const char* name, Way way, const Filtering& filtering, const Recording& recording, double peak,
-             const Recording& streamed) {
+template <class Filter>
+void compare(const char* name, const Recording& recording, double peak, const Recording& streamed,
+             std::vector<float> (*way)(const Filter& filter, const std::vector<float>& samples), const Filter& filter) {
     double greatest = 0;
     for (std::size_t c = 0; c < recording.channels.size(); ++c) {
-        const double difference = greatest_difference(way(filtering, recording.channels[c]), streamed.channels[c]);
+        const double difference = greatest_difference(way(filter, recording.channels[c]), streamed.channels[c]);
         if (!(difference <= tolerance * peak))
             throw Failure(std::string("The stream differs from ") + name + " by more than rounding.");
         greatest = std::max(greatest, difference);
@@ -81,7 +84,8 @@ void print_question(const Options& options, const Recording& recording) {
 }
 
 /// Both files are complete before either takes its place.
-void write_results(const Options& options, const Recording& recording, const Recording& filtered) {
+void write_results(const Options& options, const Recording& recording, const Recording& filtered,
+                   const std::vector<Curve>& after) {
     const OutputDirectory directory(options.out);
     const std::string stem = options.input.stem().string();
     PendingFile wav(directory, stem + "-filtered.wav"), png(directory, stem + "-spectrum.png");
@@ -89,8 +93,8 @@ void write_results(const Options& options, const Recording& recording, const Rec
     char filter[80];
     std::snprintf(filter, sizeof filter, ", band-pass %g to %g Hz, %d taps", options.band.low, options.band.high,
                   options.band.taps);
-    plot(png.part(), options.input.filename().string() + filter, spectrum_of(recording, recording.rate),
-         spectrum_of(filtered, recording.rate), options.band);
+    plot(png.part(), options.input.filename().string() + filter, spectrum_of(recording, recording.rate), after,
+         options.band);
     wav.commit();
     png.commit();
     std::printf("Written    %s\n           %s\n", wav.final_path().c_str(), png.final_path().c_str());
@@ -105,6 +109,8 @@ void require_possible(const Options& options, int rate) {
     if (fast % options.down != 0 || fast > 10'000'000)
         throw Failure("A rate of " + std::to_string(rate) + " Hz times " + std::to_string(options.up) + " by " +
                       std::to_string(options.down) + " is not possible.");
+    if (options.biquads > 0 && (options.up > 1 || options.down > 1))
+        throw Failure("--biquads filters at the recording's own rate, without --up and --down.");
     require_possible(options.band, std::min(rate, int(fast / options.down)));
 }
 
@@ -116,13 +122,37 @@ Filtering filtering_of(const Options& options, int rate) {
     return filtering;
 }
 
+/// A test signal, or what the file holds. A bare word that is neither may be a slip in the name of a signal.
+Recording recording_of(const std::filesystem::path& input) {
+    if (std::optional<Recording> made = make_signal(input.string())) return *std::move(made);
+    if (input.filename() == input && !input.has_extension() && !exists(input))
+        throw Failure(input.string() + " does not exist, and the signals that need no file are " + signal_names() +
+                      ".");
+    return read_wav(input);
+}
+
+/// The same band by other means: a cascade of second-order sections, its speed, and the spectrum behind it.
+Curve in_sections(const Options& options, const Recording& recording, double peak) {
+    const std::vector<double> sections = design_biquads(options.band, options.biquads, recording.rate);
+    const auto [filtered, seconds] = filter_all(recording, recording.rate, [&](const std::vector<float>& samples) {
+        return filter_in_sections(sections, samples);
+    });
+    std::printf("Biquads    Butterworth prototype of order %d, %zu sections\n", options.biquads, sections.size() / 6);
+    print_level("Behind", level_of(filtered));
+    std::printf("Speed      %.0f times real time, in blocks of uneven lengths\n", recording.seconds() / seconds);
+    compare("one call", recording, peak, filtered, filter_in_sections_at_once, sections);
+    return {"after the biquads", spectrum_of(filtered, recording.rate)};
+}
+
 void run(const Options& options) {
-    const Recording recording = read_wav(options.input);
+    const Recording recording = recording_of(options.input);
     require_possible(options, recording.rate);
     print_question(options, recording);
 
     const Filtering filtering = filtering_of(options, recording.rate);
-    const auto [filtered, seconds] = filter_all(filtering, recording);
+    const int rate = recording.rate * filtering.up / filtering.down;
+    const auto [filtered, seconds] = filter_all(
+        recording, rate, [&](const std::vector<float>& samples) { return filter_stream(filtering, samples); });
     const Level before = level_of(recording), after = level_of(filtered);
     print_level("Before", before);
     print_level("After", after);
@@ -131,11 +161,13 @@ void run(const Options& options) {
     std::printf("Engine     %s\n", engines_of_stream(filtering, recording.length()).c_str());
     std::printf("Speed      %.0f times real time, in blocks of uneven lengths\n", recording.seconds() / seconds);
 
-    compare("one call", filter_at_once, filtering, recording, before.peak, filtered);
+    compare("one call", recording, before.peak, filtered, filter_at_once, filtering);
     if (!filtering.changes_rate())
-        compare("single samples", filter_one_by_one, filtering, recording, before.peak, filtered);
-    compare("no context", filter_without_context, filtering, recording, before.peak, filtered);
-    write_results(options, recording, filtered);
+        compare("single samples", recording, before.peak, filtered, filter_one_by_one, filtering);
+    compare("no context", recording, before.peak, filtered, filter_without_context, filtering);
+    std::vector<Curve> curves{{"after", spectrum_of(filtered, recording.rate)}};
+    if (options.biquads > 0) curves.push_back(in_sections(options, recording, before.peak));
+    write_results(options, recording, filtered, curves);
 }
 
 } // namespace

@@ -34,15 +34,15 @@ std::string frequency_marks(double low, double high) {
     return marks.str();
 }
 
-/// The ten decibels above the highest value of both spectra.
-double top_of(const Spectrum& before, const Spectrum& after) {
-    const double highest =
-        std::max(*std::ranges::max_element(before.decibels), *std::ranges::max_element(after.decibels));
+/// The ten decibels above the highest value of all spectra.
+double top_of(const Spectrum& before, const std::vector<Curve>& after) {
+    double highest = *std::ranges::max_element(before.decibels);
+    for (const Curve& curve : after) highest = std::max(highest, *std::ranges::max_element(curve.spectrum.decibels));
     return highest < -shown_range ? 0 : 10 * std::ceil(highest / 10);
 }
 
 /// The spectrum without the bin at 0 Hz, which has no place on a logarithmic axis.
-void write_data(std::ostream& script, const char* name, const Spectrum& spectrum) {
+void write_data(std::ostream& script, const std::string& name, const Spectrum& spectrum) {
     script << "$" << name << " << END\n";
     for (std::size_t k = 1; k < spectrum.decibels.size(); ++k)
         script << double(k) * spectrum.spacing << ' ' << spectrum.decibels[k] << '\n';
@@ -50,13 +50,13 @@ void write_data(std::ostream& script, const char* name, const Spectrum& spectrum
 }
 
 std::string script_for(const std::filesystem::path& png, const std::string& title, const Spectrum& before,
-                       const Spectrum& after, const BandPass& band) {
+                       const std::vector<Curve>& after, const BandPass& band) {
     const double highest = double(before.decibels.size() - 1) * before.spacing;
     const double lowest = std::min(20.0, highest / 100);
     const double top = top_of(before, after);
     std::ostringstream script;
     write_data(script, "before", before);
-    write_data(script, "after", after);
+    for (std::size_t i = 0; i < after.size(); ++i) write_data(script, "after" + std::to_string(i), after[i].spectrum);
     script
         << "set terminal pngcairo size 1200,675 font 'DejaVu Sans,13' background '#ffffff'\n"
         << "set output " << quoted(png.string()) << '\n'
@@ -77,15 +77,18 @@ std::string script_for(const std::filesystem::path& png, const std::string& titl
         << std::max(band.high, lowest)
         << ", graph 1 back fillcolor '#f5c96a' fillstyle transparent solid 0.28 noborder\n"
         << "plot NaN with boxes fillstyle transparent solid 0.28 noborder linecolor '#f5c96a' title 'pass band', \\\n"
-        << "     $before with lines linewidth 1.5 linecolor '#9aa0a6' title 'before', \\\n"
-        << "     $after with lines linewidth 2 linecolor '#1a5fb4' title 'after'\n";
+        << "     $before with lines linewidth 1.5 linecolor '#9aa0a6' title 'before'";
+    for (std::size_t i = 0; i < after.size(); ++i)
+        script << ", \\\n     $after" << i << " with lines linewidth 2 linecolor '" << (i == 0 ? "#1a5fb4" : "#c64600")
+               << "' title '" << after[i].name << "'";
+    script << '\n';
     return script.str();
 }
 
 } // namespace
 
-void plot(const std::filesystem::path& png, const std::string& title, const Spectrum& before, const Spectrum& after,
-          const BandPass& band) {
+void plot(const std::filesystem::path& png, const std::string& title, const Spectrum& before,
+          const std::vector<Curve>& after, const BandPass& band) {
     std::signal(SIGPIPE, SIG_IGN); // a gnuplot that ends early is told by its exit status
     FILE* gnuplot = popen("gnuplot >/dev/null 2>&1", "w");
     if (!gnuplot) throw Failure("Gnuplot, which draws the spectra, cannot be started.");

@@ -6,11 +6,19 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace demo {
 
-/// Draws both spectra over one logarithmic frequency axis, the pass band shaded, as a PNG.
-void plot(const std::filesystem::path& png, const std::string& title, const Spectrum& before, const Spectrum& after,
-          const BandPass& band);
+/// A spectrum and what it is called.
+struct Curve {
+    const char* name;
+    Spectrum spectrum;
+};
+
+/// Draws spectra over one logarithmic frequency axis, the pass band shaded, as a PNG: what was before, and what the
+/// filters, one or two, made of it.
+void plot(const std::filesystem::path& png, const std::string& title, const Spectrum& before,
+          const std::vector<Curve>& after, const BandPass& band);
 
 } // namespace demo

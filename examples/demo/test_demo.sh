@@ -70,6 +70,7 @@ rms_of() {
 wav 44100 2 30000 '0.5 * sin(2 * 3.14159265358979 * ($c ? 10000 : 1000) * $n / 44100)' >stereo.wav
 wav 48000 1 1 '0.25' >one-sample.wav
 wav 8000 1 8000 '0' >silence.wav
+cp silence.wav tone
 wav 4000 1 4000 '0.1' >low-rate.wav
 wav 48000 1 0 '0' >no-samples.wav
 head -c 20000 stereo.wav >cut-short.wav
@@ -94,6 +95,28 @@ case $rms in 0.353[4567]) ;; *) complain "resampling: the tone inside the band h
 grep -q "Engine *polyphase" stdout || complain "resampling: no engine told"
 succeeds "three samples for one" --input stereo.wav --up 3
 succeeds "a resampled recording of one sample" --input one-sample.wav --up 3 --down 4
+succeeds "a tone" --input tone
+grep -q "Before *RMS *-9.0 dBFS, peak *-6.0 dBFS" stdout || complain "tone: another level"
+grep -q "After *RMS *-9.0 dBFS" stdout || complain "tone: the band holds it, but its level has changed"
+succeeds "a sweep" --input sweep
+succeeds "noise" --input noise
+grep -q "Before *RMS *-10.8 dBFS, peak *-6.0 dBFS" stdout || complain "noise: another level"
+succeeds "a file named like a signal" --input ./tone
+grep -q "Before *silent" stdout || complain "./tone: not the file"
+refuses "a signal of no such name" "tone, sweep and noise" --input tune
+refuses "a band above half the rate of a signal" "at most 24000 Hz" --input sweep --high 24001
+while read -r low high order; do
+    succeeds "biquads of order $order from $low to $high Hz" --input stereo.wav --low "$low" --high "$high" --biquads "$order"
+    grep -q "Biquads .* order $order" stdout || complain "biquads: not told"
+done <<'BANDS'
+300 3400 4
+300 3400 5
+0 3400 5
+3000 22050 1
+0 22050 4
+BANDS
+refuses "biquads of no order" "from 1 to" --biquads 0
+refuses "biquads at another rate" "own rate" --biquads 4 --up 2
 refuses "a rate that is no whole number" "not possible" --input stereo.wav --down 99 --high 200
 refuses "a factor below 1" "from 1 to" --up 0
 refuses "a band above half the new rate" "at most 2000 Hz" --input silence.wav --down 2

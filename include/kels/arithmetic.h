@@ -9,7 +9,9 @@
  *  good; a function without one only saturates. Nothing reports a saturation.
  *
  *  **Floating point.** A result is the exact one, rounded; the parts of complex products are at most 1 ulp (single) or
- *  2 ulp (double) away from it, cancellation included. Overflow gives an infinity, NaNs propagate.
+ *  2 ulp (double) away from it, cancellation included. Overflow gives an infinity, and a NaN makes a NaN, but where a real
+ *  constant leaves nothing to compute: a NaN added or multiplied by copies the elements, and zero times anything is zero
+ *  (see the groups).
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr`, `kelStatusBadSize` (`len` below 1), `kelStatusOk`.
  *  Sums and differences of two complex vectors test the length first. Nothing has been stored when an error is

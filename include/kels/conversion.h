@@ -8,8 +8,10 @@
  *  **Aliasing.** `pDst` may be `pSrc`, exactly, where both have elements of one size; else the arrays are disjoint.
  *  Data may stand at any address.
  *
- *  **Rounding modes.** Where a result must be rounded to a real type, and in the integer normalisation, the mode that
- *  the caller has set in the SIMD unit holds. Conversions to integers take theirs as an argument.
+ *  **Rounding modes.** Where a conversion must be rounded to a real type, and in the integer normalisation, the caller's
+ *  rounding mode holds: that of the x87 unit, which `fegetround` tells. Conversions to integers take theirs as an
+ *  argument. Normalisation of real numbers is arithmetic: `64f` and `64fc` are evaluated to nearest, `32f` and `32fc`
+ *  by the SIMD unit in its mode.
  */
 #ifndef KELS_CONVERSION_H
 #define KELS_CONVERSION_H

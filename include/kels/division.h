@@ -20,15 +20,17 @@
  *  **Integers.** The exact quotient is multiplied by 2^-scaleFactor, rounded to nearest with ties to even, and saturated,
  *  each part of a complex quotient by itself. The rounding mode that the caller has set does not matter, and stays.
  *
- *  **Floating point.** Real quotients are rounded once; the parts of complex ones are at most 1 ulp (single) or 2 ulp
- *  (double) away from the exact ones, cancellation included.
+ *  **Floating point.** Real quotients of two vectors are rounded once; by a constant, they are rounded products with
+ *  its rounded reciprocal, up to 1.5 ulp away (more if that is denormal). The parts of complex
+ *  quotients are at most 1 ulp (single) or 2 ulp (double) away from the exact ones, cancellation included.
  *
- *  **Long vectors.** From 32 elements on, some functions work blocks of 32 bytes in another way, and it shows. Two
- *  vectors in floating point: elements go by groups of four (`64fc`: of two); an infinite divisor makes NaNs of the
- *  others of its group, unless a zero or a NaN is among their divisors. The blocks begin at the first 32-byte boundary if
- *  all arrays reach one with the same element, else at the first element, as they always do in `32f`. `kelsDivC_8u` and
- *  `kelsDivC_16s` have blocks only where source and destination reach a boundary together: there `8u` multiplies by
- *  65536 / val, a whole number, and halves go up; `16s` gives zeros when |val| 2^scaleFactor is above 32767.
+ *  **Long vectors.** From 32 elements on, some functions work blocks of 32 bytes in another way, and it shows: there an
+ *  element's value depends on more than its operands. Two vectors in floating point: elements go by groups of four
+ *  (`64fc`: of two); an infinite divisor makes NaNs of the others of its group, unless a zero or a NaN is among their
+ *  divisors. The blocks begin at the first 32-byte boundary if all arrays reach one with the same element, else at the
+ *  first element, as they always do in `32f`. `kelsDivC_8u` and `kelsDivC_16s` have blocks only where source and
+ *  destination reach a boundary together: there `8u` multiplies by 65536 / val, a whole number, and halves go up; `16s`
+ *  gives zeros when |val| 2^scaleFactor is above 32767.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr`, `kelStatusBadSize` (`len` below 1), `kelStatusDivByZero`
  *  (a constant divisor of zero, both parts of a complex one; NaNs count as zeros), `kelStatusDivByZeroValues`,

@@ -6,16 +6,17 @@
  *  sign; neither divides by N unless the plan's flag says so.
  *
  *  **Statuses** of the transforms, in the order of the checks: `kelStatusNullPtr` (no plan), `kelStatusContextMismatch`
- *  (a plan of another kind), `kelStatusNullPtr` (a data pointer), `kelStatusNoMemory`. Not a value has been stored when
- *  one of them is returned. NaN and infinity pass through the arithmetic.
+ *  (a plan of another kind), `kelStatusNullPtr` (a data pointer), `kelStatusNoMemory` (16-bit data only). Not a value
+ *  has been stored when one of them is returned. NaN and infinity pass through the arithmetic.
  *
- *  **Work buffer.** `pBuffer` is null or at least as long as `kelsFFTGetBufSize_*` says, at any address. With a null
- *  pointer a transform that needs memory allocates it and frees it before it returns.
+ *  **Work buffer.** `pBuffer` is null or at least as long as `kelsFFTGetBufSize_*` says, at any address. Transforms of
+ *  floating-point data neither use it nor allocate: their scratch is on the stack. Those of 16-bit data in single
+ *  precision work in it; with a null pointer they allocate it and free it before they return.
  *
  *  **Aliasing.** Every transform runs in place (`pSrc` equal to `pDst`) or between disjoint arrays, with the same bits.
  *  Data may stand at any address.
  *
- *  **Accuracy.** Relative RMS error at most 0.6 eps sqrt(log2 N), eps being 2^-23 or 2^-52.
+ *  **Accuracy.** In floating point, relative RMS error at most 0.6 eps sqrt(log2 N), eps being 2^-23 or 2^-52.
  *
  *  **Threads.** A finished plan is only read: threads may share it, each with its own data and buffer.
  */
@@ -143,6 +144,31 @@ KELS_API KelStatus kelsFFTInv_PackToR_32f(const Kel32f* pSrc, Kel32f* pDst, cons
 KELS_API KelStatus kelsFFTInv_PackToR_64f(const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
 KELS_API KelStatus kelsFFTInv_CCSToR_32f (const Kel32f* pSrc, Kel32f* pDst, const KelsFftPlan_32f* pPlan, Kel8u* pBuffer);
 KELS_API KelStatus kelsFFTInv_CCSToR_64f (const Kel64f* pSrc, Kel64f* pDst, const KelsFftPlan_64f* pPlan, Kel8u* pBuffer);
+/** @} */
+
+/** @name Transforms of 16-bit data
+ *  The layouts are those above. A result is the transform times 2^-scaleFactor, in the plan's normalisation, rounded to
+ *  an integer and saturated; every scale factor passes. How it is computed, the plan has decided (see `hint`):
+ *
+ *  - Fixed point. A sample is a word of 32 bits, the sample times 2^(16 - order), which leaves room for every real
+ *    transform; sums of words wrap, as those of a complex transform near full scale may. Roots of unity have 14 bits
+ *    behind the point, their products are rounded down, and results to nearest with ties upward.
+ *  - Single precision. The bits of `kelsConvert_16s32f`, the transform of the same name in `32f`, and
+ *    `kelsConvert_32f16s_Sfs` to nearest with ties to even.
+ *
+ *  A single point (order 0) is scaled, ties upward, and not normalised. Only single precision wants a work buffer.
+ *  Results depend on neither the level of the processor nor, in fixed point, the rounding mode of the caller.
+ *  @{ */
+KELS_API KelStatus kelsFFTFwd_CToC_16sc_Sfs  (const Kel16sc* pSrc, Kel16sc* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_16sc_Sfs  (const Kel16sc* pSrc, Kel16sc* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_CToC_16s_Sfs   (const Kel16s* pSrcRe, const Kel16s* pSrcIm, Kel16s* pDstRe, Kel16s* pDstIm, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CToC_16s_Sfs   (const Kel16s* pSrcRe, const Kel16s* pSrcIm, Kel16s* pDstRe, Kel16s* pDstIm, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToPerm_16s_Sfs(const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToPack_16s_Sfs(const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTFwd_RToCCS_16s_Sfs (const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_PermToR_16s_Sfs(const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_PackToR_16s_Sfs(const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
+KELS_API KelStatus kelsFFTInv_CCSToR_16s_Sfs (const Kel16s* pSrc, Kel16s* pDst, const KelsFftPlan_16s* pPlan, int scaleFactor, Kel8u* pBuffer);
 /** @} */
 
 #endif

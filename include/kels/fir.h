@@ -3,14 +3,15 @@
  *
  *  y[n] = sum over k from 0 to tapsLen - 1 of h[k] x[n - k], where x continues over calls: samples before the first one
  *  of a call come from the context's delay line. A stream may be cut into calls of any length, and block calls, in-place
- *  calls and single samples may be mixed.
+ *  calls and single samples may be mixed; as long as all of them are direct (below), its bits do not depend on the cuts.
  *
  *  **Families.** The first type in a name is that of the taps, the second that of the samples: `64f_16s` filters 16-bit
  *  samples with double taps; one type stands for both. A context belongs to its family.
  *
  *  **Rate change.** A multi-rate filter puts sample n at tick n upFactor + upPhase of a stream `upFactor` times as fast,
  *  zeros between, and takes output m at tick m downFactor + downPhase of the filtered fast stream. Its block calls read
- *  numIters downFactor samples and write numIters upFactor. Its delay line has ceil(tapsLen / upFactor) samples.
+ *  `numIters` times `downFactor` samples and write `numIters` times `upFactor`: from 48 to 32 kHz, up by 2 and down by
+ *  3, a block of 480 samples is numIters = 160, and gives 320. Its delay line has ceil(tapsLen / upFactor) samples.
  *
  *  **Engines.** Contexts of one rate hold an FFT plan from 32 taps on (`_32f`, `64f_...`, `32fc_16sc`), 16 (`_32fc`,
  *  `64fc_...`) or 128 (`32f_16s`), of the smallest power of two above the tap count, doubled below 256. A block longer
@@ -29,7 +30,8 @@
  *  **Integer taps** (`32s_16s`, `32sc_16sc`) stand for themselves times 2^tapsFactor. They are kept with 16 bits: shifted
  *  down, toward minus infinity, until the largest magnitude is at most 32766, and the factor raised accordingly. Sums
  *  are 32 bits wide and wrap; they are shifted by tapsFactor - scaleFactor, at most 31 places, to the left within their
- *  32 bits, to the right with ties to even, and then saturated.
+ *  32 bits, to the right with ties to even, and then saturated. Where the magnitudes of the kept taps add up to less
+ *  than 65536, no sum can wrap.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr` (no context), `kelStatusContextMismatch` (a context of
  *  another family), `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (a length below 1), `kelStatusNoMemory`
@@ -197,7 +199,8 @@ KELS_API KelStatus kelsFIRSetDlyLine64fc_16sc(KelFirContext* pState, const Kel16
 /** @} */
 
 /** @name Filtering a block
- *  Filters `numIters` samples of `pSrc` into `pDst`; a multi-rate filter numIters downFactor into numIters upFactor.
+ *  Filters `numIters` samples of `pSrc` into `pDst`; a multi-rate filter `numIters` times
+ *  `downFactor` samples into `numIters` times `upFactor`.
  *  @{ */
 KELS_API KelStatus kelsFIR_32f         (const Kel32f*  pSrc, Kel32f*  pDst, int numIters, KelFirContext* pState);
 KELS_API KelStatus kelsFIR_32fc        (const Kel32fc* pSrc, Kel32fc* pDst, int numIters, KelFirContext* pState);

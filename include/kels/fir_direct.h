@@ -13,7 +13,7 @@
  *  stand from the new index on, the oldest first. Both halves are the same at the start: silence, or a history.
  *
  *  **Delay line of a rate change.** The last ceil(tapsLen / upFactor) samples, the most recent first. A call spans whole
- *  periods: it reads numIters downFactor samples and writes numIters upFactor.
+ *  periods: it reads `numIters` times `downFactor` samples and writes `numIters` times `upFactor`.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (`numIters` below
  *  1), `kelStatusNullPtr` (`pTaps`), `kelStatusBadFirLength` (`tapsLen` below 1), `kelStatusBadMrFactor` (a factor below

@@ -5,8 +5,8 @@
  *  with ties to even, and saturated, each part of a complex result by itself. Every value of `scaleFactor` is good. The
  *  rounding mode that the caller has set does not matter, and stays.
  *
- *  **Floating point.** Results are at most 1 ulp away from the formula below; square roots of real numbers are rounded
- *  once.
+ *  **Floating point.** Results are at most 1 ulp away from the formula below; squares and square roots of real numbers
+ *  are rounded once.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr`, `kelStatusBadSize` (`len` below 1),
  *  `kelStatusSqrtNegArg`, a warning (real square roots, `16s` and `64s` ones: an element was negative; the whole vector is

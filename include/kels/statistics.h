@@ -7,8 +7,8 @@
  *  returned.
  *
  *  **Accuracy.** Integers are exact before they are scaled, at any length. Singles are summed in double precision, in a
- *  fixed order, so that the bits do not depend on the processor level or on alignment: a result is within 1 ulp, plus
- *  n 2^-53 of the sum of the magnitudes of the terms where they cancel. Doubles, and products of singles where the
+ *  fixed order, so that the bits do not depend on the processor level or on alignment: a result is within 1 ulp + n 2^-53
+ *  of the sum of the magnitudes of the n terms. Doubles, and products of singles where the
  *  result is double, are summed with the rounding errors of every step kept: within 1 ulp + n 2^-64 of the sum of the
  *  magnitudes. Nothing overflows on the way to a result that is in range.
  *
@@ -38,7 +38,7 @@ KELS_API KelStatus kelsSum_64f         (const Kel64f*  pSrc, int len, Kel64f*  p
 
 /** @name Means
  *  *pMean = (pSrc[0] + ... + pSrc[len - 1]) / len, each part of complex elements by itself. Integer results are rounded
- *  in the mode that the caller has set in the x87 unit: to nearest, ties to even, if none; `16sc` multiplies by the
+ *  in the caller's mode, that of the x87 unit: to nearest, ties to even, if none has been set; `16sc` multiplies by the
  *  rounded reciprocal of the length, so that a mean halfway between integers may go either way. With a scale factor of
  *  16 or more the result is 0; with -15 or less it is 32767, -32768 or 0 by the sign of the sum.
  *  @{ */
@@ -52,8 +52,8 @@ KELS_API KelStatus kelsMean_64f     (const Kel64f*  pSrc, int len, Kel64f*  pMea
 /** @name Standard deviations
  *  *pStdDev = sqrt((n Q - S^2) / (n (n - 1))), S the sum of the n elements and Q that of their squares. `len` is at
  *  least 2. The result is 0 where the quotient has its sign bit set, as the NaN has that comes of infinite elements;
- *  other NaNs come through. Integer results are rounded in the mode that the caller has set in the x87 unit: to nearest,
- *  ties to even, if none.
+ *  other NaNs come through. Integer results are rounded in the caller's mode, that of the x87 unit: to nearest, ties to
+ *  even, if none has been set.
  *  @{ */
 KELS_API KelStatus kelsStdDev_16s32s_Sfs(const Kel16s* pSrc, int len, Kel32s* pStdDev, int scaleFactor);
 KELS_API KelStatus kelsStdDev_16s_Sfs   (const Kel16s* pSrc, int len, Kel16s* pStdDev, int scaleFactor);

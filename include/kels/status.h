@@ -135,6 +135,9 @@ typedef enum {
     kelStatusModeNotSupported         = -9999  /**< The requested mode is currently not supported */
 } KelStatus;
 
+/** Whether a call has failed, and stored nothing: 0 and warnings are no failures. */
+#define KELS_FAILED(status) ((status) < 0)
+
 /** Text of a status code.
  *
  *  @return a constant NUL-terminated text, never null; "Unknown Status Code" for a number without a name.

@@ -6,6 +6,14 @@
 
 #include <stdint.h>
 
+/** @name Version
+ *  That of these headers; kelsGetLibVersion() tells that of the object which has been loaded.
+ *  @{ */
+#define KELS_VERSION_MAJOR 2
+#define KELS_VERSION_MINOR 0
+#define KELS_VERSION_PATCH 6
+/** @} */
+
 /** Marks what the shared object exports. */
 #if defined(__cplusplus)
 #define KELS_API extern "C" __attribute__((visibility("default")))
