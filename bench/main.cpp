@@ -1,4 +1,4 @@
-// kels-bench [family] [benchmark flags]: measures this library and the installed peers in one run.
+// kels-bench [family] [--rows file] [benchmark flags]: measures this library and the installed peers in one run.
 #include "harness.h"
 #include "summary.h"
 
@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <set>
+#include <string_view>
 
 namespace bench {
 namespace {
@@ -38,6 +39,15 @@ std::string take_family(std::vector<char*>& arguments) {
     std::exit(EXIT_FAILURE);
 }
 
+/// The file that --rows names; both are taken away then.
+std::string take_rows_file(std::vector<char*>& arguments) {
+    const auto flag = std::ranges::find(arguments, std::string_view("--rows"));
+    if (arguments.end() - flag < 2) return "";
+    const std::string file = flag[1];
+    arguments.erase(flag, flag + 2);
+    return file;
+}
+
 void print_heading() {
     std::printf("Measuring  %s\n", object_file().c_str());
     std::printf("Beside     %s\n", joined(peers()).c_str());
@@ -46,7 +56,7 @@ void print_heading() {
 }
 
 int run(std::vector<char*> arguments) {
-    const std::string family = take_family(arguments);
+    const std::string family = take_family(arguments), rows_file = take_rows_file(arguments);
     // Flags that the user gives come after these, and win.
     for (const char* flag : default_flags) arguments.insert(arguments.begin() + 1, const_cast<char*>(flag));
     int count = int(arguments.size());
@@ -54,7 +64,7 @@ int run(std::vector<char*> arguments) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return EXIT_FAILURE;
     if (!family.empty()) benchmark::SetBenchmarkFilter('^' + family + "/.*" + benchmark::GetBenchmarkFilter());
     print_heading();
-    Summary summary;
+    Summary summary(rows_file);
     return benchmark::RunSpecifiedBenchmarks(&summary) > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

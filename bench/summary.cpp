@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -125,6 +126,20 @@ void print_standing(const std::vector<Table>& tables) {
                     level().c_str(), rows, ahead, std::exp(logarithms / rows), worst, worst_row.c_str());
 }
 
+void write_rows(const std::vector<Table>& tables, const std::string& name) {
+    std::FILE* file = std::fopen(name.c_str(), "w");
+    if (!file) {
+        std::perror(("kels-bench: " + name).c_str());
+        std::exit(EXIT_FAILURE);
+    }
+    for (const Table& table : tables)
+        for (const Line& line : table.lines)
+            for (const auto& [who, time] : line.nanoseconds)
+                std::fprintf(file, "%s\t%s\t%s\t%s\t%s\t%.6g\t%.6g\n", level().c_str(), table.family.c_str(),
+                             table.operation.c_str(), line.work->size.c_str(), who.c_str(), time, line.work->elements);
+    std::fclose(file);
+}
+
 } // namespace
 
 bool Summary::ReportContext(const Context&) { return true; }
@@ -142,6 +157,7 @@ void Summary::Finalize() {
     const std::vector<Table> tables = tables_of(nanoseconds_);
     for (const Table& table : tables) print(table);
     print_standing(tables);
+    if (!rows_file_.empty()) write_rows(tables, rows_file_);
     std::printf("\nLeast processor time over the repetitions; ratio: the peer's time to ours, above 1 where ours is "
                 "shorter.\n");
 }
