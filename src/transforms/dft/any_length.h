@@ -45,8 +45,9 @@ KelStatus choose_way(AnyLength<T>& t, std::ptrdiff_t length) {
         t.way = Way::straight;
     } else if (length <= longest_smooth_direct<T>) {
         t.way = Way::direct;
-    } else if (std::isfinite(mixed_cost<T>(length))) {
+    } else if (is_mixed<T>(length)) {
         t.way = Way::mixed;
+        split_mixed(t.mixed, length);
     } else if (length <= longest_rough_direct<T>) {
         t.way = Way::direct;
     } else {
@@ -65,7 +66,7 @@ KelStatus choose_way(AnyLength<T>& t, std::ptrdiff_t length) {
 template <class T>
 void lay_any_length(AnyLength<T>& t, TableSpace& space) {
     if (t.way == Way::direct) lay_direct(t.direct, t.length, space);
-    if (t.way == Way::mixed) lay_mixed(t.mixed, t.length, space);
+    if (t.way == Way::mixed) lay_mixed(t.mixed, space);
     if (t.way == Way::chirp) lay_chirp(t.chirp, space);
 }
 

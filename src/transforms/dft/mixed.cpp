@@ -111,50 +111,56 @@ double vectors(std::ptrdiff_t n) {
     return sum;
 }
 
-/// The factor A of the length, and what a vector of points takes.
-struct Split {
-    std::ptrdiff_t A;
-    double cost;
-};
-
-template <class T>
-Split best_split(std::ptrdiff_t length) {
-    Split best{0, INFINITY};
+/// Calls f(A) for the factors that may be taken, near the root, until it says that it has had enough.
+template <class T, class F>
+void each_factor(std::ptrdiff_t length, F f) {
     std::ptrdiff_t rest = length;
     for (const int p : {2, 3, 5, 7, 11, 13})
         while (rest % p == 0) rest /= p;
-    if (rest != 1) return best;
+    if (rest != 1) return;
     const auto root = static_cast<std::ptrdiff_t>(std::sqrt(static_cast<double>(length)));
-    for (std::ptrdiff_t A = std::max<std::ptrdiff_t>(root / 6, 2); A <= 6 * (root + 1) && A < length; ++A) {
-        if (length % A != 0 || std::max(A, length / A) > longest_column<T>) continue;
-        const std::ptrdiff_t B = length / A;
-        const auto a = static_cast<double>(A), b = static_cast<double>(B);
-        const double cost = a * column_cost(A) * vectors<T>(B) + b * column_cost(B) * vectors<T>(A) +
-                            10 * vectors<T>(A) * vectors<T>(B) * max_points<T>;
-        if (cost < best.cost) best = {A, cost};
-    }
-    return best;
+    for (std::ptrdiff_t A = std::max<std::ptrdiff_t>(root / 6, 2); A <= 6 * (root + 1) && A < length; ++A)
+        if (length % A == 0 && std::max(A, length / A) <= longest_column<T>)
+            if (f(A)) return;
 }
 
 } // namespace
 
 template <class T>
-double mixed_cost(std::ptrdiff_t length) {
-    return best_split<T>(length).cost;
+bool is_mixed(std::ptrdiff_t length) {
+    bool found = false;
+    each_factor<T>(length, [&](std::ptrdiff_t) { return found = true; });
+    return found;
 }
 
 template <class T>
-void lay_mixed(MixedTransform<T>& t, std::ptrdiff_t length, TableSpace& space) {
+void split_mixed(MixedTransform<T>& t, std::ptrdiff_t length) {
+    double least = INFINITY;
+    each_factor<T>(length, [&](std::ptrdiff_t A) {
+        const std::ptrdiff_t B = length / A;
+        const double of_a = static_cast<double>(A) * vectors<T>(B), of_b = static_cast<double>(B) * vectors<T>(A);
+        double cost = 10 * vectors<T>(A) * vectors<T>(B) * max_points<T>;
+        cost += of_a * column_cost(A, (least - cost) / of_a);
+        if (cost < least) cost += of_b * column_cost(B, (least - cost) / of_b);
+        if (cost < least) {
+            least = cost;
+            t.A = A;
+            t.B = B;
+        }
+        return false;
+    });
     t.length = length;
-    t.A = best_split<T>(length).A;
-    t.B = length / t.A;
+}
+
+template <class T>
+void lay_mixed(MixedTransform<T>& t, TableSpace& space) {
     lay_columns(t.first, t.A, space);
     lay_columns(t.second, t.B, space);
-    T* turns = space.take<T>(2 * static_cast<std::size_t>(length));
+    T* turns = space.take<T>(2 * static_cast<std::size_t>(t.length));
     t.turns = turns;
-    const Circle circle(static_cast<std::size_t>(length));
-    for (std::ptrdiff_t k1 = 0; turns && k1 < t.A; ++k1)
-        for (std::ptrdiff_t n2 = 0; n2 < t.B; ++n2, turns += 2) circle.write(turns, static_cast<std::size_t>(k1 * n2));
+    const Circle circle(static_cast<std::size_t>(t.length));
+    for (std::ptrdiff_t k1 = 0; turns && k1 < t.A; ++k1, turns += 2 * t.B)
+        circle.write(turns, static_cast<std::size_t>(t.B), 0, static_cast<std::size_t>(k1));
 }
 
 template <class T, class Source, class Sink>
@@ -181,8 +187,9 @@ void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool invers
 }
 
 #define KELS_MIXED(T)                                                                                                  \
-    template double mixed_cost<T>(std::ptrdiff_t);                                                                     \
-    template void lay_mixed(MixedTransform<T>&, std::ptrdiff_t, TableSpace&);                                          \
+    template bool is_mixed<T>(std::ptrdiff_t);                                                                         \
+    template void split_mixed(MixedTransform<T>&, std::ptrdiff_t);                                                     \
+    template void lay_mixed(MixedTransform<T>&, TableSpace&);                                                          \
     template void run_mixed(const MixedTransform<T>&, InterleavedSource<T>, InterleavedSink<T>, bool, T, T*);          \
     template void run_mixed(const MixedTransform<T>&, SplitSource<T>, SplitSink<T>, bool, T, T*);                      \
     template void run_mixed(const MixedTransform<T>&, RealSource<T>, HalfSink<T>, bool, T, T*);                        \

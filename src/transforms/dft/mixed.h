@@ -21,12 +21,16 @@ struct MixedTransform {
     const T* turns = nullptr; ///< row k1 of the exponents n2 k1, for every k1
 };
 
-/// Time per point, in terms of instructions; infinite where the length has other factors.
+/// Whether a length has such factors.
 template <class T>
-double mixed_cost(std::ptrdiff_t length);
+bool is_mixed(std::ptrdiff_t length);
+
+/// Sets the factors of such a length that take the least time.
+template <class T>
+void split_mixed(MixedTransform<T>& transform, std::ptrdiff_t length);
 
 template <class T>
-void lay_mixed(MixedTransform<T>& transform, std::ptrdiff_t length, TableSpace& space);
+void lay_mixed(MixedTransform<T>& transform, TableSpace& space);
 
 /// The transform of a source to a sink, which may be the same memory. `middle` is room for all points, and `rows` for
 /// twice as many rows as the longer column has, as many points in each as `room` says.
