@@ -10,13 +10,6 @@
 namespace kels {
 namespace {
 
-/// The radices, and instructions that their butterflies take, loads and stores with them.
-struct Radix {
-    int radix, instructions;
-};
-constexpr Radix radices[] = {{16, 168}, {15, 153}, {13, 131}, {12, 102}, {11, 101}, {10, 81}, {9, 78},
-                             {8, 60},   {7, 49},   {6, 38},   {5, 30},   {4, 19},   {3, 14},  {2, 7}};
-constexpr int radix_count = std::size(radices);
 /// A turn, and what a pass costs beside its butterflies, for every point.
 constexpr double turn_cost = 3.5, pass_cost = 0.5;
 
@@ -58,7 +51,7 @@ void choose_kernels(ColumnPass<T>& p, int radix) {
 }
 
 /// What a pass of n points costs a point.
-double pass_cost_of(std::ptrdiff_t n, const Radix& pass) {
+double pass_cost_of(std::ptrdiff_t n, const PassRadix& pass) {
     return static_cast<double>(pass.instructions) / pass.radix + pass_cost + (n > pass.radix ? turn_cost : 0);
 }
 
