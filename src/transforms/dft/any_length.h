@@ -33,12 +33,11 @@ struct AnyLength {
 /// Lengths up to this one are straight code.
 inline constexpr std::ptrdiff_t longest_straight = 4;
 
-/// Direct lengths of complex and of real data, the latter where a complex transform would do half of its work for
-/// nothing, and those whose factors are not small: what the widths of vectors make of them.
+/// Direct lengths of complex data, of real data, whose sums round the least where there are few, and those whose
+/// factors are not small: what the widths of vectors make of them.
 template <class T>
 inline constexpr std::ptrdiff_t longest_smooth_direct = 17;
-template <class T>
-inline constexpr std::ptrdiff_t longest_odd_direct = sizeof(T) == 4 ? 33 : 3;
+inline constexpr std::ptrdiff_t longest_real_direct = 34;
 template <class T>
 inline constexpr std::ptrdiff_t longest_rough_direct = std::min<std::ptrdiff_t>(64 + 8 * max_lanes<T>, longest_direct);
 

@@ -13,7 +13,7 @@ namespace {
 /// A turn, and what a pass costs beside its butterflies, for every point.
 constexpr double turn_cost = 3.5, pass_cost = 0.5;
 
-template <class V, int R, bool last, class T>
+template <int P, int R, bool last, class T>
 void pass(const ColumnPass<T>& p, Rows<const T> in, Rows<T> out, std::ptrdiff_t columns) {
     const T* roots = p.roots;
     const std::ptrdiff_t apart = p.s * p.m * in.row, out_apart = p.s * out.row;
@@ -21,15 +21,15 @@ void pass(const ColumnPass<T>& p, Rows<const T> in, Rows<T> out, std::ptrdiff_t 
         for (std::ptrdiff_t q = 0; q < p.s; ++q) {
             const T* from = in.data + (q + p.s * i) * in.row;
             T* to = out.data + (q + p.s * R * i) * out.row;
-            for (std::ptrdiff_t c = 0; c < 2 * columns; c += lanes<V>) {
-                V x[R];
-                unrolled<R>([&](auto u) KELS_INLINE { x[u] = load<V>(from + u * apart + c); });
+            for (std::ptrdiff_t c = 0; c < 2 * columns; c += 2 * P) {
+                WorkVec<T, P> x[R];
+                unrolled<R>([&](auto u) KELS_INLINE { x[u] = load_points<P>(from + u * apart + c); });
                 point_transform<R>(x);
                 unrolled<R>([&](auto k) KELS_INLINE {
                     if constexpr (last || k == 0)
-                        store(to + k * out_apart + c, x[k]);
+                        store_points<P>(to + k * out_apart + c, x[k]);
                     else
-                        store(to + k * out_apart + c, times_scalar(x[k], roots + 2 * (k - 1)));
+                        store_points<P>(to + k * out_apart + c, times_scalar(x[k], roots + 2 * (k - 1)));
                 });
             }
         }
@@ -44,8 +44,7 @@ void choose_kernels(ColumnPass<T>& p, int radix) {
         if (R != radix) return;
         unrolled<point_counts>([&](auto log) {
             constexpr int P = 1 << log;
-            if constexpr (P <= max_points<T>)
-                p.kernels[log] = p.m == 1 ? pass<PointVec<T, P>, R, true, T> : pass<PointVec<T, P>, R, false, T>;
+            if constexpr (P <= max_points<T>) p.kernels[log] = p.m == 1 ? pass<P, R, true, T> : pass<P, R, false, T>;
         });
     });
 }

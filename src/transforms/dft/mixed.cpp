@@ -7,14 +7,15 @@
 namespace kels {
 namespace {
 
-/// Room on the stack for the rows of a piece of columns, twice.
-constexpr std::ptrdiff_t scratch_bytes = 57344, inner_cache = 40960;
+/// Bytes for the rows of a piece of columns, twice: on the stack, or in work memory that is not needed otherwise. Where
+/// the data come from far, more of a row at a time counts for more than that the scratch stays in the innermost cache.
+constexpr std::ptrdiff_t scratch_on_stack = 40960, scratch_from_afar = 57344;
 
 /// Turns a piece of the first step's rows, k1 counting them and n2 in the row from `n2` on, and stores it transposed.
-template <bool inverse, bool is_long, class V, class T>
+template <bool inverse, bool is_long, int P, class T>
 void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptrdiff_t n2, std::ptrdiff_t columns,
                         T factor, T* middle) {
-    constexpr int P = points_in<V>;
+    using V = WorkVec<T, P>;
     const std::ptrdiff_t A = t.A, B = t.B;
     for (std::ptrdiff_t c = 0; c < columns; c += P) {
         const std::ptrdiff_t column = n2 + c, q = column / max_points<T>, r = column % max_points<T>;
@@ -28,17 +29,17 @@ void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptr
             V x[P];
             unrolled<P>([&](auto i) KELS_INLINE {
                 const std::ptrdiff_t k = k1 + i, row = inverse && k > 0 ? A - k : k;
-                const V z = load<V>(rows.data + row * rows.row + 2 * c);
+                const V z = load_points<P>(rows.data + row * rows.row + 2 * c);
                 V w;
                 if constexpr (is_long)
-                    w = times_scalar(load<V>(t.turns + 2 * (k * t.fine + r)),
+                    w = times_scalar(load_points<P>(t.turns + 2 * (k * t.fine + r)),
                                      t.coarse + 2 * (k * t.coarse_in_row() + q));
                 else
-                    w = load<V>(t.turns + 2 * (k * B + column));
+                    w = load_points<P>(t.turns + 2 * (k * B + column));
                 x[i] = (inverse ? conjugate_product(z, w) : point_product(z, w)) * splat<V>(factor);
             });
-            transpose_points<V>(x);
-            unrolled<P>([&](auto i) KELS_INLINE { store(to[i] + 2 * k1, x[i]); });
+            if constexpr (P > 1) transpose_points<V>(x);
+            unrolled<P>([&](auto i) KELS_INLINE { store_points<P>(to[i] + 2 * k1, x[i]); });
         }
     }
 }
@@ -48,24 +49,21 @@ void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptr
                         int points, bool inverse, T factor, T* middle) {
     while (points > t.A) points /= 2;
     with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
-        using V = PointVec<T, P>;
         const auto run =
-            inverse       ? t.is_long() ? turn_and_transpose<true, true, V, T> : turn_and_transpose<true, false, V, T>
-                  : t.is_long() ? turn_and_transpose<false, true, V, T>
-                          : turn_and_transpose<false, false, V, T>;
+            inverse       ? t.is_long() ? turn_and_transpose<true, true, P, T> : turn_and_transpose<true, false, P, T>
+                  : t.is_long() ? turn_and_transpose<false, true, P, T>
+                          : turn_and_transpose<false, false, P, T>;
         run(t, rows, n2, columns, factor, middle);
     });
 }
 
-/// The columns of a piece: as many as the scratch has room for, twice, in vectors that one row holds. Where the data
-/// come from far, more of a row at a time counts for more than that the scratch stays in the innermost cache.
+/// The columns of a piece: as many as the scratch has room for, twice, in vectors that one row holds.
 template <class T>
 struct Pieces {
     std::ptrdiff_t widest;
     int points = max_points<T>;
 
-    Pieces(std::ptrdiff_t longest, bool from_afar)
-        : widest((from_afar ? scratch_bytes : inner_cache) / (4 * static_cast<int>(sizeof(T)) * longest)) {
+    Pieces(std::ptrdiff_t longest, std::ptrdiff_t bytes) : widest(bytes / (4 * static_cast<int>(sizeof(T)) * longest)) {
         while (points > widest && points > 1) points /= 2;
         widest = std::max<std::ptrdiff_t>(widest / points * points, 1);
     }
@@ -73,13 +71,13 @@ struct Pieces {
 
 /// Columns that find room at all; a longer length is no mixed one.
 template <class T>
-inline constexpr std::ptrdiff_t longest_column = inner_cache / (4 * static_cast<int>(sizeof(T)));
+inline constexpr std::ptrdiff_t longest_column = scratch_on_stack / (4 * static_cast<int>(sizeof(T)));
 
 template <class T>
 struct Scratch {
-    alignas(64) T values[scratch_bytes / sizeof(T)];
+    T* values;
 
-    Rows<T> rows(int which, std::ptrdiff_t length, std::ptrdiff_t columns) {
+    Rows<T> rows(int which, std::ptrdiff_t length, std::ptrdiff_t columns) const {
         return {values + which * 2 * length * columns, 2 * columns};
     }
 };
@@ -181,20 +179,23 @@ void lay_mixed(MixedTransform<T>& t, TableSpace& space) {
 
 template <class T, class Source, class Sink>
 void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool inverse, T factor, T* middle) {
-    Scratch<T> scratch;
-    const Pieces<T> pieces(std::max(t.A, t.B), t.is_long());
+    alignas(64) T on_stack[scratch_on_stack / sizeof(T)];
+    Scratch<T> scratch{on_stack};
     bool through_destination = false;
     if constexpr (interleaved<Source> && interleaved<Sink>)
-        through_destination = t.is_long() && source.data != sink.data;
-    if constexpr (interleaved<Sink>)
-        if (through_destination) middle = sink.data;
-    each_piece(t.B, pieces.widest, pieces.points, [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
+        if (t.is_long() && source.data != sink.data) {
+            through_destination = true;
+            scratch.values = middle;
+            middle = sink.data;
+        }
+    const Pieces<T> pieces(std::max(t.A, t.B), through_destination ? scratch_from_afar : scratch_on_stack);
+    const auto first_step = [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
         const Rows<T> result = scratch.rows(0, t.A, columns), spare = scratch.rows(1, t.A, columns);
         const bool into_spare = t.first.count % 2 == 0; // the first pass writes there
         const Rows<const T> in = read_rows(t, source, first, columns, points, into_spare ? result : spare);
         run_columns(t.first, in, result, spare, result, columns, points);
         turn_and_transpose<T>(t, result, first, columns, points, inverse, factor, middle);
-    });
+    };
     const auto second_step = [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
         const Rows<T> other = scratch.rows(0, t.B, columns), spare = scratch.rows(1, t.B, columns);
         const Rows<const T> in = Rows<const T>{middle, 2 * t.A}.from(first);
@@ -205,10 +206,8 @@ void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool invers
             write_rows<T>(t, other, sink, first, columns, points);
         }
     };
-    if (through_destination)
-        each_disjoint_piece(t.A, pieces.widest, pieces.points, second_step);
-    else
-        each_piece(t.A, pieces.widest, pieces.points, second_step);
+    each_piece(t.is_long(), t.B, pieces.widest, pieces.points, first_step);
+    each_piece(through_destination, t.A, pieces.widest, pieces.points, second_step);
 }
 
 #define KELS_MIXED(T)                                                                                                  \

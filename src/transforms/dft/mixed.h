@@ -9,7 +9,7 @@
 // The inverse transform is the same with k1 and n2 counted backwards between the steps, and conjugate turns.
 //
 // Long transforms are bound by the memory that they touch: they take the destination as the middle array, where it is
-// not the source, and turns as products of a coarse and a fine one.
+// not the source, and turns as products of a coarse and a fine one, the same for a column in any vector.
 #pragma once
 
 #include "transforms/dft/columns.h"
@@ -25,7 +25,7 @@ struct MixedTransform {
     const T* turns = nullptr;
     const T* coarse = nullptr; ///< for every k1, those of the n2 that are multiples of a vector's most points
 
-    static constexpr std::ptrdiff_t fine = 2 * max_points<T>;
+    static constexpr std::ptrdiff_t fine = max_points<T>;
     bool is_long() const { return length * static_cast<std::ptrdiff_t>(sizeof(T)) > 1 << 17; }
     std::ptrdiff_t turns_in_row() const { return is_long() ? fine : B; }
     std::ptrdiff_t coarse_in_row() const { return B / max_points<T> + 1; }
@@ -42,8 +42,7 @@ void split_mixed(MixedTransform<T>& transform, std::ptrdiff_t length);
 template <class T>
 void lay_mixed(MixedTransform<T>& transform, TableSpace& space);
 
-/// The transform of a source to a sink, which may be the same memory. `middle` is room for all points, and `rows` for
-/// twice as many rows as the longer column has, as many points in each as `room` says.
+/// The transform of a source to a sink, which may be the same memory. `middle` is room for all points.
 template <class T, class Source, class Sink>
 void run_mixed(const MixedTransform<T>& transform, Source source, Sink sink, bool inverse, T factor, T* middle);
 

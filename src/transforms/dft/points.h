@@ -20,6 +20,29 @@ using PointVec = Vec<T, 2 * P>;
 template <class V>
 inline constexpr int points_in = lanes<V> / 2;
 
+/// What P points are worked on in. One of singles has the lower half of a vector, with the processor's own operations:
+/// it is rounded like its neighbours in longer ones.
+template <class T, int P>
+using WorkVec = PointVec<T, std::max<int>(P, 8 / sizeof(T))>;
+
+template <class T, int P>
+[[gnu::always_inline]] inline WorkVec<T, P> widened(PointVec<T, P> z) {
+    if constexpr (std::is_same_v<PointVec<T, P>, WorkVec<T, P>>)
+        return z;
+    else
+        return both(z, PointVec<T, P>{});
+}
+
+template <int P, class T>
+[[gnu::always_inline]] inline WorkVec<T, P> load_points(const T* p) {
+    return widened<T, P>(load<PointVec<T, P>>(p));
+}
+
+template <int P, class T, class V>
+[[gnu::always_inline]] inline void store_points(T* p, V z) {
+    store(p, slice<2 * P, 0>(z));
+}
+
 /// z w.
 template <class V>
 [[gnu::always_inline]] inline V point_product(V z, V w) {
@@ -91,9 +114,10 @@ void each_piece(std::ptrdiff_t n, std::ptrdiff_t widest, int top, F&& f) {
     }
 }
 
-/// The same, where what is left goes in narrower vectors, so that no column is met twice.
+/// The same, or disjoint pieces: what is left goes in narrower vectors, and no column is met twice.
 template <class F>
-void each_disjoint_piece(std::ptrdiff_t n, std::ptrdiff_t widest, int top, F&& f) {
+void each_piece(bool disjoint, std::ptrdiff_t n, std::ptrdiff_t widest, int top, F&& f) {
+    if (!disjoint) return each_piece(n, widest, top, f);
     std::ptrdiff_t first = 0;
     for (int points = top; first < n; points /= 2)
         for (std::ptrdiff_t columns; (columns = std::min(widest, (n - first) / points * points)) > 0; first += columns)

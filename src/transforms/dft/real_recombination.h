@@ -16,7 +16,7 @@ namespace kels {
 template <class T>
 RealWay real_way(std::ptrdiff_t length) {
     if (length <= longest_straight) return RealWay::straight;
-    if (length % 2 != 0 && length <= longest_odd_direct<T>) return RealWay::direct;
+    if (length <= longest_real_direct) return RealWay::direct;
     const std::ptrdiff_t complex_length = length % 2 == 0 ? length / 2 : length;
     const bool smooth = is_short<T>(complex_length) || is_mixed<T>(complex_length);
     if (!smooth && length <= longest_rough_direct<T>) return RealWay::direct;
