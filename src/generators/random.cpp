@@ -131,17 +131,25 @@ template <class V>
     return extended(Expanded<V>{product, product_error(draw, splat<V>(unit), product)});
 }
 
-template <class V>
+/// For samples of type T: nothing but a double shows more than a root and a quotient that are rounded each.
+template <class T, class V>
 [[gnu::always_inline]] inline Polar<V> polar(V first, V second) {
+    constexpr bool exactly = std::is_same_v<T, Kel64f>;
     const Expanded<V> a = coordinate(first), b = coordinate(second);
     const Expanded<V> aa = extended_square(a), bb = extended_square(b);
     const V sum = aa.high + bb.high;
     const Expanded<V> s = extended(Expanded<V>{sum, sum_error(aa.high, bb.high, sum) + (aa.low + bb.low)});
-    const V rounded = s.high + s.low, power = logarithm<Grade::for_double>(rounded) * -2.0;
-    const V quotient = power / rounded, back = quotient * rounded;
-    const V rest = ((power - back) - product_error(quotient, rounded, back)) / rounded;
-    const Expanded<V> factor = root(Expanded<V>{quotient, rest});
-    return {a.high + a.low, b.high + b.low, factor.high + factor.low};
+    const V rounded = s.high + s.low;
+    const V power = logarithm < exactly ? Grade::for_double : Grade::same_everywhere > (rounded) * -2.0;
+    const V quotient = power / rounded;
+    if constexpr (exactly) {
+        const V back = quotient * rounded;
+        const V rest = ((power - back) - product_error(quotient, rounded, back)) / rounded;
+        const Expanded<V> factor = root(Expanded<V>{quotient, rest});
+        return {a.high + a.low, b.high + b.low, factor.high + factor.low};
+    } else {
+        return {a.high + a.low, b.high + b.low, square_root(quotient)};
+    }
 }
 
 /// Draws that the rule keeps: 0 < a^2 + b^2 < 1. Only beside 1 do its roundings matter.
@@ -161,7 +169,8 @@ bool is_kept(int32_t first, int32_t second) {
 
 constexpr int block_of_pairs = block_of_draws / 2;
 
-/// Kept pairs, and what becomes of them.
+/// Kept pairs, and what becomes of them for samples of type T.
+template <class T>
 class Pairs {
 public:
     explicit Pairs(DrawGenerator& source) : generator(source) {}
@@ -180,7 +189,7 @@ public:
     }
 
     Polar<Kel64f> operator[](int i) const {
-        return polar(static_cast<Kel64f>(first[i]), static_cast<Kel64f>(second[i]));
+        return polar<T>(static_cast<Kel64f>(first[i]), static_cast<Kel64f>(second[i]));
     }
 
     /// Calls take(i, b's samples, a's samples) for vectors of pairs that cover the first n, and with pairs beyond them.
@@ -189,7 +198,7 @@ public:
         using V = Vec<Kel64f>;
         using Ints = Vec<int32_t, lanes<V>>;
         for (int i = 0; i < n; i += lanes<V>)
-            take(i, polar(convert<Kel64f>(load<Ints>(first + i)), convert<Kel64f>(load<Ints>(second + i))));
+            take(i, polar<T>(convert<Kel64f>(load<Ints>(first + i)), convert<Kel64f>(load<Ints>(second + i))));
     }
 
 private:
@@ -213,7 +222,7 @@ template <class V>
 
 /// Samples of the first n pairs.
 template <class T>
-void fill_pairs(T* dst, int n, const Normal& of, const Pairs& pairs) {
+void fill_pairs(T* dst, int n, const Normal& of, const Pairs<T>& pairs) {
     T samples[2 * block_of_pairs];
     pairs.each_vector(n, [&](int i, const auto& p) KELS_INLINE {
         store(samples + 2 * i,
@@ -224,7 +233,7 @@ void fill_pairs(T* dst, int n, const Normal& of, const Pairs& pairs) {
 
 /// Whole pairs of samples.
 template <class T>
-T* fill_normal(T* dst, int pairs, const Normal& of, Pairs& source) {
+T* fill_normal(T* dst, int pairs, const Normal& of, Pairs<T>& source) {
     for (; pairs > 0; pairs -= block_of_pairs) {
         const int count = std::min(pairs, block_of_pairs);
         source.draw(count);
@@ -257,7 +266,7 @@ KelStatus direct_normal(T* dst, int len, T mean, T deviation, Kel32u* seed) {
         const DefaultModes modes(true);
         const Normal of = {static_cast<Kel64f>(settled(mean)), static_cast<Kel64f>(settled(deviation))};
         DrawGenerator generator(*seed);
-        Pairs pairs(generator);
+        Pairs<T> pairs(generator);
         T* last = fill_normal(dst, len / 2, of, pairs);
         pairs.draw(1);
         if (len % 2 != 0) *last = one_sample<T>(pairs[0].factor, pairs[0].b, of);
@@ -352,7 +361,7 @@ KelStatus normal_noise(T* dst, int len, RandGaussState* base) {
             *next++ = one_sample<T>(state.factor, state.saved, of);
             --wanted;
         }
-        Pairs pairs(state.generator);
+        Pairs<T> pairs(state.generator);
         next = fill_normal(next, wanted / 2, of, pairs);
         state.needs_pair = wanted % 2 == 0;
         if (state.needs_pair) return;
