@@ -164,10 +164,10 @@ struct Rate {
     Expanded<double> radians;
     TwoDoubles quarters;
 
-    explicit Rate(long double c) : radians(), quarters(two_doubles(c)) {
-        radians = {quarters.high, quarters.low};
-        quarters = quarters * TwoDoubles{0x1.45f306dc9c883p-1, -0x1.6b01ec5417056p-55}; // 2 / pi
-    }
+    explicit Rate(long double c) : Rate(two_doubles(c)) {}
+
+private:
+    explicit Rate(TwoDoubles c) : radians{c.high, c.low}, quarters(quarter_turns(c)) {}
 };
 
 /// The same for indices of less than 2^26, whose squares are exact: but for an error of some 2^-37, to which the

@@ -131,24 +131,33 @@ template <class V>
     return extended(Expanded<V>{product, product_error(draw, splat<V>(unit), product)});
 }
 
-/// For samples of type T: nothing but a double shows more than a root and a quotient that are rounded each.
-template <class T, class V>
-[[gnu::always_inline]] inline Polar<V> polar(V first, V second) {
-    constexpr bool exactly = std::is_same_v<T, Kel64f>;
+/// To the last place of doubles.
+template <Grade G, class V>
+[[gnu::always_inline]] inline Polar<V> exact_polar(V first, V second) {
     const Expanded<V> a = coordinate(first), b = coordinate(second);
     const Expanded<V> aa = extended_square(a), bb = extended_square(b);
     const V sum = aa.high + bb.high;
     const Expanded<V> s = extended(Expanded<V>{sum, sum_error(aa.high, bb.high, sum) + (aa.low + bb.low)});
-    const V rounded = s.high + s.low;
-    const V power = logarithm < exactly ? Grade::for_double : Grade::same_everywhere > (rounded) * -2.0;
-    const V quotient = power / rounded;
-    if constexpr (exactly) {
-        const V back = quotient * rounded;
-        const V rest = ((power - back) - product_error(quotient, rounded, back)) / rounded;
-        const Expanded<V> factor = root(Expanded<V>{quotient, rest});
-        return {a.high + a.low, b.high + b.low, factor.high + factor.low};
+    const V rounded = s.high + s.low, power = logarithm<G>(rounded) * -2.0;
+    const V quotient = power / rounded, back = quotient * rounded;
+    const V rest = ((power - back) - product_error(quotient, rounded, back)) / rounded;
+    const Expanded<V> factor = root(Expanded<V>{quotient, rest});
+    return {a.high + a.low, b.high + b.low, factor.high + factor.low};
+}
+
+/// For samples of type T. Roundings of doubles show in no other samples, unless the logarithm is near to 0.
+template <class T, class V>
+[[gnu::always_inline]] inline Polar<V> polar(V first, V second) {
+    if constexpr (std::is_same_v<T, Kel64f>) {
+        return exact_polar<Grade::for_double>(first, second);
     } else {
-        return {a.high + a.low, b.high + b.low, square_root(quotient)};
+        constexpr Grade grade = Grade::same_everywhere;
+        const V a = first * unit, b = second * unit, s = a * a + b * b;
+        const V factor = square_root(logarithm<grade>(s) * -2.0 / s);
+        const auto beside_one = s > splat<V>(1 - 0x1p-20);
+        if (any_lane(beside_one)) [[unlikely]]
+            return {a, b, beside_one ? exact_polar<grade>(first, second).factor : factor};
+        return {a, b, factor};
     }
 }
 
@@ -211,13 +220,30 @@ struct Normal {
     Kel64f mean, deviation;
 };
 
-/// deviation w value + mean.
+/// deviation w value + mean, to the last place of doubles.
 template <class V>
-[[gnu::always_inline]] inline V normal(V factor, V value, const Normal& of) {
+[[gnu::always_inline]] inline V exact_normal(V factor, V value, const Normal& of) {
     const V deviation = splat<V>(of.deviation), mean = splat<V>(of.mean);
     const V scaled = factor * deviation, product = scaled * value, sum = product + mean;
     const V error = product_error(scaled, value, product) + product_error(factor, deviation, scaled) * value;
     return sum_of(sum, sum_error(product, mean, sum) + error);
+}
+
+/// For samples of type T: nearly all of them do without the errors, unless they lie beside an integer to be cut at, or
+/// the mean cancels much.
+template <class T, class V>
+[[gnu::always_inline]] inline V normal(V factor, V value, const Normal& of) {
+    if constexpr (std::is_same_v<T, Kel64f>) {
+        return exact_normal(factor, value, of);
+    } else {
+        const V y = factor * of.deviation * value + of.mean;
+        const V distance = std::is_integral_v<T> ? y - nearest_whole(y).real : y;
+        const double least = std::is_integral_v<T> ? 0x1p-30 : std::fabs(of.mean) * 0x1p-20;
+        const auto shows = magnitude(distance) < splat<V>(least);
+        if (any_lane(shows)) [[unlikely]]
+            return shows ? exact_normal(factor, value, of) : y;
+        return y;
+    }
 }
 
 /// Samples of the first n pairs.
@@ -226,7 +252,7 @@ void fill_pairs(T* dst, int n, const Normal& of, const Pairs<T>& pairs) {
     T samples[2 * block_of_pairs];
     pairs.each_vector(n, [&](int i, const auto& p) KELS_INLINE {
         store(samples + 2 * i,
-              zip(sample<true, T>(normal(p.factor, p.b, of)), sample<true, T>(normal(p.factor, p.a, of))));
+              zip(sample<true, T>(normal<T>(p.factor, p.b, of)), sample<true, T>(normal<T>(p.factor, p.a, of))));
     });
     std::copy_n(samples, 2 * n, dst);
 }
@@ -245,7 +271,7 @@ T* fill_normal(T* dst, int pairs, const Normal& of, Pairs<T>& source) {
 
 template <class T>
 T one_sample(Kel64f factor, Kel64f value, const Normal& of) {
-    return sample<true, T>(normal(factor, value, of));
+    return sample<true, T>(normal<T>(factor, value, of));
 }
 
 // Seeds. A pair is drawn behind the last one that gives two samples, whether it is wanted or not.

@@ -186,16 +186,20 @@ void rotate(T* dst, int len, int count, const Chains<Blocks>& chains, const Rota
     constexpr int together = 8;
     const Turn<T, Blocks> turn(by);
     auto pq = load<typename Turn<T, Blocks>::Pairs>(chains.pq);
-    const int longest = std::min(len, block);
-    for (int j = 2; j < longest; j += together) {
+    const auto next = [&](auto take) KELS_INLINE {
         const auto a = turn(pq), b = turn(pq), c = turn(pq), d = turn(pq);
         const auto words = zip(zip(a, c), zip(b, d));
-        unrolled<Blocks>([&](auto i) KELS_INLINE {
-            if (i < count)
-                store_first(dst + i * block + j, bits_as<Vec<Part<T>, together * parts<T>>>(slice<4, i>(words)),
-                            std::min(len - i * block, block) - j);
+        unrolled<Blocks>([&](auto i)
+                             KELS_INLINE { take(i, bits_as<Vec<Part<T>, together * parts<T>>>(slice<4, i>(words))); });
+    };
+    int j = 2;
+    if (len == Chains<Blocks>::samples) // so many stores are not each asked for their lengths
+        for (; j <= block - together; j += together)
+            next([&](auto i, auto samples) KELS_INLINE { store(dst + i * block + j, samples); });
+    for (const int longest = std::min(len, block); j < longest; j += together)
+        next([&](auto i, auto samples) KELS_INLINE {
+            if (i < count) store_first(dst + i * block + j, samples, std::min(len - i * block, block) - j);
         });
-    }
 }
 
 /// As long as rotations lose no more than the roundings of the angles, blocks begin a turn after another.
@@ -252,9 +256,11 @@ KelStatus tone(T* dst, int len, M magn, P frequency, P* phase, int hint = 0) {
 struct Triangle {
     TwoDoubles turn, falling_middle, rising_middle;
     double falling, rising, magn, frequency;
+    bool never_falls;
 
     Triangle(double magnitude, double f, long double asymmetry) : magn(magnitude), frequency(f) {
         const long double h1 = pi + asymmetry, h2 = pi - asymmetry;
+        never_falls = h1 == 0;
         turn = two_doubles(h1 / two_pi);
         falling_middle = two_doubles(h1 / two_pi * 0.5L);
         rising_middle = two_doubles((h1 / two_pi + 1) * 0.5L);
@@ -270,13 +276,16 @@ struct Triangle {
         const V wrap = sum < 0 ? splat<V>(1) : sum >= 1 ? splat<V>(-1) : V{};
         const V u = sum + wrap;
         const V tail = sum_error(part, start, sum) + sum_error(sum, wrap, u) + (error + phase.low);
-        const auto falls = (u - turn.high) + (tail - turn.low) < 0;
+        const V behind_turn = (u - turn.high) + (tail - turn.low);
+        const auto falls = behind_turn < 0;
         const V middle = falls ? splat<V>(falling_middle.high) : splat<V>(rising_middle.high);
         const V rest = falls ? splat<V>(falling_middle.low) : splat<V>(rising_middle.low);
         const V slope = falls ? splat<V>(falling) : splat<V>(rising);
         const V y = ((u - middle) + (tail - rest)) * slope;
-        const V above = y < -1 ? splat<V>(-1) : y;
-        return (above > 1 ? splat<V>(1) : above) * magn;
+        const V above = y < -1 ? splat<V>(-1) : y, limited = above > 1 ? splat<V>(1) : above;
+        if (!never_falls) return limited * magn;
+        const auto hits_top = (behind_turn == 0) & (n > 0); // it is the step beyond that jumps to the bottom
+        return (hits_top ? splat<V>(1) : limited) * magn;
     }
 };
 

@@ -255,7 +255,7 @@ KelStatus bartlett(const T* src, T* dst, int len) {
             for (; at < n; ++at) sum += step;
             return sum;
         };
-        weigh_from(src, dst, len, 1, filled_by([=](auto n) KELS_INLINE { return n * rounded; }), sum);
+        weigh_from(src, dst, len, 0, filled_by([=](auto n) KELS_INLINE { return n * rounded; }), sum);
         end_with_zeros(dst, len);
     });
 }
@@ -329,14 +329,19 @@ struct Rotation {
 
 template <class T, class Shape>
 void weigh_by_rotation(const T* src, T* dst, int len, const Shape& shape) {
-    const Index pairs = len / 2, first = shape.only_by_rule ? pairs : std::min<Index>(pairs, 2 + len / 1024);
+    constexpr Index aligned = 32; // blocks begin where vectors of an aligned array do, and at every level the same
+    const Index pairs = len / 2, by_rule = shape.only_by_rule ? pairs : std::min<Index>(pairs, 2 + len / 1024);
+    const Index first = shape.only_by_rule ? pairs : by_rule / aligned * aligned;
     Rotation rotation(len - 1, Shape::holds_sine_in_double);
     const auto rule = [&](Index n) { return shape.by_cosine(rotation.cosine_at(n)); };
     for (Index n = 0; n < first; ++n) weigh_pair(src, dst, len, n, rule(n));
+    Rotation early = rotation, ahead = rotation;
+    double first_weights[aligned];
+    for (Index n = first; n < by_rule; ++n)
+        first_weights[n - first] = static_cast<double>(shape.by_cosine(early.cosine_at(n)));
     using Sines = Stretches<Grade::same_everywhere>;
     const long double half_angle = std::atan2(rotation.s, rotation.c) / 2;
     Sines sines(half_angle, 0, static_cast<double>(first), pairs - first);
-    Rotation ahead = rotation;
     const auto fill = [&](double* weights, Index n, int count) {
         sines.go_to((n - first) / Sines::length);
         for (int j = 0; j < count; j += max_lanes<double>) {
@@ -347,6 +352,7 @@ void weigh_by_rotation(const T* src, T* dst, int len, const Shape& shape) {
                     for (int i = 0; i < max_lanes<double>; ++i)
                         weights[j + i] = static_cast<double>(shape.by_cosine(ahead.cosine_at(n + j + i)));
         }
+        if (n == first) std::copy_n(first_weights, by_rule - first, weights);
     };
     weigh_from(src, dst, len, first, fill, rule);
 }

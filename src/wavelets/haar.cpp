@@ -318,6 +318,22 @@ void split(const T* src, T* low, T* high, Index pairs, const Rule& rule) {
         });
 }
 
+/// Lanes of both by turns, stored. Registers of two halves that shuffles do not cross are stored so that they need not.
+template <class V>
+[[gnu::always_inline]] inline void store_zipped(Element<V>* p, V a, V b) {
+    if constexpr (sizeof(V) == 32 && vector_bytes == 32) {
+        constexpr int n = lanes<V> / 2;
+        const V first = shuffle<[](int i) { return i / n * n + i % n / 2 + i % 2 * lanes<V>; }>(a, b);
+        const V second = shuffle<[](int i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * lanes<V>; }>(a, b);
+        store(p, half<0>(first));
+        store(p + n, half<0>(second));
+        store(p + 2 * n, half<1>(first));
+        store(p + 3 * n, half<1>(second));
+    } else {
+        store(p, zip(a, b));
+    }
+}
+
 template <class T, class Rule>
 void merge(const T* low, const T* high, T* dst, Index pairs, const Rule& rule) {
     each_block<Word<T>>(
@@ -326,7 +342,7 @@ void merge(const T* low, const T* high, T* dst, Index pairs, const Rule& rule) {
             using V = Vec<T, width>;
             return apply(rule, load<V>(high + i), load<V>(low + i));
         },
-        [=](auto, Index i, auto bands) KELS_INLINE { store(dst + 2 * i, zip(bands.difference, bands.sum)); });
+        [=](auto, Index i, auto bands) KELS_INLINE { store_zipped(dst + 2 * i, bands.difference, bands.sum); });
 }
 
 /// Splits as if no sum overflowed, and says whether that is so. The products of both bands are added up: whatever is
