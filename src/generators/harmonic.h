@@ -18,9 +18,15 @@ inline TwoDoubles two_doubles(long double x) {
     return {high, low - low == 0 ? low : 0};
 }
 
+/// Radians as quarter turns.
+inline TwoDoubles quarter_turns(TwoDoubles angle) {
+    return angle * TwoDoubles{0x1.45f306dc9c883p-1, -0x1.6b01ec5417056p-55}; // 2 / pi
+}
+
 class Harmonic {
 public:
-    Harmonic(long double step, long double start) : per_sample(quarters(step)), at_start(quarters(start)) {}
+    Harmonic(long double step, long double start)
+        : per_sample(quarter_turns(two_doubles(step))), at_start(quarter_turns(two_doubles(start))) {}
 
     /// Of samples n, whole numbers less than 2^32; the step is at most a turn.
     template <Grade G, class V>
@@ -37,10 +43,6 @@ public:
 
 private:
     TwoDoubles per_sample, at_start;
-
-    static TwoDoubles quarters(long double angle) {
-        return two_doubles(angle) * TwoDoubles{0x1.45f306dc9c883p-1, -0x1.6b01ec5417056p-55}; // 2 / pi
-    }
 
     /// Of head + tail quarter turns, at most a half.
     template <Grade G, class V>

@@ -15,11 +15,13 @@
 #include "frame/modes.h"
 #include "frame/numeric.h"
 #include "generators/harmonic.h"
+#include "kels/statistics.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <numbers>
 #include <type_traits>
 
 namespace kels {
@@ -70,7 +72,8 @@ template <class V>
 template <class V>
 [[gnu::always_inline]] inline V settled_sum(Expanded<V> y) {
     const V sum = y.high + y.low;
-    return sum - sum == 0 ? sum : y.high;
+    const auto moved = (y.low != 0) & (sum - sum == 0); // a negative zero stays one
+    return moved ? sum : y.high;
 }
 
 /// Halves away from zero, then limited, NaNs to the top: signed numbers are rounded to double before they are cut.
@@ -129,7 +132,7 @@ template <class T>
 KelStatus ramp(T* dst, int len, Kel32f offset, Kel32f slope) {
     return vector_call({dst}, len, [=] {
         const DefaultModes modes(true);
-        fill_line(dst, len, double{settled(slope)}, settled(offset) + 0.0); // a sum with a negative zero could be one
+        fill_line(dst, len, double{settled(slope)}, double{settled(offset)});
     });
 }
 
@@ -156,31 +159,70 @@ template <Grade G, class V>
     return with_sign_of(size, bits_as<V>((a.quarters & splat<B>(2)) << splat<B>(62)));
 }
 
-/// For singles: with an absolute error of some 2^-50, unless the sine is so small that it shows.
+/// c in radians and in quarter turns.
+struct Rate {
+    Expanded<double> radians;
+    TwoDoubles quarters;
+
+    explicit Rate(long double c) : Rate(two_doubles(c)) {}
+
+private:
+    explicit Rate(TwoDoubles c) : radians{c.high, c.low}, quarters(quarter_turns(c)) {}
+};
+
+/// The same for indices of less than 2^26, whose squares are exact: but for an error of some 2^-37, to which the
+/// rounding of (c n) n adds less than len 2^-62.
 template <class V>
-[[gnu::always_inline]] inline V chirp_for_single(V n, Expanded<double> c) {
-    const V square = n * n, high = splat<V>(c.high), product = square * high;
-    const FoldedAngle<V> a = folded_small_angle<Grade::for_single>(product);
-    const V r = a.high + (product_error(square, high, product) + square * c.low);
+[[gnu::always_inline]] inline V rough_chirp(V n, const Rate& rate) {
+    const V square = n * n, high = splat<V>(rate.quarters.high), product = square * high;
+    const Whole<V> whole = nearest_whole(product);
+    const V part = (product - whole.real) + (product_error(square, high, product) + square * rate.quarters.low);
+    const V r = part * (std::numbers::pi / 2);
     const Unrounded<V> s = sine_of_folded<Grade::for_single>(r, V{}),
                        cosine = cosine_of_folded<Grade::for_single>(r, V{});
     using B = Bits<V>;
-    const V size = (a.quarters & splat<B>(1)) != 0 ? cosine.head + cosine.tail : s.head + s.tail;
-    const V y = with_sign_of(size, bits_as<V>((a.quarters & splat<B>(2)) << splat<B>(62)));
-    const auto small = magnitude(y) < splat<V>(0x1p-16);
-    if (any_lane(small)) [[unlikely]]
-        return small ? chirp<Grade::same_everywhere>(n, c) : y;
-    return y;
+    const V size = (whole.low_bits & splat<B>(1)) != 0 ? cosine.head + cosine.tail : s.head + s.tail;
+    return with_sign_of(size, bits_as<V>((whole.low_bits & splat<B>(2)) << splat<B>(62)));
+}
+constexpr int rough_lengths = 1 << 26;
+
+template <class T>
+inline constexpr bool may_be_rough = std::is_same_v<T, Kel32f> || (std::is_integral_v<T> && sizeof(T) <= 2);
+
+/// Halves away from zero.
+template <class T, class V>
+[[gnu::always_inline]] inline auto rounded_wave(V x) {
+    return to_type<T>(x < 0 ? x - 0.5 : x + 0.5);
+}
+
+/// Whether a lane is so near to an integer, by this distance, that it might be on its other side.
+template <class V>
+[[gnu::always_inline]] inline bool any_beside_whole(V v, V distance) {
+    return any_lane(magnitude(v - nearest_whole(v).real) < distance);
+}
+
+/// Samples by the rough chirp, unless its error may show.
+template <class T, class V>
+[[gnu::always_inline]] inline auto rough_wave(V n, const Rate& rate, double top, [[maybe_unused]] double least) {
+    const V y = rough_chirp(n, rate), x = y * top;
+    const auto exactly = [&]() KELS_INLINE { return chirp<Grade::same_everywhere>(n, rate.radians); };
+    if constexpr (std::is_integral_v<T>) {
+        if (any_beside_whole(magnitude(x) + 0.5, splat<V>(0x1p-18))) [[unlikely]]
+            return rounded_wave<T>(exactly() * top);
+        return rounded_wave<T>(x);
+    } else {
+        const auto small = magnitude(y) < splat<V>(least);
+        if (any_lane(small)) [[unlikely]]
+            return convert<T>(small ? exactly() * top : x);
+        return convert<T>(x);
+    }
 }
 
 template <class T>
 inline constexpr Grade grade_of = std::is_same_v<T, Kel64f> ? Grade::for_double : Grade::same_everywhere;
 
 /// (pi / 2) / len in extended precision.
-Expanded<double> rate(int len) {
-    const TwoDoubles r = two_doubles(static_cast<long double>(1.5707963267948966) / settled(len));
-    return {r.high, r.low};
-}
+long double rate(int len) { return static_cast<long double>(1.5707963267948966) / settled(len); }
 
 template <class T>
 KelStatus chirps(T* dst, int len, T magn) {
@@ -192,19 +234,20 @@ KelStatus chirps(T* dst, int len, T magn) {
             *dst = 0;
             return kelStatusOk;
         }
-        const Expanded<double> c = rate(len);
-        if constexpr (std::is_same_v<T, Kel32f>) {
-            if (len < largest_small_angle / 2) {
-                generate(dst, len, [=](auto n) KELS_INLINE { return convert<T>(chirp_for_single(n, c) * top); });
+        const Rate c(rate(len));
+        if constexpr (may_be_rough<T>) {
+            if (len <= rough_lengths) {
+                const double least = std::max(0x1p-16, len * 0x1p-36);
+                generate(dst, len, [=](auto n) KELS_INLINE { return rough_wave<T>(n, c, top, least); });
                 return kelStatusOk;
             }
         }
         generate(dst, len, [=](auto n) KELS_INLINE {
-            const auto x = chirp<grade_of<T>>(n, c) * top;
+            const auto x = chirp<grade_of<T>>(n, c.radians) * top;
             if constexpr (std::is_floating_point_v<T>)
                 return convert<T>(x);
             else
-                return to_type<T>(x < 0 ? x - 0.5 : x + 0.5);
+                return rounded_wave<T>(x);
         });
         return kelStatusOk;
     });
@@ -215,16 +258,20 @@ KelStatus chirps(T* dst, int len, T magn) {
 template <class T>
 class Stretched {
 public:
-    Stretched(double* room, int len, double magn) : x(room), n(len), c(rate(len).high), top(magn) {
-        generate(x, n, [this](auto i) KELS_INLINE { return chirp<Grade::same_everywhere>(i, {c, 0}) * top; });
-        const auto [lowest, highest] = std::minmax_element(x, x + n);
-        const double below = *lowest + top * 0x1p-40, above = *highest - top * 0x1p-40;
+    Stretched(double* room, int len, double magn) : x(room), n(len), c(static_cast<double>(rate(len))), top(magn) {
+        const Rate by(c);
+        if (may_be_rough<T> && len <= rough_lengths)
+            generate(x, n, [&, this](auto i) KELS_INLINE { return rough_chirp(i, by) * top; });
+        else
+            generate(x, n,
+                     [&, this](auto i) KELS_INLINE { return chirp<Grade::same_everywhere>(i, by.radians) * top; });
+        const Extremes found = extremes();
         for (int i = 0; i < n; ++i)
-            if (x[i] <= below || x[i] >= above) [[unlikely]]
+            if (x[i] <= found.low + top * error || x[i] >= found.high - top * error) [[unlikely]]
                 x[i] = by_rule(i);
-        const auto [low, high] = std::minmax_element(x, x + n);
-        const long double range = static_cast<long double>(*high) - *low;
-        from = *low;
+        const Extremes exact = extremes();
+        const long double range = static_cast<long double>(exact.high) - exact.low;
+        from = exact.low;
         factor = range > 0 ? static_cast<double>(top / range) : 0;
     }
 
@@ -236,9 +283,22 @@ public:
     }
 
 private:
+    /// More than that of x, in units of the magnitude.
+    static constexpr double error = may_be_rough<T> ? 0x1p-34 : 0x1p-40;
+
     double* x;
     int n;
     double c, top, from = 0, factor = 0;
+
+    struct Extremes {
+        double low, high;
+    };
+    Extremes extremes() const {
+        Extremes found;
+        kelsMin_64f(x, n, &found.low);
+        kelsMax_64f(x, n, &found.high);
+        return found;
+    }
 
     double by_rule(Index i) const {
         return static_cast<double>(std::sin(static_cast<long double>(c) * i * i) * static_cast<long double>(top));
@@ -247,9 +307,10 @@ private:
     template <int Lanes>
     [[gnu::always_inline]] void store_block(T* dst, Index i) const {
         using V = Vec<double, Lanes>;
-        const V y = (load<V>(x + i) - from) * factor, v = y + 0.5, distance = v - ((v + 0x1p52) - 0x1p52);
+        const V y = (load<V>(x + i) - from) * factor, v = y + 0.5;
         store(dst + i, to_type<T>(v));
-        if (any_lane(magnitude(distance) < 0x1p-30 + v * 0x1p-45)) [[unlikely]]
+        const double least = may_be_rough<T> ? 0x1p-16 : 0x1p-30;
+        if (any_beside_whole(v, least + v * 0x1p-45)) [[unlikely]]
             for (Index k = i; k < i + Lanes; ++k) dst[k] = cut_by_rule(k);
     }
 

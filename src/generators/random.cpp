@@ -131,17 +131,34 @@ template <class V>
     return extended(Expanded<V>{product, product_error(draw, splat<V>(unit), product)});
 }
 
-template <class V>
-[[gnu::always_inline]] inline Polar<V> polar(V first, V second) {
+/// To the last place of doubles.
+template <Grade G, class V>
+[[gnu::always_inline]] inline Polar<V> exact_polar(V first, V second) {
     const Expanded<V> a = coordinate(first), b = coordinate(second);
     const Expanded<V> aa = extended_square(a), bb = extended_square(b);
     const V sum = aa.high + bb.high;
     const Expanded<V> s = extended(Expanded<V>{sum, sum_error(aa.high, bb.high, sum) + (aa.low + bb.low)});
-    const V rounded = s.high + s.low, power = logarithm<Grade::for_double>(rounded) * -2.0;
+    const V rounded = s.high + s.low, power = logarithm<G>(rounded) * -2.0;
     const V quotient = power / rounded, back = quotient * rounded;
     const V rest = ((power - back) - product_error(quotient, rounded, back)) / rounded;
     const Expanded<V> factor = root(Expanded<V>{quotient, rest});
     return {a.high + a.low, b.high + b.low, factor.high + factor.low};
+}
+
+/// For samples of type T. Roundings of doubles show in no other samples, unless the logarithm is near to 0.
+template <class T, class V>
+[[gnu::always_inline]] inline Polar<V> polar(V first, V second) {
+    if constexpr (std::is_same_v<T, Kel64f>) {
+        return exact_polar<Grade::for_double>(first, second);
+    } else {
+        constexpr Grade grade = Grade::same_everywhere;
+        const V a = first * unit, b = second * unit, s = a * a + b * b;
+        const V factor = square_root(logarithm<grade>(s) * -2.0 / s);
+        const auto beside_one = s > splat<V>(1 - 0x1p-20);
+        if (any_lane(beside_one)) [[unlikely]]
+            return {a, b, beside_one ? exact_polar<grade>(first, second).factor : factor};
+        return {a, b, factor};
+    }
 }
 
 /// Draws that the rule keeps: 0 < a^2 + b^2 < 1. Only beside 1 do its roundings matter.
@@ -161,7 +178,8 @@ bool is_kept(int32_t first, int32_t second) {
 
 constexpr int block_of_pairs = block_of_draws / 2;
 
-/// Kept pairs, and what becomes of them.
+/// Kept pairs, and what becomes of them for samples of type T.
+template <class T>
 class Pairs {
 public:
     explicit Pairs(DrawGenerator& source) : generator(source) {}
@@ -180,7 +198,7 @@ public:
     }
 
     Polar<Kel64f> operator[](int i) const {
-        return polar(static_cast<Kel64f>(first[i]), static_cast<Kel64f>(second[i]));
+        return polar<T>(static_cast<Kel64f>(first[i]), static_cast<Kel64f>(second[i]));
     }
 
     /// Calls take(i, b's samples, a's samples) for vectors of pairs that cover the first n, and with pairs beyond them.
@@ -189,7 +207,7 @@ public:
         using V = Vec<Kel64f>;
         using Ints = Vec<int32_t, lanes<V>>;
         for (int i = 0; i < n; i += lanes<V>)
-            take(i, polar(convert<Kel64f>(load<Ints>(first + i)), convert<Kel64f>(load<Ints>(second + i))));
+            take(i, polar<T>(convert<Kel64f>(load<Ints>(first + i)), convert<Kel64f>(load<Ints>(second + i))));
     }
 
 private:
@@ -202,29 +220,46 @@ struct Normal {
     Kel64f mean, deviation;
 };
 
-/// deviation w value + mean.
+/// deviation w value + mean, to the last place of doubles.
 template <class V>
-[[gnu::always_inline]] inline V normal(V factor, V value, const Normal& of) {
+[[gnu::always_inline]] inline V exact_normal(V factor, V value, const Normal& of) {
     const V deviation = splat<V>(of.deviation), mean = splat<V>(of.mean);
     const V scaled = factor * deviation, product = scaled * value, sum = product + mean;
     const V error = product_error(scaled, value, product) + product_error(factor, deviation, scaled) * value;
     return sum_of(sum, sum_error(product, mean, sum) + error);
 }
 
+/// For samples of type T: nearly all of them do without the errors, unless they lie beside an integer to be cut at, or
+/// the mean cancels much.
+template <class T, class V>
+[[gnu::always_inline]] inline V normal(V factor, V value, const Normal& of) {
+    if constexpr (std::is_same_v<T, Kel64f>) {
+        return exact_normal(factor, value, of);
+    } else {
+        const V y = factor * of.deviation * value + of.mean;
+        const V distance = std::is_integral_v<T> ? y - nearest_whole(y).real : y;
+        const double least = std::is_integral_v<T> ? 0x1p-30 : std::fabs(of.mean) * 0x1p-20;
+        const auto shows = magnitude(distance) < splat<V>(least);
+        if (any_lane(shows)) [[unlikely]]
+            return shows ? exact_normal(factor, value, of) : y;
+        return y;
+    }
+}
+
 /// Samples of the first n pairs.
 template <class T>
-void fill_pairs(T* dst, int n, const Normal& of, const Pairs& pairs) {
+void fill_pairs(T* dst, int n, const Normal& of, const Pairs<T>& pairs) {
     T samples[2 * block_of_pairs];
     pairs.each_vector(n, [&](int i, const auto& p) KELS_INLINE {
         store(samples + 2 * i,
-              zip(sample<true, T>(normal(p.factor, p.b, of)), sample<true, T>(normal(p.factor, p.a, of))));
+              zip(sample<true, T>(normal<T>(p.factor, p.b, of)), sample<true, T>(normal<T>(p.factor, p.a, of))));
     });
     std::copy_n(samples, 2 * n, dst);
 }
 
 /// Whole pairs of samples.
 template <class T>
-T* fill_normal(T* dst, int pairs, const Normal& of, Pairs& source) {
+T* fill_normal(T* dst, int pairs, const Normal& of, Pairs<T>& source) {
     for (; pairs > 0; pairs -= block_of_pairs) {
         const int count = std::min(pairs, block_of_pairs);
         source.draw(count);
@@ -236,7 +271,7 @@ T* fill_normal(T* dst, int pairs, const Normal& of, Pairs& source) {
 
 template <class T>
 T one_sample(Kel64f factor, Kel64f value, const Normal& of) {
-    return sample<true, T>(normal(factor, value, of));
+    return sample<true, T>(normal<T>(factor, value, of));
 }
 
 // Seeds. A pair is drawn behind the last one that gives two samples, whether it is wanted or not.
@@ -257,7 +292,7 @@ KelStatus direct_normal(T* dst, int len, T mean, T deviation, Kel32u* seed) {
         const DefaultModes modes(true);
         const Normal of = {static_cast<Kel64f>(settled(mean)), static_cast<Kel64f>(settled(deviation))};
         DrawGenerator generator(*seed);
-        Pairs pairs(generator);
+        Pairs<T> pairs(generator);
         T* last = fill_normal(dst, len / 2, of, pairs);
         pairs.draw(1);
         if (len % 2 != 0) *last = one_sample<T>(pairs[0].factor, pairs[0].b, of);
@@ -352,7 +387,7 @@ KelStatus normal_noise(T* dst, int len, RandGaussState* base) {
             *next++ = one_sample<T>(state.factor, state.saved, of);
             --wanted;
         }
-        Pairs pairs(state.generator);
+        Pairs<T> pairs(state.generator);
         next = fill_normal(next, wanted / 2, of, pairs);
         state.needs_pair = wanted % 2 == 0;
         if (state.needs_pair) return;

@@ -186,16 +186,20 @@ void rotate(T* dst, int len, int count, const Chains<Blocks>& chains, const Rota
     constexpr int together = 8;
     const Turn<T, Blocks> turn(by);
     auto pq = load<typename Turn<T, Blocks>::Pairs>(chains.pq);
-    const int longest = std::min(len, block);
-    for (int j = 2; j < longest; j += together) {
+    const auto next = [&](auto take) KELS_INLINE {
         const auto a = turn(pq), b = turn(pq), c = turn(pq), d = turn(pq);
         const auto words = zip(zip(a, c), zip(b, d));
-        unrolled<Blocks>([&](auto i) KELS_INLINE {
-            if (i < count)
-                store_first(dst + i * block + j, bits_as<Vec<Part<T>, together * parts<T>>>(slice<4, i>(words)),
-                            std::min(len - i * block, block) - j);
+        unrolled<Blocks>([&](auto i)
+                             KELS_INLINE { take(i, bits_as<Vec<Part<T>, together * parts<T>>>(slice<4, i>(words))); });
+    };
+    int j = 2;
+    if (len == Chains<Blocks>::samples) // so many stores are not each asked for their lengths
+        for (; j <= block - together; j += together)
+            next([&](auto i, auto samples) KELS_INLINE { store(dst + i * block + j, samples); });
+    for (const int longest = std::min(len, block); j < longest; j += together)
+        next([&](auto i, auto samples) KELS_INLINE {
+            if (i < count) store_first(dst + i * block + j, samples, std::min(len - i * block, block) - j);
         });
-    }
 }
 
 /// As long as rotations lose no more than the roundings of the angles, blocks begin a turn after another.
@@ -252,9 +256,11 @@ KelStatus tone(T* dst, int len, M magn, P frequency, P* phase, int hint = 0) {
 struct Triangle {
     TwoDoubles turn, falling_middle, rising_middle;
     double falling, rising, magn, frequency;
+    bool never_falls;
 
     Triangle(double magnitude, double f, long double asymmetry) : magn(magnitude), frequency(f) {
         const long double h1 = pi + asymmetry, h2 = pi - asymmetry;
+        never_falls = h1 == 0;
         turn = two_doubles(h1 / two_pi);
         falling_middle = two_doubles(h1 / two_pi * 0.5L);
         rising_middle = two_doubles((h1 / two_pi + 1) * 0.5L);
@@ -270,33 +276,58 @@ struct Triangle {
         const V wrap = sum < 0 ? splat<V>(1) : sum >= 1 ? splat<V>(-1) : V{};
         const V u = sum + wrap;
         const V tail = sum_error(part, start, sum) + sum_error(sum, wrap, u) + (error + phase.low);
-        const auto falls = (u - turn.high) + (tail - turn.low) < 0;
+        const V behind_turn = (u - turn.high) + (tail - turn.low);
+        const auto falls = behind_turn < 0;
         const V middle = falls ? splat<V>(falling_middle.high) : splat<V>(rising_middle.high);
         const V rest = falls ? splat<V>(falling_middle.low) : splat<V>(rising_middle.low);
         const V slope = falls ? splat<V>(falling) : splat<V>(rising);
         const V y = ((u - middle) + (tail - rest)) * slope;
-        const V above = y < -1 ? splat<V>(-1) : y;
-        return (above > 1 ? splat<V>(1) : above) * magn;
+        const V above = y < -1 ? splat<V>(-1) : y, limited = above > 1 ? splat<V>(1) : above;
+        if (!never_falls) return limited * magn;
+        const auto hits_top = (behind_turn == 0) & (n > 0); // it is the step beyond that jumps to the bottom
+        return (hits_top ? splat<V>(1) : limited) * magn;
     }
 };
 
-/// The same for slopes that do not enlarge the last place of u: the wave is the upper one of its two lines.
+/// x periods without the whole ones, in units of 2^-64: sums of them wrap by themselves.
+std::uint64_t fraction_of_period(long double x) { return static_cast<std::uint64_t>(x * 0x1p64L); }
+
+/// Phases of samples side by side, each less than a period.
+template <class V>
+struct Phases {
+    using Fractions = Vec<std::uint64_t, lanes<V>>;
+    Fractions now, step;
+
+    Phases(std::uint64_t first, std::uint64_t frequency) : step(splat<Fractions>(frequency * lanes<V>)) {
+        std::uint64_t lane[lanes<V>];
+        for (int i = 0; i < lanes<V>; ++i) lane[i] = first + static_cast<std::uint64_t>(i) * frequency;
+        now = load<Fractions>(lane);
+    }
+
+    /// From 1 to 2, and on to the next samples.
+    [[gnu::always_inline]] V next() {
+        const Fractions fraction = (now >> splat<Fractions>(12)) | splat<Fractions>(0x3FF0000000000000);
+        now += step;
+        return bits_as<V>(fraction);
+    }
+};
+
+/// The same for slopes that do not enlarge the last place of u: the wave is the upper one of its two lines, which meet
+/// at the turn.
 struct FlatTriangle {
-    double falling_middle, rising_middle, falling, rising, magn, frequency;
+    double turn, falling, rising, magn;
+    std::uint64_t frequency;
 
     explicit FlatTriangle(const Triangle& wave)
-        : falling_middle(wave.falling_middle.high), rising_middle(wave.rising_middle.high),
-          falling(wave.falling * wave.magn), rising(wave.rising * wave.magn), magn(wave.magn),
-          frequency(wave.frequency) {}
+        : turn(1 + wave.turn.high), falling(wave.falling * wave.magn), rising(wave.rising * wave.magn), magn(wave.magn),
+          frequency(fraction_of_period(wave.frequency)) {}
 
     static bool serves(const Triangle& wave) { return wave.falling >= -256 && wave.rising <= 256; }
 
     template <class V>
-    [[gnu::always_inline]] V at(V n, TwoDoubles phase) const {
-        const V product = n * frequency, sum = (product - nearest_whole(product).real) + phase.high;
-        const V u = sum < 0 ? sum + 1 : sum >= 1 ? sum - 1 : sum;
-        const V down = (u - falling_middle) * falling, up = (u - rising_middle) * rising;
-        return down > up ? down : up;
+    [[gnu::always_inline]] V at(Phases<V>& phases) const {
+        const V behind_turn = phases.next() - turn, down = behind_turn * falling, up = behind_turn * rising;
+        return (down > up ? down : up) - magn;
     }
 };
 
@@ -306,18 +337,36 @@ long double companion_phase(long double phase, long double asymmetry) {
     return moved < two_pi ? moved : moved - two_pi;
 }
 
-template <class T, class Wave>
-void fill_triangle(T* dst, int len, const Wave& wave, TwoDoubles re_phase, TwoDoubles im_phase) {
+/// Samples from re(n) and im(n), for lanes of n asked for in order.
+template <class T, class Re, class Im>
+[[gnu::always_inline]] inline void fill_waves(T* dst, int len, double magn, const Re& re, const Im& im) {
     using V = Vec<double>;
     using R = Part<T>;
     for (Index n = 0; n < len; n += lanes<V>) {
         const V at = counted<V>(static_cast<double>(n));
-        const auto re = cut<R>(wave.at(at, re_phase), wave.magn);
+        const auto samples = cut<R>(re(at), magn);
         if constexpr (parts<T> == 2)
-            store_first(dst + n, zip(re, cut<R>(wave.at(at, im_phase), wave.magn)), len - n);
+            store_first(dst + n, zip(samples, cut<R>(im(at), magn)), len - n);
         else
-            store_first(dst + n, re, len - n);
+            store_first(dst + n, samples, len - n);
     }
+}
+
+template <class T>
+void fill_triangle(T* dst, int len, const Triangle& wave, long double re_phase, long double im_phase) {
+    const TwoDoubles re = two_doubles(re_phase), im = two_doubles(im_phase);
+    fill_waves(
+        dst, len, wave.magn, [&](auto n) KELS_INLINE { return wave.at(n, re); },
+        [&](auto n) KELS_INLINE { return wave.at(n, im); });
+}
+
+template <class T>
+void fill_triangle(T* dst, int len, const FlatTriangle& wave, long double re_phase, long double im_phase) {
+    Phases<Vec<double>> re(fraction_of_period(re_phase), wave.frequency);
+    Phases<Vec<double>> im(fraction_of_period(im_phase), wave.frequency);
+    fill_waves(
+        dst, len, wave.magn, [&](auto) KELS_INLINE { return wave.at(re); },
+        [&](auto) KELS_INLINE { return wave.at(im); });
 }
 
 template <class T, class M, class P>
@@ -333,10 +382,8 @@ KelStatus triangle(T* dst, int len, M magn, P frequency, P asymmetry, P* phase) 
         const long double asym = settled(asymmetry);
         *phase = next_phase(start, f, len);
         const Triangle wave(settled(magn), f, asym);
-        const TwoDoubles re = two_doubles(start / static_cast<long double>(two_pi));
-        const TwoDoubles im = two_doubles(companion_phase(start, asym) / two_pi);
-        // Indices times singles are exact as far as 2^29.
-        if (std::is_same_v<P, Kel32f> && len < 1 << 29 && FlatTriangle::serves(wave))
+        const long double re = start / static_cast<long double>(two_pi), im = companion_phase(start, asym) / two_pi;
+        if (std::is_same_v<P, Kel32f> && FlatTriangle::serves(wave))
             fill_triangle(dst, len, FlatTriangle(wave), re, im);
         else
             fill_triangle(dst, len, wave, re, im);

@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 
@@ -97,29 +98,95 @@ template <class T, class W>
         return w;
 }
 
-template <class T, class V>
-[[gnu::always_inline]] inline V reverse_samples(V x) {
-    if constexpr (parts<T> == 2)
-        return shuffle<[](int i) { return (lanes<V> - 2 - i / 2 * 2) + i % 2; }>(x, x);
-    else
-        return reverse(x);
-}
-
 /// Weights samples n, n + 1 ... from either end.
 template <int Count, class T, class Rule>
 [[gnu::always_inline]] inline void weigh_pairs(const T* src, T* dst, int len, Index n, const double* weights,
                                                Rule& rule) {
     using V = Vec<Part<T>, Count * parts<T>>;
     const Index mirror = len - Count - n;
-    const auto w = spread<T>(load<Vec<double, Count>>(weights));
-    const auto left = weighted<Part<T>>(load<V>(src + n), w);
-    const auto right = weighted<Part<T>>(reverse_samples<T>(load<V>(src + mirror)), w);
+    const auto w = load<Vec<double, Count>>(weights);
+    const auto left = weighted<Part<T>>(load<V>(src + n), spread<T>(w));
+    const auto right = weighted<Part<T>>(load<V>(src + mirror), spread<T>(reverse(w)));
     if (left.doubtful || right.doubtful) [[unlikely]] {
         for (int i = 0; i < Count; ++i) weigh_pair(src, dst, len, n + i, rule(n + i));
     } else {
         store(dst + n, left.samples);
-        store(dst + mirror, reverse_samples<T>(right.samples));
+        store(dst + mirror, right.samples);
     }
+}
+
+// 16-bit samples times weights of 32 bits, in 16-bit lanes
+
+/// Weights from 0 to less than 1 in units of 2^-32, by halves.
+struct Fractions {
+    alignas(64) std::uint16_t high[stretch], low[stretch];
+
+    /// Takes n weights, or says that one of them is out of range; those behind them are zeros.
+    bool take(const double* weights, int n) {
+        using V = Vec<double>;
+        const V shifter = splat<V>(0x1p20); // its last place is 2^-32
+        V least{}, most{};
+        for (int j = 0; j < n; j += lanes<V>) {
+            const V w = load<V>(weights + j), shifted = w + shifter;
+            const auto bits = bits_as<Bits<V>>(shifted);
+            store(high + j, convert<std::uint16_t>(bits >> splat<Bits<V>>(16)));
+            store(low + j, convert<std::uint16_t>(bits));
+            least = w < least ? w : least;
+            most = most < shifted ? shifted : most;
+        }
+        return !any_lane(least < 0) && !any_lane(most >= shifter + 1);
+    }
+};
+
+/// The upper halves of products.
+template <class U>
+[[gnu::always_inline]] inline U high_product(U a, U b) {
+    using Products = Vec<std::uint32_t, lanes<U>>;
+    return convert<std::uint16_t>((convert<std::uint32_t>(a) * convert<std::uint32_t>(b)) >> splat<Products>(16));
+}
+
+/// Samples times weights, and in which lanes they are not rounded for sure.
+template <class V, class U>
+struct RoundedProduct {
+    V samples;
+    U doubt; ///< 0 or 1, where it is so
+};
+
+/// The product's size is high_product(|x|, high) and a fraction of 16 bits, in whose last place all that is left out
+/// comes to more than -1/2 and less than 3/2. The half by which it is rounded goes into the fraction first.
+template <class V, class U>
+[[gnu::always_inline]] inline RoundedProduct<V, U> rounded_product(V x, U high, U low) {
+    const U size = bits_as<U>(x < 0 ? -x : x);
+    const U upper = size * high, rest = high_product(size, low) | splat<U>(0x8000);
+    const U fraction = upper + rest, carry = (upper | ~fraction) >> splat<U>(15);
+    const V rounded = bits_as<V>(high_product(size, high) + carry);
+    return {x < 0 ? -rounded : rounded, fraction + 1};
+}
+
+/// The same as weigh_pairs does. Doubts are left to that one.
+template <int Count, class T, class Rule>
+[[gnu::always_inline]] inline void weigh_shorts(const T* src, T* dst, int len, Index n, const Fractions& fractions,
+                                                int j, const double* weights, Rule& rule) {
+    using V = Vec<Kel16s, Count * parts<T>>;
+    using U = Vec<std::uint16_t, Count>;
+    const Index mirror = len - Count - n;
+    const U high = load<U>(fractions.high + j), low = load<U>(fractions.low + j);
+    const auto left = rounded_product(load<V>(src + n), spread<T>(high), spread<T>(low));
+    const auto right = rounded_product(load<V>(src + mirror), spread<T>(reverse(high)), spread<T>(reverse(low)));
+    if (any_lane((left.doubt < 2) | (right.doubt < 2))) [[unlikely]] {
+        weigh_pairs<Count>(src, dst, len, n, weights + j, rule);
+    } else {
+        store(dst + n, left.samples);
+        store(dst + mirror, right.samples);
+    }
+}
+
+/// Calls weigh(width, j) for blocks of pairs from j on, as long as whole ones come before `count`, and gives the rest's
+/// beginning.
+template <int Count, class Weigh>
+[[gnu::always_inline]] inline int in_blocks(int j, int count, const Weigh& weigh) {
+    for (; j <= count - Count; j += Count) weigh(Width<Count>{}, j);
+    return j;
 }
 
 /// Pairs from `from` on; fill(weights, n, count) gives their weights, by whole vectors. rule(n) is the weight in
@@ -133,8 +200,21 @@ void weigh_from(const T* src, T* dst, int len, Index from, Fill fill, Rule rule)
         const int count = static_cast<int>(std::min<Index>(pairs - n, stretch));
         fill(weights, n, count);
         int j = 0;
-        for (; j <= count - together; j += together) weigh_pairs<together>(src, dst, len, n + j, weights + j, rule);
-        for (; j < count; ++j) weigh_pairs<1>(src, dst, len, n + j, weights + j, rule);
+        if constexpr (std::is_integral_v<Part<T>>) {
+            std::fill(weights + count, weights + stretch, 0.0);
+            Fractions fractions;
+            if (fractions.take(weights, count)) {
+                const auto weigh = [&](auto width, int at) KELS_INLINE {
+                    weigh_shorts<width>(src, dst, len, n + at, fractions, at, weights, rule);
+                };
+                j = in_blocks<max_lanes<Kel16s> / parts<T>>(j, count, weigh);
+                j = in_blocks<8 / parts<T>>(j, count, weigh);
+            }
+        }
+        const auto weigh = [&](auto width, int at)
+                               KELS_INLINE { weigh_pairs<width>(src, dst, len, n + at, weights + at, rule); };
+        j = in_blocks<together>(j, count, weigh);
+        in_blocks<1>(j, count, weigh);
     }
     if (len % 2 != 0) dst[pairs] = src[pairs];
 }
@@ -175,7 +255,7 @@ KelStatus bartlett(const T* src, T* dst, int len) {
             for (; at < n; ++at) sum += step;
             return sum;
         };
-        weigh_from(src, dst, len, 1, filled_by([=](auto n) KELS_INLINE { return n * rounded; }), sum);
+        weigh_from(src, dst, len, 0, filled_by([=](auto n) KELS_INLINE { return n * rounded; }), sum);
         end_with_zeros(dst, len);
     });
 }
@@ -249,14 +329,19 @@ struct Rotation {
 
 template <class T, class Shape>
 void weigh_by_rotation(const T* src, T* dst, int len, const Shape& shape) {
-    const Index pairs = len / 2, first = shape.only_by_rule ? pairs : std::min<Index>(pairs, 2 + len / 1024);
+    constexpr Index aligned = 32; // blocks begin where vectors of an aligned array do, and at every level the same
+    const Index pairs = len / 2, by_rule = shape.only_by_rule ? pairs : std::min<Index>(pairs, 2 + len / 1024);
+    const Index first = shape.only_by_rule ? pairs : by_rule / aligned * aligned;
     Rotation rotation(len - 1, Shape::holds_sine_in_double);
     const auto rule = [&](Index n) { return shape.by_cosine(rotation.cosine_at(n)); };
     for (Index n = 0; n < first; ++n) weigh_pair(src, dst, len, n, rule(n));
+    Rotation early = rotation, ahead = rotation;
+    double first_weights[aligned];
+    for (Index n = first; n < by_rule; ++n)
+        first_weights[n - first] = static_cast<double>(shape.by_cosine(early.cosine_at(n)));
     using Sines = Stretches<Grade::same_everywhere>;
     const long double half_angle = std::atan2(rotation.s, rotation.c) / 2;
     Sines sines(half_angle, 0, static_cast<double>(first), pairs - first);
-    Rotation ahead = rotation;
     const auto fill = [&](double* weights, Index n, int count) {
         sines.go_to((n - first) / Sines::length);
         for (int j = 0; j < count; j += max_lanes<double>) {
@@ -267,6 +352,7 @@ void weigh_by_rotation(const T* src, T* dst, int len, const Shape& shape) {
                     for (int i = 0; i < max_lanes<double>; ++i)
                         weights[j + i] = static_cast<double>(shape.by_cosine(ahead.cosine_at(n + j + i)));
         }
+        if (n == first) std::copy_n(first_weights, by_rule - first, weights);
     };
     weigh_from(src, dst, len, first, fill, rule);
 }

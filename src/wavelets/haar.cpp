@@ -265,11 +265,15 @@ private:
     }
 };
 
-/// The same, if all results are finite.
+/// The same, if nothing overflows on the way.
 struct FiniteHalves {
     template <class V>
     [[gnu::always_inline]] V sum(V x0, V x1) const {
-        return ((x0 + x1) + V{}) * splat_of<V>(0.5);
+        const V sum = x0 + x1, half = splat_of<V>(0.5);
+        if constexpr (fuses<V>)
+            return fma(sum, half, V{});
+        else
+            return (sum + V{}) * half; // what rounds to a negative zero stays one
     }
     template <class V>
     [[gnu::always_inline]] V difference(V x0, V x1) const {
@@ -314,6 +318,22 @@ void split(const T* src, T* low, T* high, Index pairs, const Rule& rule) {
         });
 }
 
+/// Lanes of both by turns, stored. Registers of two halves that shuffles do not cross are stored so that they need not.
+template <class V>
+[[gnu::always_inline]] inline void store_zipped(Element<V>* p, V a, V b) {
+    if constexpr (sizeof(V) == 32 && vector_bytes == 32) {
+        constexpr int n = lanes<V> / 2;
+        const V first = shuffle<[](int i) { return i / n * n + i % n / 2 + i % 2 * lanes<V>; }>(a, b);
+        const V second = shuffle<[](int i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * lanes<V>; }>(a, b);
+        store(p, half<0>(first));
+        store(p + n, half<0>(second));
+        store(p + 2 * n, half<1>(first));
+        store(p + 3 * n, half<1>(second));
+    } else {
+        store(p, zip(a, b));
+    }
+}
+
 template <class T, class Rule>
 void merge(const T* low, const T* high, T* dst, Index pairs, const Rule& rule) {
     each_block<Word<T>>(
@@ -322,32 +342,34 @@ void merge(const T* low, const T* high, T* dst, Index pairs, const Rule& rule) {
             using V = Vec<T, width>;
             return apply(rule, load<V>(high + i), load<V>(low + i));
         },
-        [=](auto, Index i, auto bands) KELS_INLINE { store(dst + 2 * i, zip(bands.difference, bands.sum)); });
+        [=](auto, Index i, auto bands) KELS_INLINE { store_zipped(dst + 2 * i, bands.difference, bands.sum); });
 }
 
-/// Splits as if no sum overflowed, and says whether that is so: then all that comes out is finite.
+/// Splits as if no sum overflowed, and says whether that is so. The products of both bands are added up: whatever is
+/// not finite stays in their sum, and so may samples that are so large that their squares are not.
 template <class T>
 bool split_finite(const T* src, T* low, T* high, Index pairs) {
     bool finite = true;
     in_widest<Word<T>, 1, 4>(pairs, [&](auto width) KELS_INLINE {
         using V = Vec<T, width>;
-        V zeros[4] = {}; // NaNs, once anything is not finite
-        const auto split_block = [&](Index i, V& of_sum, V& of_difference) KELS_INLINE {
-            const auto x = load_even_and_odd<V>(src + 2 * i);
+        V products[2] = {splat<V>(1), splat<V>(1)}; // not 0: sums below the least normal number take long
+        const auto split_block = [&](Index i, V& sum) KELS_INLINE {
+            auto x = load_even_and_odd<V>(src + 2 * i);
+            if constexpr (sizeof(V) >= 16) x.even = opaque(x.even); // no horizontal sums, which are slow
             const auto bands = apply(FiniteHalves{}, x.even, x.odd);
             store(low + i, bands.sum);
             store(high + i, bands.difference);
-            of_sum = fma(bands.sum, V{}, of_sum);
-            of_difference = fma(bands.difference, V{}, of_difference);
+            sum = fma(bands.sum, bands.difference, sum);
         };
         Index i = 0;
         for (; i < pairs - 2 * width; i += 2 * width) {
-            split_block(i, zeros[0], zeros[1]);
-            split_block(i + width, zeros[2], zeros[3]);
+            split_block(i, products[0]);
+            split_block(i + width, products[1]);
         }
-        if (i < pairs - width) split_block(i, zeros[0], zeros[1]);
-        split_block(pairs - width, zeros[2], zeros[3]);
-        finite = sum_of_lanes((zeros[0] + zeros[1]) + (zeros[2] + zeros[3])) == 0;
+        if (i < pairs - width) split_block(i, products[0]);
+        split_block(pairs - width, products[1]);
+        const T sum = sum_of_lanes(products[0] + products[1]);
+        finite = sum - sum == 0;
     });
     return finite;
 }

@@ -55,7 +55,8 @@ constexpr auto chirp = whole([]<class T>(T* dst, int len, T magn) {
     if (len == 1) dst[0] = 0;
 });
 
-constexpr auto stretched = whole([]<class T>(T* dst, int len, T magn) {
+template <class T>
+void stretch(T* dst, int len, T magn) {
     const Real c = static_cast<double>(static_cast<Real>(half_pi) / len);
     std::vector<double> x(len);
     for (int n = 0; n < len; ++n) x[n] = static_cast<double>(std::sin(c * n * n) * static_cast<Real>(magn));
@@ -65,7 +66,8 @@ constexpr auto stretched = whole([]<class T>(T* dst, int len, T magn) {
     for (int n = 0; n < len; ++n)
         dst[n] = static_cast<T>(static_cast<std::int64_t>((static_cast<Real>(x[n]) - *low) * factor + 0.5L));
     if (len == 1) dst[0] = 0;
-});
+}
+constexpr auto stretched = whole([](auto* dst, int len, auto magn) { stretch(dst, len, magn); });
 
 Row line_row(const Row& r) {
     return r.values(0, {0, -0.4, 254.5, -0.5, 40000, -3e9, 0.5, NAN, HUGE_VAL, -HUGE_VAL, 4.2e9, 0.49999997})
@@ -119,6 +121,25 @@ TEST(Ramps, LiteralValues) {
     EXPECT_EQ(first(kelsVectorRamp_64f, 0.1F, real), static_cast<Kel64f>(0.1F));
 }
 
+// A line starts at a negative zero when neither of its parts is a positive one.
+TEST(Ramps, NegativeZeros) {
+    const auto expect = [](auto function, auto sample) {
+        decltype(sample) d[20];
+        ASSERT_EQ(function(d, 20, -0.0F, -1.0F), kelStatusOk);
+        EXPECT_TRUE(std::signbit(d[0]));
+        ASSERT_EQ(function(d, 20, -0.0F, 1.0F), kelStatusOk);
+        EXPECT_FALSE(std::signbit(d[0]));
+        ASSERT_EQ(function(d, 20, 0.0F, -1.0F), kelStatusOk);
+        EXPECT_FALSE(std::signbit(d[0]));
+        ASSERT_EQ(function(d, 20, -0.0F, -0.0F), kelStatusOk);
+        EXPECT_TRUE(d[19] == 0 && std::signbit(d[19]));
+        ASSERT_EQ(function(d, 20, 3.0F, -1.0F), kelStatusOk);
+        EXPECT_TRUE(d[3] == 0 && !std::signbit(d[3]));
+    };
+    expect(kelsVectorRamp_32f, Kel32f{});
+    expect(kelsVectorRamp_64f, Kel64f{});
+}
+
 TEST(Chirps, LiteralValues) {
     Kel16s word = 7;
     EXPECT_EQ(kelsVectorJaehne_16s(&word, 1, -1), kelStatusNegMagnitude);
@@ -159,13 +180,38 @@ TEST(Chirps, OutOfMemory) {
 // Angles beyond those that are reduced by a few doubles.
 TEST(Chirps, LongOnes) {
     constexpr int len = 2000000;
-    std::vector<Kel64f> x(len);
-    ASSERT_EQ(kelsVectorJaehne_64f(x.data(), len, 1), kelStatusOk);
     const Real c = static_cast<Real>(half_pi) / len;
-    for (int n = 0; n < len; n += 997) {
-        const Real want = std::sin(c * n * n);
-        ASSERT_LE(std::fabs(x[n] - want), std::fabs(want) * 0x1p-52L) << n;
-    }
+    const auto expect = [=]<class T>(auto function, T magn) {
+        std::vector<T> x(len);
+        ASSERT_EQ(function(x.data(), len, magn), kelStatusOk);
+        int others = 0;
+        for (int n = 0; n < len; n += 97) {
+            const Real want = std::sin(c * n * n) * static_cast<Real>(magn);
+            if constexpr (std::is_integral_v<T>) {
+                ASSERT_EQ(x[n], of_wave<T>(want)) << n;
+            } else {
+                ASSERT_LE(std::fabs(x[n] - want), std::fabs(want) * std::numeric_limits<T>::epsilon()) << n;
+                others += x[n] != static_cast<T>(want);
+            }
+        }
+        if constexpr (sizeof(T) == 4) {
+            EXPECT_LE(others, len / 97 / 1000);
+        }
+    };
+    expect(kelsVectorJaehne_64f, Kel64f{1});
+    expect(kelsVectorJaehne_32f, Kel32f{1});
+    expect(kelsVectorJaehne_16s, Kel16s{32767});
+    expect(kelsVectorJaehne_8s, Kel8s{127});
+    expect(kelsVectorJaehne_32s, Kel32s{2147483647});
+}
+
+TEST(Chirps, LongStretchedOnes) {
+    constexpr int len = 1200000;
+    std::vector<Kel16u> x(len);
+    ASSERT_EQ(kelsVectorJaehne_16u(x.data(), len, 65535), kelStatusOk);
+    std::vector<Kel16u> want(len);
+    stretch(want.data(), len, Kel16u{65535});
+    ASSERT_EQ(x, want);
 }
 
 } // namespace

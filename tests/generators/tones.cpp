@@ -310,6 +310,57 @@ TEST(Triangles, Sawtooths) {
     }
 }
 
+// The top belongs to the wave, as long as it is hit: it is the step beyond that jumps. Only a start is at the bottom.
+TEST(Triangles, SawtoothHitsItsTop) {
+    std::vector<Kel64f> dst(100);
+    Kel64f phase = 0;
+    ASSERT_EQ(kelsTriangle_Direct_64f(dst.data(), 100, 3, 0.125, -pi, &phase), kelStatusOk);
+    const auto want = triangle_model<Kel64f>(100, 3, 0.125, -pi, 0);
+    EXPECT_EQ(want[8], 3);
+    for (int n = 0; n < 100; ++n) EXPECT_EQ(dst[n], want[n]) << n;
+}
+
+// Values that are whole are not cut to the ones below.
+TEST(Triangles, WholeValues) {
+    constexpr int period = 32, top = 30000, len = 100 * period;
+    std::vector<Kel16s> re(len);
+    std::vector<Kel16sc> both(len);
+    Kel32f phases[] = {0, 0};
+    ASSERT_EQ(kelsTriangle_Direct_16s(re.data(), len, top, 1.0F / period, 0, phases), kelStatusOk);
+    ASSERT_EQ(kelsTriangle_Direct_16sc(both.data(), len, top, 1.0F / period, 0, phases + 1), kelStatusOk);
+    const auto value = [](int n) { return std::abs(n % period * (4 * top / period) - 2 * top) - top; };
+    for (int n = 0; n < len; ++n) {
+        ASSERT_EQ(re[n], value(n)) << n;
+        ASSERT_EQ(both[n].re, value(n)) << n;
+        ASSERT_EQ(both[n].im, value(n + period * 3 / 4)) << n;
+    }
+}
+
+/// Samples from a fraction of the period that is exact as far as extended numbers reach.
+Real triangle_at(int n, Real magn, Real frequency, Real asym, Real phase) {
+    const Real h1 = pi + asym, h2 = pi - asym, periods = frequency * n + phase / two_pi;
+    const Real angle = (periods - std::floor(periods)) * two_pi;
+    return angle < h1 ? magn * (1 - 2 * angle / h1) : magn * (2 * (angle - h1) / h2 - 1);
+}
+
+// 10^6 samples without drift, slow ones too, whose frequency is less than any last place of a phase.
+TEST(Triangles, LongOnes) {
+    constexpr int len = 1000003;
+    std::vector<Kel32f> dst(len);
+    for (const Kel32f frequency : {0.123456789F, 0.4999F, 3e-7F, 7e-13F, 1e-30F})
+        for (const Kel32f asym : {0.0F, 1.0F, -3.1F, 3.13F}) {
+            Kel32f phase = 0.7F;
+            ASSERT_EQ(kelsTriangle_Direct_32f(dst.data(), len, 2, frequency, asym, &phase), kelStatusOk);
+            int others = 0;
+            for (int n = 0; n < len; n += 7) {
+                const Real want = triangle_at(n, 2, frequency, asym, 0.7F);
+                ASSERT_LE(std::fabs(dst[n] - want), 0x1p-22L) << n << ", " << frequency << ", " << asym;
+                others += dst[n] != static_cast<Kel32f>(want);
+            }
+            EXPECT_LE(others, len / 7 / 1000) << frequency << ", " << asym;
+        }
+}
+
 // Streams
 
 TEST(Tones, StreamsContinue) {

@@ -260,6 +260,29 @@ TEST(Windows, LongOnes) {
         -0.16F);
 }
 
+// All integers at either end, in windows long enough that some products lie beside halves.
+TEST(Windows, LongOnesOfIntegers) {
+    constexpr int len = 3 * 65536 + 1;
+    std::vector<Kel16s> x(len), got(len), want(len);
+    for (int n = 0; n < len; ++n) x[n] = static_cast<Kel16s>(n * 25173);
+    const auto expect = [&](auto function, const auto& reference, auto... alpha) {
+        ASSERT_EQ(function(x.data(), got.data(), len, alpha...), kelStatusOk);
+        reference(x.data(), want.data(), len, alpha...);
+        ASSERT_EQ(got, want);
+    };
+    expect(kelsWinHann_16s,
+           [](auto* a, auto* d, int n) { rotated(a, d, n, true, false, [](Real c) { return 0.5L * (1 - c); }); });
+    expect(kelsWinBartlett_16s, [](auto* a, auto* d, int n) {
+        Real sum = 0;
+        walk(a, d, n, 1, [&](int) { return sum += 2 / static_cast<Real>(n - 1); });
+        d[0] = d[n - 1] = 0;
+    });
+    for (const Kel32f alpha : {-0.16F, -0.3F, 0.4F})
+        expect(
+            kelsWinBlackman_16s, [](auto* a, auto* d, int n, Kel32f b) { rotated(a, d, n, true, true, Blackman(b)); },
+            alpha);
+}
+
 TEST(Windows, BlackmanOfAnInfinity) {
     std::vector<Kel32f> ones(40, 1.0F), got(40), want(40);
     for (const Kel32f alpha : {HUGE_VALF, -HUGE_VALF, not_a_number}) {

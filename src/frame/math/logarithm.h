@@ -31,7 +31,8 @@ template <Grade G, class V>
                                             0x1.2f02e5b74af15p-3};
         const V half_square = 0.5 * f * f;
         const V high = k * ln2_high, sum = high + f, lost = (high - sum) + f;
-        const V inner = fma(s, fma(z, polynomial<G>(z, beyond_linear), half_square), k * ln2_low);
+        const V near = multiply_add<G>(z, polynomial<G>(z, beyond_linear), half_square);
+        const V inner = multiply_add<G>(s, near, k * ln2_low);
         return sum + (lost - (half_square - inner));
     }
 }
