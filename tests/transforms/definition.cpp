@@ -118,11 +118,12 @@ TYPED_TEST(Definition, OfRealNumbersInEveryLayoutAndBack) {
             in_place.resize(y.size());
             c.run(in_place.data(), in_place.data(), plan.get());
             EXPECT_TRUE(same_bits(in_place, y)) << "in place";
-            if (layout == Layout::ccs)
-                for (const std::size_t at : {std::size_t{1}, n % 2 == 0 ? y.size() - 1 : 1}) {
-                    EXPECT_TRUE(y[at] == 0 && !std::signbit(y[at])) << "the zeros of the real bins are positive";
-                    y[at] = std::numeric_limits<T>::quiet_NaN(); // not read
-                }
+            if (layout == Layout::ccs) {
+                const std::size_t last = n % 2 == 0 ? y.size() - 1 : 1;
+                EXPECT_TRUE(y[1] == 0 && y[last] == 0 && !std::signbit(y[1]) && !std::signbit(y[last]))
+                    << "the zeros of the real bins are positive";
+                y[1] = y[last] = std::numeric_limits<T>::quiet_NaN(); // not read
+            }
             const std::vector<T> returned = back.transformed(y, plan.get());
             Known samples = {{}, {x.begin(), x.end()}};
             for (std::size_t i = 0; i < x.size(); ++i) samples.at.push_back(i);
