@@ -175,7 +175,8 @@ public:
         }
     }
 
-    /// Replaces the parts of the inputs by these integers: two parts in all combinations, others at random.
+    /// Replaces the parts of the inputs by these integers, in all combinations as far as there is room, others at
+    /// random.
     void fill_with(const std::vector<std::int64_t>& integers, Random& random) {
         std::size_t stride = 1;
         for (Slot& s : slots) {
@@ -183,7 +184,7 @@ public:
             const auto size = static_cast<std::size_t>(s.argument.type.part_size());
             for (std::size_t part = 0; part < s.argument.type.parts; ++part, stride *= integers.size())
                 for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i) {
-                    const bool combined = stride <= integers.size();
+                    const bool combined = stride * integers.size() <= static_cast<std::size_t>(length);
                     const std::size_t pick = combined ? i / stride : static_cast<std::size_t>(random.bits() >> 1);
                     std::memcpy(&s.found[(i * s.argument.type.parts + part) * size], &integers[pick % integers.size()],
                                 size);
@@ -515,23 +516,28 @@ std::vector<std::int64_t> telling_integers(Type type, bool few) {
 }
 
 /// Every scale factor, from beyond the one at which all vanishes to beyond the one at which all saturates, on telling
-/// integers, or every pair of them.
+/// integers and pairs of them.
 void takes_every_factor(const Row& row) {
     const auto types = input_types(row);
     const bool few = types.size() > 1 || types[0].parts > 1;
     const auto integers = telling_integers(types[0], few);
     std::vector<int> factors = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
     for (int factor = -70; factor <= 70; factor += emulated ? 9 : 1) factors.push_back(factor);
-    const std::size_t all = few ? integers.size() * integers.size() : integers.size();
+    constexpr int most_pairs = 4096;
+    const int count = few ? most_pairs : static_cast<int>(integers.size());
     Random random(row.name);
     Tally tally;
-    for (const int factor : factors) {
-        Call call = drawn(row, static_cast<int>(std::min<std::size_t>(all, longest)), 0, random);
-        call.fill_with(integers, random);
-        call.set(static_cast<std::size_t>(scale_position(row)), factor);
-        call.expect();
-        ASSERT_TRUE(call.run({}, tally)) << "factor " << factor;
-    }
+    const auto values = value_positions(row);
+    for (const int factor : factors)
+        for (const bool by_one : {false, true}) { // a constant of 1 is telling, too
+            if (by_one && (values.size() == 1 || row.choices[0].count > 0)) continue;
+            Call call = drawn(row, count, 0, random);
+            call.fill_with(integers, random);
+            if (by_one) call.set(values[0], 1);
+            call.set(static_cast<std::size_t>(scale_position(row)), factor);
+            call.expect();
+            ASSERT_TRUE(call.run({}, tally)) << "factor " << factor;
+        }
 }
 
 /// Rows with a scale factor and integers that it scales exactly: what the x87 unit rounds may be off beside a tie.
