@@ -523,7 +523,7 @@ void takes_every_factor(const Row& row) {
     const auto integers = telling_integers(types[0], few);
     std::vector<int> factors = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
     for (int factor = -70; factor <= 70; factor += emulated ? 9 : 1) factors.push_back(factor);
-    constexpr int most_pairs = 4096;
+    constexpr int most_pairs = 1024;
     const int count = few ? most_pairs : static_cast<int>(integers.size());
     Random random(row.name);
     Tally tally;
