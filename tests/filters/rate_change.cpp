@@ -4,6 +4,7 @@
 #include "filters/samples.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -15,9 +16,7 @@
 namespace {
 
 using filter_test::same;
-using kels_test::Edge;
-using kels_test::GuardedArray;
-using kels_test::Random;
+using namespace kels_test;
 
 template <class T, KelStatus (*down_)(const T*, int, T*, int*, int, int*),
           KelStatus (*up_)(const T*, int, T*, int*, int, const int*)>
@@ -40,7 +39,7 @@ TYPED_TEST_SUITE(RateChanges, Families);
 template <class T>
 std::vector<T> any_samples(Random& random, int count) {
     std::vector<T> x(static_cast<std::size_t>(count));
-    kels_test::fill_random(random, kels_test::type_of<T>(), x.data(), x.size());
+    fill_random(random, type_of<T>(), x.data(), x.size());
     return x;
 }
 
@@ -55,7 +54,7 @@ std::vector<T> kept(const std::vector<T>& x, int factor, int phase) {
 TYPED_TEST(RateChanges, KeepAndSpread) {
     using T = typename TypeParam::Sample;
     Random random("rate changes");
-    for (const Edge edge : kels_test::edges)
+    for (const Edge edge : edges)
         for (const int factor : {1, 2, 3, 4, 5, 7, 16, 100, 700})
             for (const int len : {1, 2, 3, 5, 16, 31, 33, 64, 100, 257, 1000}) {
                 if (len * factor > 20000) continue;
@@ -111,11 +110,9 @@ TYPED_TEST(RateChanges, ChecksInOrder) {
         EXPECT_EQ(count, 7);
         EXPECT_EQ(std::memcmp(y, before.data(), sizeof y), 0);
     };
-    expect(kelStatusNullPtr, nullptr, 0, y, &count, 0, &phase);
-    expect(kelStatusNullPtr, x, 0, nullptr, &count, 0, &phase);
-    expect(kelStatusNullPtr, x, 0, y, nullptr, 0, &phase);
-    expect(kelStatusNullPtr, x, 0, y, &count, 0, nullptr);
-    for (const int len : {0, -1, INT_MIN}) expect(kelStatusBadSize, x, len, y, &count, 0, &phase);
+    expect_nulls_refused(TypeParam::down, x, 0, y, &count, 0, &phase);
+    expect_nulls_refused(TypeParam::up, x, 0, y, &count, 0, &phase);
+    for (const int len : bad_lengths) expect(kelStatusBadSize, x, len, y, &count, 0, &phase);
     for (const int factor : {0, -1, INT_MIN}) expect(kelStatusFactorRange, x, 2, y, &count, factor, &phase);
     for (const int bad : {3, 4, INT_MAX, -1, INT_MIN}) {
         phase = bad;
@@ -183,11 +180,11 @@ const auto emphasized_integers = [](const Kel16s* x, Kel16s* y, int len, Kel32f 
     for (int n = 1; n < len; ++n) y[n] = cut(x[n] - static_cast<long double>(val) * x[n - 1]);
 };
 
-const kels_test::Row rows[] = {
-    kels_test::in_place(kelsPreemphasize_32f, kels_test::whole(emphasized)).ulps(1),
-    kels_test::in_place(kelsPreemphasize_16s, kels_test::whole(emphasized_integers)),
+const Rows table = {
+    in_place(whole(emphasized), kelsPreemphasize_32f).ulps(1),
+    in_place(whole(emphasized_integers), kelsPreemphasize_16s),
 };
-const bool registered = kels_test::add_rows("Preemphasis", rows);
+const bool registered = add_rows("Preemphasis", table);
 
 TEST(Preemphasis, LiteralValues) {
     Kel32f x[] = {1, 1, 1};

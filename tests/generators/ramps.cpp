@@ -15,9 +15,7 @@
 
 namespace {
 
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 using Real = long double;
 
 template <class T>
@@ -69,39 +67,32 @@ void stretch(T* dst, int len, T magn) {
 }
 constexpr auto stretched = whole([](auto* dst, int len, auto magn) { stretch(dst, len, magn); });
 
-Row line_row(const Row& r) {
+Rows line_row(const Rows& r) {
     return r.values(0, {0, -0.4, 254.5, -0.5, 40000, -3e9, 0.5, NAN, HUGE_VAL, -HUGE_VAL, 4.2e9, 0.49999997})
         .values(1, {0, 0.5, -0.5, 1, -1, 0.1, -0.037, 1e6, HUGE_VAL, NAN, 0.25, -1e30});
 }
 
 template <class T>
-Row chirp_row(const Row& r) {
+Rows chirp_row(const Rows& r) {
     constexpr double most = std::numeric_limits<T>::max();
     return r.values(0, {0, 1, 2, 100, 101, most, most - 1, std::floor(most / 3)});
 }
-Row wave_row(const Row& r) { return r.ulps(1).values(0, {0, -0.0, 1, 0.1, 1e30, 1e-30, 3, HUGE_VAL, NAN}); }
+Rows wave_row(const Rows& r) { return r.ulps(1).values(0, {0, -0.0, 1, 0.1, 1e30, 1e-30, 3, HUGE_VAL, NAN}); }
 
-const Row rows[] = {
-    line_row(row(kelsVectorRamp_8u, line)),
-    line_row(row(kelsVectorRamp_8s, line)),
-    line_row(row(kelsVectorRamp_16u, line)),
-    line_row(row(kelsVectorRamp_16s, line)),
-    line_row(row(kelsVectorRamp_32u, line)),
-    line_row(row(kelsVectorRamp_32s, line)),
-    line_row(row(kelsVectorRamp_32f, line)).ulps(1),
-    line_row(row(kelsVectorRamp_64f, line)).ulps(1),
-
-    chirp_row<Kel8u>(row(kelsVectorJaehne_8u, stretched)),
-    chirp_row<Kel8s>(row(kelsVectorJaehne_8s, chirp)),
-    chirp_row<Kel16u>(row(kelsVectorJaehne_16u, stretched)),
-    chirp_row<Kel16s>(row(kelsVectorJaehne_16s, chirp)),
-    chirp_row<Kel32u>(row(kelsVectorJaehne_32u, stretched)),
-    chirp_row<Kel32s>(row(kelsVectorJaehne_32s, chirp)),
-    wave_row(row(kelsVectorJaehne_32f, chirp)),
-    wave_row(row(kelsVectorJaehne_64f, chirp)),
+const Rows table = {
+    line_row(rows(line, kelsVectorRamp_8u, kelsVectorRamp_8s, kelsVectorRamp_16u, kelsVectorRamp_16s,
+                  kelsVectorRamp_32u, kelsVectorRamp_32s, kelsVectorRamp_32f, kelsVectorRamp_64f))
+        .ulps(1),
+    chirp_row<Kel8u>(rows(stretched, kelsVectorJaehne_8u)),
+    chirp_row<Kel8s>(rows(chirp, kelsVectorJaehne_8s)),
+    chirp_row<Kel16u>(rows(stretched, kelsVectorJaehne_16u)),
+    chirp_row<Kel16s>(rows(chirp, kelsVectorJaehne_16s)),
+    chirp_row<Kel32u>(rows(stretched, kelsVectorJaehne_32u)),
+    chirp_row<Kel32s>(rows(chirp, kelsVectorJaehne_32s)),
+    wave_row(rows(chirp, kelsVectorJaehne_32f, kelsVectorJaehne_64f)),
 };
 
-const bool registered = kels_test::add_rows("Ramps", rows);
+const bool registered = add_rows("Ramps", table);
 
 TEST(Ramps, LiteralValues) {
     const auto first = [](auto function, Kel32f offset, auto& room) {
@@ -163,14 +154,14 @@ TEST(Chirps, LiteralValues) {
 TEST(Chirps, OutOfMemory) {
     const auto expect = [](auto function, auto magn) {
         std::vector<decltype(magn)> dst(100, 7);
-        kels_test::for_each_allocation_failure([&] {
+        for_each_allocation_failure([&] {
             const KelStatus status = function(dst.data(), 100, magn);
             EXPECT_TRUE(status == kelStatusOk || dst[99] == 7);
             return status;
         });
-        const long before = kels_test::allocations();
+        const long before = allocations();
         EXPECT_EQ(function(dst.data(), 1, magn), kelStatusOk);
-        EXPECT_EQ(kels_test::allocations(), before);
+        EXPECT_EQ(allocations(), before);
     };
     expect(kelsVectorJaehne_8u, Kel8u{200});
     expect(kelsVectorJaehne_16u, Kel16u{200});

@@ -1,9 +1,11 @@
 // Noise, held against the rule drawn one by one in extended precision.
 
 #include "kels/random.h"
-#include "support/allocation_faults.h"
 #include "support/control_state.h"
+#include "support/exact.h"
 #include "support/guarded_array.h"
+#include "support/life_cycle.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -18,12 +20,7 @@
 
 namespace {
 
-using kels_test::ControlState;
-using kels_test::edges;
-using kels_test::for_each_allocation_failure;
-using kels_test::GuardedArray;
-using kels_test::odd_modes;
-using kels_test::under;
+using namespace kels_test;
 using Real = long double;
 
 // The model
@@ -104,8 +101,8 @@ void expect_same(const std::vector<T>& got, const std::vector<T>& want, int ulps
         if (std::memcmp(&got[i], &want[i], sizeof(T)) == 0) continue;
         ++other;
         if constexpr (std::is_floating_point_v<T>) {
-            const T size = std::fabs(want[i]), ulp = std::nextafter(size, HUGE_VALF) - size;
-            ASSERT_LE(std::fabs(static_cast<Real>(got[i]) - want[i]), ulps * ulp + slack) << i << ": " << want[i];
+            ASSERT_LE(std::fabs(static_cast<Real>(got[i]) - want[i]), ulps * ulp(want[i]) + slack)
+                << i << ": " << want[i];
         } else {
             ASSERT_EQ(got[i], want[i]) << i;
         }
@@ -174,18 +171,15 @@ struct Family {
     KelStatus (*fill)(T*, int, State*);
     KelStatus (*release)(State*);
 };
+template <class State, class T>
+Family(KelStatus (*)(State**, T, T, Kel32u), KelStatus (*)(T*, int, State*), KelStatus (*)(State*)) -> Family<State, T>;
 
-constexpr Family<RandUniformState, Kel8u> uniform_8u{kelsRandUniformInitAlloc_8u, kelsRandUniform_8u,
-                                                     kelsRandUniformFree_8u};
-constexpr Family<RandUniformState, Kel16s> uniform_16s{kelsRandUniformInitAlloc_16s, kelsRandUniform_16s,
-                                                       kelsRandUniformFree_16s};
-constexpr Family<RandUniformState, Kel32f> uniform_32f{kelsRandUniformInitAlloc_32f, kelsRandUniform_32f,
-                                                       kelsRandUniformFree_32f};
-constexpr Family<RandGaussState, Kel8u> normal_8u{kelsRandGaussInitAlloc_8u, kelsRandGauss_8u, kelsRandGaussFree_8u};
-constexpr Family<RandGaussState, Kel16s> normal_16s{kelsRandGaussInitAlloc_16s, kelsRandGauss_16s,
-                                                    kelsRandGaussFree_16s};
-constexpr Family<RandGaussState, Kel32f> normal_32f{kelsRandGaussInitAlloc_32f, kelsRandGauss_32f,
-                                                    kelsRandGaussFree_32f};
+constexpr Family uniform_8u{kelsRandUniformInitAlloc_8u, kelsRandUniform_8u, kelsRandUniformFree_8u};
+constexpr Family uniform_16s{kelsRandUniformInitAlloc_16s, kelsRandUniform_16s, kelsRandUniformFree_16s};
+constexpr Family uniform_32f{kelsRandUniformInitAlloc_32f, kelsRandUniform_32f, kelsRandUniformFree_32f};
+constexpr Family normal_8u{kelsRandGaussInitAlloc_8u, kelsRandGauss_8u, kelsRandGaussFree_8u};
+constexpr Family normal_16s{kelsRandGaussInitAlloc_16s, kelsRandGauss_16s, kelsRandGaussFree_16s};
+constexpr Family normal_32f{kelsRandGaussInitAlloc_32f, kelsRandGauss_32f, kelsRandGaussFree_32f};
 
 template <class State, class T>
 void expect_streams(const Family<State, T>& family, T first, T second) {
@@ -201,11 +195,9 @@ void expect_streams(const Family<State, T>& family, T first, T second) {
         for (const int piece : {total, 1, 2, 7, 300, 513}) {
             std::vector<T> got(total);
             under(odd_modes[piece % 3], [&] {
-                State* state = nullptr;
-                family.create(&state, first, second, seed);
+                const auto state = made(family.create, family.release, first, second, seed);
                 for (int at = 0; at < total; at += piece)
-                    family.fill(&got[static_cast<std::size_t>(at)], std::min(piece, total - at), state);
-                family.release(state);
+                    family.fill(&got[static_cast<std::size_t>(at)], std::min(piece, total - at), state.get());
             });
             expect_same(got, want);
             if (cut_otherwise.empty()) cut_otherwise = got;
@@ -225,38 +217,35 @@ TEST(Random, StreamsFollowTheRule) {
     expect_streams<RandGaussState, Kel32f>(normal_32f, 0, 1);
 }
 
-/// Statuses, memory and edges of one family.
-template <class State, class T>
-void expect_frame(const Family<State, T>& family) {
-    ASSERT_EQ(family.create(nullptr, 1, 2, 3), kelStatusNullPtr);
-    State* state = nullptr;
-    const long blocks = kels_test::live_blocks();
-    for_each_allocation_failure([&] {
-        const KelStatus status = family.create(&state, 1, 2, 3);
-        if (status == kelStatusOk) family.release(state);
-        return status;
-    });
-    EXPECT_EQ(kels_test::live_blocks(), blocks);
-    ASSERT_EQ(family.create(&state, 1, 2, 3), kelStatusOk);
-    T sample = 77;
-    EXPECT_EQ(family.fill(nullptr, 1, state), kelStatusNullPtr);
-    EXPECT_EQ(family.fill(&sample, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(family.fill(&sample, 0, state), kelStatusBadSize);
-    EXPECT_EQ(family.fill(&sample, INT_MIN, state), kelStatusBadSize);
-    EXPECT_EQ(family.release(nullptr), kelStatusNullPtr);
-    Kel32s foreign[64] = {17};
-    auto* other = reinterpret_cast<State*>(foreign);
-    EXPECT_EQ(family.fill(&sample, 1, other), kelStatusContextMismatch);
-    EXPECT_EQ(family.fill(&sample, -1, other), kelStatusBadSize);
-    EXPECT_EQ(family.release(other), kelStatusContextMismatch);
-    EXPECT_EQ(sample, 77);
+/// fill(dst, n) stays inside.
+template <class T, class Fill>
+void expect_inside(const Fill& fill) {
     for (const auto edge : edges)
         for (int n = 1; n < 300; ++n) {
             GuardedArray<T> array(static_cast<std::size_t>(n), edge);
-            ASSERT_TRUE(kels_test::runs_without_fault([&] { family.fill(array.data(), n, state); })) << n;
+            ASSERT_TRUE(runs_without_fault([&] { fill(array.data(), n); })) << n;
         }
-    EXPECT_EQ(family.release(state), kelStatusOk);
-    EXPECT_EQ(kels_test::live_blocks(), blocks);
+}
+
+/// Statuses, memory and edges of one family.
+template <class State, class T>
+void expect_frame(const Family<State, T>& family) {
+    EXPECT_EQ(family.create(nullptr, 1, 2, 3), kelStatusNullPtr);
+    expect_clean_failures(family.create, family.release, 1, 2, 3);
+    const auto state = made(family.create, family.release, 1, 2, 3);
+    Kel32s foreign[64] = {17};
+    auto* other = reinterpret_cast<State*>(foreign);
+    T sample = 77;
+    for (const int bad : bad_lengths)
+        for (State* any : {state.get(), other}) {
+            expect_nulls_refused(family.fill, &sample, bad, any);
+            EXPECT_EQ(family.fill(&sample, bad, any), kelStatusBadSize);
+        }
+    EXPECT_EQ(family.fill(&sample, 1, other), kelStatusContextMismatch);
+    EXPECT_EQ(family.release(other), kelStatusContextMismatch);
+    EXPECT_EQ(family.release(nullptr), kelStatusNullPtr);
+    EXPECT_EQ(sample, 77);
+    expect_inside<T>([&](T* dst, int n) { family.fill(dst, n, state.get()); });
 }
 
 TEST(Random, ContextsObeyTheFrame) {
@@ -266,38 +255,28 @@ TEST(Random, ContextsObeyTheFrame) {
     expect_frame(normal_8u);
     expect_frame(normal_16s);
     expect_frame(normal_32f);
-    RandGaussState* state = nullptr;
-    ASSERT_EQ(normal_32f.create(&state, 0, 1, 2), kelStatusOk);
+    const auto state = made(normal_32f.create, normal_32f.release, 0, 1, 2);
     Kel32f sample = 0;
-    EXPECT_EQ(kelsRandUniform_32f(&sample, 1, reinterpret_cast<RandUniformState*>(state)), kelStatusContextMismatch);
-    EXPECT_EQ(normal_16s.release(state), kelStatusContextMismatch);
-    EXPECT_EQ(normal_32f.release(state), kelStatusOk);
+    EXPECT_EQ(uniform_32f.fill(&sample, 1, reinterpret_cast<RandUniformState*>(state.get())), kelStatusContextMismatch);
+    EXPECT_EQ(normal_16s.release(state.get()), kelStatusContextMismatch);
 }
 
 template <class T>
 void expect_direct_frame(KelStatus (*function)(T*, int, T, T, Kel32u*)) {
     Kel32u seed = 5;
     T sample = 77;
-    EXPECT_EQ(function(nullptr, 1, 0, 1, &seed), kelStatusNullPtr);
-    EXPECT_EQ(function(&sample, 0, 0, 1, nullptr), kelStatusNullPtr);
+    expect_nulls_refused(function, &sample, 0, 0, 1, &seed);
     EXPECT_EQ(function(&sample, 0, 0, 1, &seed), kelStatusBadSize);
     EXPECT_TRUE(sample == 77 && seed == 5);
     std::vector<T> plain(301), odd(301);
     function(plain.data(), 301, 2, 90, &seed);
-    for (const auto& modes : odd_modes) {
-        seed = 5;
-        const bool kept = under(modes, [&] {
+    in_odd_modes(
+        [&] {
+            seed = 5;
             function(odd.data(), 301, 2, 90, &seed);
-            return ControlState::current().same_modes(modes);
-        });
-        EXPECT_TRUE(kept);
-        EXPECT_EQ(odd, plain);
-    }
-    for (const auto edge : edges)
-        for (int n = 1; n < 300; ++n) {
-            GuardedArray<T> array(static_cast<std::size_t>(n), edge);
-            ASSERT_TRUE(kels_test::runs_without_fault([&] { function(array.data(), n, 0, 1, &seed); })) << n;
-        }
+        },
+        [&] { EXPECT_EQ(odd, plain); });
+    expect_inside<T>([&](T* dst, int n) { function(dst, n, 0, 1, &seed); });
 }
 
 TEST(Random, DirectFunctionsObeyTheFrame) {

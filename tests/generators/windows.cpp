@@ -1,7 +1,7 @@
 // Windows, held against their rules in extended precision, sample by sample.
 
 #include "kels/windows.h"
-#include "support/control_state.h"
+#include "support/exact.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -16,11 +16,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 using Real = long double;
 
 // The rules
@@ -155,59 +151,61 @@ constexpr auto kaiser_64f_in_place = whole(
 
 // Rows
 
-Row blackman_row(const Row& r) { return r.shortest(3).values(0, {0, -0.16, -0.25, 1, -1, 0.5, -7.5, 1e5, -3e30}); }
-Row q15_row(const Row& r) {
+Rows blackman_row(const Rows& r) { return r.shortest(3).values(0, {0, -0.16, -0.25, 1, -1, 0.5, -7.5, 1e5, -3e30}); }
+Rows q15_row(const Rows& r) {
     return r.shortest(3).values(0, {0, -5243, -8192, 32768, -32768, 1 << 20, INT_MAX, INT_MIN});
 }
 /// Of any length up to 65536.
-Row kaiser_row(const Row& r) { return r.values(0, {0, 0.0001, -0.0003, 0.001}); }
-Row kaiser_q15_row(const Row& r) { return r.values(0, {0, 1, 33, -67, 300}); }
+Rows kaiser_row(const Rows& r) { return r.values(0, {0, 0.0001, -0.0003, 0.001}); }
+Rows kaiser_q15_row(const Rows& r) { return r.values(0, {0, 1, 33, -67, 300}); }
 
-// clang-format off
-const Row rows[] = {
-    row(kelsWinBartlett_16s, bartlett).shortest(3),          in_place(kelsWinBartlett_16s_I, bartlett).shortest(3),
-    row(kelsWinBartlett_16sc, bartlett).shortest(3),         in_place(kelsWinBartlett_16sc_I, bartlett).shortest(3),
-    row(kelsWinBartlett_32f, bartlett).shortest(3).ulps(1),  in_place(kelsWinBartlett_32f_I, bartlett).shortest(3).ulps(1),
-    row(kelsWinBartlett_32fc, bartlett).shortest(3).ulps(1), in_place(kelsWinBartlett_32fc_I, bartlett).shortest(3).ulps(1),
-    row(kelsWinHann_16s, hann).shortest(3),                  in_place(kelsWinHann_16s_I, hann).shortest(3),
-    row(kelsWinHann_16sc, hann).shortest(3),                 in_place(kelsWinHann_16sc_I, hann).shortest(3),
-    row(kelsWinHann_32f, hann).shortest(3).ulps(1),          in_place(kelsWinHann_32f_I, hann).shortest(3).ulps(1),
-    row(kelsWinHann_32fc, hann).shortest(3).ulps(1),         in_place(kelsWinHann_32fc_I, hann).shortest(3).ulps(1),
-    row(kelsWinHamming_16s, hamming).shortest(3),            in_place(kelsWinHamming_16s_I, hamming).shortest(3),
-    row(kelsWinHamming_16sc, hamming).shortest(3),           in_place(kelsWinHamming_16sc_I, hamming).shortest(3),
-    row(kelsWinHamming_32f, hamming).shortest(3).ulps(1),    in_place(kelsWinHamming_32f_I, hamming).shortest(3).ulps(1),
-    row(kelsWinHamming_32fc, hamming).shortest(3).ulps(1),   in_place(kelsWinHamming_32fc_I, hamming).shortest(3).ulps(1),
-
-    blackman_row(row(kelsWinBlackman_16s, blackman)),          blackman_row(in_place(kelsWinBlackman_16s_I, blackman)),
-    blackman_row(row(kelsWinBlackman_16sc, blackman)),         blackman_row(in_place(kelsWinBlackman_16sc_I, blackman)),
-    blackman_row(row(kelsWinBlackman_32f, blackman)).ulps(1),  blackman_row(in_place(kelsWinBlackman_32f_I, blackman)).ulps(1),
-    blackman_row(row(kelsWinBlackman_32fc, blackman)).ulps(1), blackman_row(in_place(kelsWinBlackman_32fc_I, blackman)).ulps(1),
-    q15_row(row(kelsWinBlackmanQ15_16s, blackman_q15)),        q15_row(in_place(kelsWinBlackmanQ15_16s_I, blackman_q15)),
-    q15_row(row(kelsWinBlackmanQ15_16sc, blackman_q15)),       q15_row(in_place(kelsWinBlackmanQ15_16sc_I, blackman_q15)),
-
-    row(kelsWinBlackmanStd_16s, blackman_standard).shortest(3),          in_place(kelsWinBlackmanStd_16s_I, blackman_standard).shortest(3),
-    row(kelsWinBlackmanStd_16sc, blackman_standard).shortest(3),         in_place(kelsWinBlackmanStd_16sc_I, blackman_standard).shortest(3),
-    row(kelsWinBlackmanStd_32f, blackman_standard).shortest(3).ulps(1),  in_place(kelsWinBlackmanStd_32f_I, blackman_standard).shortest(3).ulps(1),
-    row(kelsWinBlackmanStd_32fc, blackman_standard).shortest(3).ulps(1), in_place(kelsWinBlackmanStd_32fc_I, blackman_standard).shortest(3).ulps(1),
-    row(kelsWinBlackmanOpt_16s, blackman_optimal).shortest(4).length_first(),          in_place(kelsWinBlackmanOpt_16s_I, blackman_optimal).shortest(4).length_first(),
-    row(kelsWinBlackmanOpt_16sc, blackman_optimal).shortest(4).length_first(),         in_place(kelsWinBlackmanOpt_16sc_I, blackman_optimal).shortest(4).length_first(),
-    row(kelsWinBlackmanOpt_32f, blackman_optimal).shortest(4).length_first().ulps(1),  in_place(kelsWinBlackmanOpt_32f_I, blackman_optimal).shortest(4).length_first().ulps(1),
-    row(kelsWinBlackmanOpt_32fc, blackman_optimal).shortest(4).length_first().ulps(1), in_place(kelsWinBlackmanOpt_32fc_I, blackman_optimal).shortest(4).length_first().ulps(1),
-
-    kaiser_row(row(kelsWinKaiser_16s, kaiser)),           kaiser_row(in_place(kelsWinKaiser_16s_I, kaiser)),
-    kaiser_row(row(kelsWinKaiser_16sc, kaiser)),          kaiser_row(in_place(kelsWinKaiser_16sc_I, kaiser)),
-    kaiser_row(row(kelsWinKaiser_32f, kaiser)).ulps(1),   kaiser_row(in_place(kelsWinKaiser_32f_I, kaiser)).ulps(1),
-    kaiser_row(row(kelsWinKaiser_32fc, kaiser)).ulps(1),  kaiser_row(in_place(kelsWinKaiser_32fc_I, kaiser)).ulps(1),
-    kaiser_q15_row(row(kelsWinKaiserQ15_16s, kaiser_q15)),  kaiser_q15_row(in_place(kelsWinKaiserQ15_16s_I, kaiser_q15)),
-    kaiser_q15_row(row(kelsWinKaiserQ15_16sc, kaiser_q15)), kaiser_q15_row(in_place(kelsWinKaiserQ15_16sc_I, kaiser_q15)),
+const Rows table = {
+    rows(bartlett, kelsWinBartlett_16s, kelsWinBartlett_16sc, kelsWinBartlett_32f, kelsWinBartlett_32fc)
+        .in_place(kelsWinBartlett_16s_I, kelsWinBartlett_16sc_I, kelsWinBartlett_32f_I, kelsWinBartlett_32fc_I)
+        .shortest(3)
+        .ulps(1),
+    rows(hann, kelsWinHann_16s, kelsWinHann_16sc, kelsWinHann_32f, kelsWinHann_32fc)
+        .in_place(kelsWinHann_16s_I, kelsWinHann_16sc_I, kelsWinHann_32f_I, kelsWinHann_32fc_I)
+        .shortest(3)
+        .ulps(1),
+    rows(hamming, kelsWinHamming_16s, kelsWinHamming_16sc, kelsWinHamming_32f, kelsWinHamming_32fc)
+        .in_place(kelsWinHamming_16s_I, kelsWinHamming_16sc_I, kelsWinHamming_32f_I, kelsWinHamming_32fc_I)
+        .shortest(3)
+        .ulps(1),
+    blackman_row(
+        rows(blackman, kelsWinBlackman_16s, kelsWinBlackman_16sc, kelsWinBlackman_32f, kelsWinBlackman_32fc)
+            .in_place(kelsWinBlackman_16s_I, kelsWinBlackman_16sc_I, kelsWinBlackman_32f_I, kelsWinBlackman_32fc_I))
+        .ulps(1),
+    q15_row(rows(blackman_q15, kelsWinBlackmanQ15_16s, kelsWinBlackmanQ15_16sc)
+                .in_place(kelsWinBlackmanQ15_16s_I, kelsWinBlackmanQ15_16sc_I)),
+    rows(blackman_standard, kelsWinBlackmanStd_16s, kelsWinBlackmanStd_16sc, kelsWinBlackmanStd_32f,
+         kelsWinBlackmanStd_32fc)
+        .in_place(kelsWinBlackmanStd_16s_I, kelsWinBlackmanStd_16sc_I, kelsWinBlackmanStd_32f_I,
+                  kelsWinBlackmanStd_32fc_I)
+        .shortest(3)
+        .ulps(1),
+    rows(blackman_optimal, kelsWinBlackmanOpt_16s, kelsWinBlackmanOpt_16sc, kelsWinBlackmanOpt_32f,
+         kelsWinBlackmanOpt_32fc)
+        .in_place(kelsWinBlackmanOpt_16s_I, kelsWinBlackmanOpt_16sc_I, kelsWinBlackmanOpt_32f_I,
+                  kelsWinBlackmanOpt_32fc_I)
+        .shortest(4)
+        .length_first()
+        .ulps(1),
+    kaiser_row(rows(kaiser, kelsWinKaiser_16s, kelsWinKaiser_16sc, kelsWinKaiser_32f, kelsWinKaiser_32fc)
+                   .in_place(kelsWinKaiser_16s_I, kelsWinKaiser_16sc_I, kelsWinKaiser_32f_I, kelsWinKaiser_32fc_I))
+        .ulps(1),
+    kaiser_q15_row(rows(kaiser_q15, kelsWinKaiserQ15_16s, kelsWinKaiserQ15_16sc)
+                       .in_place(kelsWinKaiserQ15_16s_I, kelsWinKaiserQ15_16sc_I)),
 };
 // The two functions on doubles are no partners.
-const Row kaiser_64f_rows[] = {kaiser_row(row(kelsWinKaiser_64f, kaiser_64f)).ulps(3)};
-const Row kaiser_64f_in_place_rows[] = {kaiser_row(in_place(kelsWinKaiser_64f_I, kaiser_64f_in_place)).ulps(3)};
-// clang-format on
-
-const bool registered = kels_test::add_rows("Windows", rows) && kels_test::add_rows("Windows", kaiser_64f_rows) &&
-                        kels_test::add_rows("Windows", kaiser_64f_in_place_rows);
+const Rows kaiser_64f_rows = {
+    kaiser_row(rows(kaiser_64f, kelsWinKaiser_64f)).ulps(3),
+};
+const Rows kaiser_64f_in_place_rows = {
+    kaiser_row(in_place(kaiser_64f_in_place, kelsWinKaiser_64f_I)).ulps(3),
+};
+const bool registered =
+    add_rows("Windows", table) && add_rows("Windows", kaiser_64f_rows) && add_rows("Windows", kaiser_64f_in_place_rows);
 
 // Literal values
 
@@ -247,8 +245,7 @@ TEST(Windows, LongOnes) {
         reference(ones.data(), want.data(), len, alpha...);
         int others = 0;
         for (int n = 0; n < len; ++n) {
-            const Kel32f ulp = std::nextafter(std::fabs(want[n]), HUGE_VALF) - std::fabs(want[n]);
-            ASSERT_LE(std::fabs(got[n] - want[n]), ulp) << n;
+            ASSERT_LE(std::fabs(got[n] - want[n]), ulp(want[n])) << n;
             others += got[n] != want[n];
         }
         EXPECT_LE(others, len / 1000);

@@ -3,6 +3,7 @@
 #include "kels/search.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,7 @@
 
 namespace {
 
-using kels_test::GuardedArray;
-using kels_test::Random;
+using namespace kels_test;
 
 int reference(int value, const std::vector<Kel16u>& table) {
     const int last = static_cast<int>(table.size()) - 1;
@@ -120,14 +120,9 @@ TEST(NearestEntry, ObeysItsFrame) {
     Kel16u value = 3, found = 9;
     int index = 9;
     const Kel16u table[] = {1, 2};
-    EXPECT_EQ(kelsFindNearestOne_16u(3, nullptr, &index, table, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsFindNearestOne_16u(3, &found, nullptr, table, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsFindNearestOne_16u(3, &found, &index, nullptr, 0), kelStatusNullPtr);
+    expect_nulls_refused(kelsFindNearestOne_16u, 3, &found, &index, table, 0);
+    expect_nulls_refused(kelsFindNearest_16u, &value, &found, &index, 0, table, 0);
     EXPECT_EQ(kelsFindNearestOne_16u(3, &found, &index, table, 0), kelStatusBadSize);
-    EXPECT_EQ(kelsFindNearest_16u(nullptr, &found, &index, 0, table, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsFindNearest_16u(&value, nullptr, &index, 0, table, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsFindNearest_16u(&value, &found, nullptr, 0, table, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 0, nullptr, 0), kelStatusNullPtr);
     EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 0, table, 2), kelStatusBadSize);
     EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, 1, table, 0), kelStatusBadSize);
     EXPECT_EQ(kelsFindNearest_16u(&value, &found, &index, INT_MIN, table, INT_MAX), kelStatusBadSize);
@@ -137,7 +132,7 @@ TEST(NearestEntry, ObeysItsFrame) {
 // Unsorted tables too: what is found there is open, where it is read is not.
 TEST(NearestEntry, StaysInItsArrays) {
     Random random("guards");
-    for (const kels_test::Edge edge : kels_test::edges)
+    for (const Edge edge : edges)
         for (const int n : {1, 2, 16, 17, 33, 256, 257, 1000, 5000})
             for (const int len : {1, 3, 64, 65}) {
                 std::vector<Kel16u> table(static_cast<std::size_t>(n)), values(static_cast<std::size_t>(len));
@@ -145,7 +140,7 @@ TEST(NearestEntry, StaysInItsArrays) {
                 for (Kel16u& x : values) x = static_cast<Kel16u>(random.bits());
                 GuardedArray<Kel16u> in(values, edge), entries(table, edge);
                 GuardedArray<int> indexes(values.size(), edge);
-                ASSERT_TRUE(kels_test::runs_without_fault(
+                ASSERT_TRUE(runs_without_fault(
                     [&] { kelsFindNearest_16u(in.data(), in.data(), indexes.data(), len, entries.data(), n); }));
                 for (const int index : indexes.values()) ASSERT_TRUE(index >= 0 && index < n);
             }

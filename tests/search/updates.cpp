@@ -4,6 +4,7 @@
 #include "support/control_state.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -84,26 +85,22 @@ TEST(RunningEstimate, LiteralValues) {
 
 TEST(RunningEstimate, ObeysItsFrame) {
     const Kel16s x[] = {1, 2};
-    const kels_test::KeepControlState keep;
     for (const Update update : functions) {
         Kel32s y = 3;
-        EXPECT_EQ(update(nullptr, 0, &y, 0, 2), kelStatusNullPtr);
-        EXPECT_EQ(update(x, 0, nullptr, 0, 2), kelStatusNullPtr);
-        EXPECT_EQ(update(x, 0, &y, 0, 2), kelStatusBadSize);
-        EXPECT_EQ(update(x, INT_MIN, &y, 0, 2), kelStatusBadSize);
+        kels_test::expect_nulls_refused(update, x, 0, &y, 0, 2);
+        for (const int bad : kels_test::bad_lengths) EXPECT_EQ(update(x, bad, &y, 0, 2), kelStatusBadSize);
         EXPECT_EQ(y, 3);
         for (const kels_test::Edge edge : kels_test::edges) {
             kels_test::GuardedArray<Kel16s> samples({3, 4, 5}, edge);
             ASSERT_TRUE(kels_test::runs_without_fault([&] { update(samples.data(), 3, &y, 0, 0); }));
         }
         EXPECT_TRUE(y == 5 || y == 25);
-        for (const kels_test::ControlState& modes : kels_test::odd_modes) {
-            modes.load();
-            y = 1000001;
-            update(x, 2, &y, 0, 3);
-            EXPECT_TRUE(kels_test::ControlState::current().same_modes(modes));
-            EXPECT_TRUE(y == 9000009 - 6 - 4 || y == 9000009 - 6 - 8) << y;
-        }
+        kels_test::in_odd_modes(
+            [&] {
+                y = 1000001;
+                update(x, 2, &y, 0, 3);
+            },
+            [&] { EXPECT_TRUE(y == 9000009 - 6 - 4 || y == 9000009 - 6 - 8) << y; });
     }
 }
 

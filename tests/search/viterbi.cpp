@@ -4,6 +4,7 @@
 #include "kels/search.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,7 @@
 
 namespace {
 
-using kels_test::GuardedArray;
-using kels_test::Random;
+using namespace kels_test;
 
 // Points around a received one
 
@@ -143,20 +143,20 @@ TEST(Symbols, AreTheBestPairs) {
                     want.push_back(static_cast<Kel16u>(codes));
                     want.push_back(static_cast<Kel16u>(least));
                 }
-                GuardedArray<Kel32u> in(words, kels_test::Edge::back);
-                for (const kels_test::Edge edge : kels_test::edges) {
+                GuardedArray<Kel32u> in(words, Edge::back);
+                for (const Edge edge : edges) {
                     GuardedArray<Kel16u> got(want.size(), edge);
-                    ASSERT_TRUE(kels_test::runs_without_fault(
+                    ASSERT_TRUE(runs_without_fault(
                         [&] { kelsBuildSymblTableDV4D_16sc(in.data(), got.data(), state, inversion); }));
                     ASSERT_EQ(got.values(), want) << "state " << state << " inversion " << inversion;
                 }
             }
         // Any inversion stays inside.
-        GuardedArray<Kel32u> in(std::vector<Kel32u>(16, 7), kels_test::Edge::back);
-        GuardedArray<Kel16u> got(static_cast<std::size_t>(2 * count), kels_test::Edge::back);
+        GuardedArray<Kel32u> in(std::vector<Kel32u>(16, 7), Edge::back);
+        GuardedArray<Kel16u> got(static_cast<std::size_t>(2 * count), Edge::back);
         for (const int inversion : {count, -1, INT_MIN, INT_MAX})
-            ASSERT_TRUE(kels_test::runs_without_fault(
-                [&] { kelsBuildSymblTableDV4D_16sc(in.data(), got.data(), state, inversion); }));
+            ASSERT_TRUE(
+                runs_without_fault([&] { kelsBuildSymblTableDV4D_16sc(in.data(), got.data(), state, inversion); }));
     }
 }
 
@@ -214,12 +214,12 @@ TEST(TrellisStage, SelectsAsBranchByBranch) {
                 for (std::size_t i = 1; i < t.symbols.size(); i += 2) t.symbols[i] = below(e.metric);
                 for (Kel8u& n : t.next) n = static_cast<Kel8u>(random.below(static_cast<int>(t.path.size())));
                 for (Kel32u& p : t.path) p = static_cast<Kel32u>(random.bits());
-                const kels_test::Edge edge = round % 2 ? kels_test::Edge::front : kels_test::Edge::back;
+                const Edge edge = round % 2 ? Edge::front : Edge::back;
                 GuardedArray<Kel16u> errors(t.path_error, edge), fresh(t.new_error, edge), symbols(t.symbols, edge);
                 GuardedArray<Kel8u> next(t.next, edge);
                 GuardedArray<Kel32u> path(t.path, edge);
                 const int index = round % 3 == 0 ? 0 : random.below(2001) - 1000;
-                ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                ASSERT_TRUE(runs_without_fault([&] {
                     kelsCalcStatesDV_16sc(errors.data(), next.data(), fresh.data(), symbols.data(), path.data() - index,
                                           states == 64 && round % 2 ? 7 : states, index);
                 }));
@@ -288,18 +288,11 @@ TEST(ViterbiKit, RefusesNullPointers) {
     Kel32u words[16] = {}, path[64] = {};
     Kel16u values[128] = {};
     const Kel8u next[1024] = {};
-    EXPECT_EQ(kelsGetVarPointDV_16sc(nullptr, &z, words, usual_tile, 16), kelStatusNullPtr);
-    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, nullptr, words, usual_tile, 16), kelStatusNullPtr);
-    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, &z, nullptr, usual_tile, 16), kelStatusNullPtr);
-    EXPECT_EQ(kelsGetVarPointDV_16sc(&z, &z, words, nullptr, 16), kelStatusNullPtr);
+    expect_nulls_refused(kelsGetVarPointDV_16sc, &z, &z, words, usual_tile, 16);
     EXPECT_TRUE(z.re == 1 && z.im == 2);
-    EXPECT_EQ(kelsBuildSymblTableDV4D_16sc(nullptr, values, 16, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsBuildSymblTableDV4D_16sc(words, nullptr, 16, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCalcStatesDV_16sc(nullptr, next, values, values, path, 0, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCalcStatesDV_16sc(values, nullptr, values, values, path, 64, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, nullptr, values, path, 64, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, values, nullptr, path, 64, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCalcStatesDV_16sc(values, next, values, values, nullptr, 64, 0), kelStatusNullPtr);
+    expect_nulls_refused(kelsBuildSymblTableDV4D_16sc, words, values, 16, 0);
+    for (const int state : {0, 64})
+        expect_nulls_refused(kelsCalcStatesDV_16sc, values, next, values, values, path, state, 0);
 }
 
 } // namespace

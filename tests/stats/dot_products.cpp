@@ -19,15 +19,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::ComplexWithin;
-using kels_test::ExtendedSum;
-using kels_test::reduce_with;
-using kels_test::reduced;
-using kels_test::reduction;
-using kels_test::Row;
-using kels_test::scaled;
-using kels_test::Within;
+using namespace kels_test;
 
 // References
 
@@ -122,35 +114,19 @@ constexpr auto from_32 = reduced([](auto* a, auto* b, int len, int factor) {
         a, b, len, [=](const IntegerSum& s) { return scaled<Kel32s>(s.value(), std::clamp(factor, -31, 31)); });
 });
 
-const Row rows[] = {
-    reduction(kelsDotProd_32f, reduced(DotProduct<Kel32f>{})).ulps(1),
-    reduction(kelsDotProd_64f, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_32fc, reduced(DotProduct<Kel32f>{})).ulps(1),
-    reduction(kelsDotProd_64fc, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_32f32fc, reduced(DotProduct<Kel32f>{})).ulps(1),
-    reduction(kelsDotProd_64f64fc, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_32f64f, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_32fc64fc, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_32f32fc64fc, reduced(DotProduct<Kel64f>{})).ulps(1),
-    reduction(kelsDotProd_16s64s, exact),
-    reduction(kelsDotProd_16sc64sc, exact),
-    reduction(kelsDotProd_16s16sc64sc, exact),
-    reduction(kelsDotProd_16s32f, rounded).ulps(0),
-    reduction(kelsDotProd_16sc32fc, rounded).ulps(0),
-    reduction(kelsDotProd_16s16sc32fc, rounded).ulps(0),
-    reduction(kelsDotProd_16s32s_Sfs, to_32),
-    reduction(kelsDotProd_16sc32sc_Sfs, to_32),
-    reduction(kelsDotProd_16s16sc32sc_Sfs, to_32),
-    reduction(kelsDotProd_16s_Sfs, to_16),
-    reduction(kelsDotProd_16sc_Sfs, to_16),
-    reduction(kelsDotProd_16s16sc_Sfs, to_16),
-    reduction(kelsDotProd_32s_Sfs, from_32),
-    reduction(kelsDotProd_32sc_Sfs, from_32),
-    reduction(kelsDotProd_32s32sc_Sfs, from_32),
-    reduction(kelsDotProd_16s32s32s_Sfs, from_32),
+const Rows table = {
+    reductions(reduced(DotProduct<Kel32f>{}), kelsDotProd_32f, kelsDotProd_32fc, kelsDotProd_32f32fc).ulps(1),
+    reductions(reduced(DotProduct<Kel64f>{}), kelsDotProd_64f, kelsDotProd_64fc, kelsDotProd_64f64fc,
+               kelsDotProd_32f64f, kelsDotProd_32fc64fc, kelsDotProd_32f32fc64fc)
+        .ulps(1),
+    reductions(exact, kelsDotProd_16s64s, kelsDotProd_16sc64sc, kelsDotProd_16s16sc64sc),
+    reductions(rounded, kelsDotProd_16s32f, kelsDotProd_16sc32fc, kelsDotProd_16s16sc32fc).ulps(0),
+    reductions(to_32, kelsDotProd_16s32s_Sfs, kelsDotProd_16sc32sc_Sfs, kelsDotProd_16s16sc32sc_Sfs),
+    reductions(to_16, kelsDotProd_16s_Sfs, kelsDotProd_16sc_Sfs, kelsDotProd_16s16sc_Sfs),
+    reductions(from_32, kelsDotProd_32s_Sfs, kelsDotProd_32sc_Sfs, kelsDotProd_32s32sc_Sfs, kelsDotProd_16s32s32s_Sfs),
 };
 
-const bool registered = kels_test::add_rows("DotProducts", rows);
+const bool registered = add_rows("DotProducts", table);
 
 using Shorts = std::vector<Kel16s>;
 using Ints = std::vector<Kel32s>;
@@ -217,7 +193,7 @@ struct Cancelling {
     std::vector<Kel64f> x, y;
 
     Cancelling() {
-        kels_test::Random random("cancellation");
+        Random random("cancellation");
         for (int i = 0; i < 500000; ++i) {
             const Kel64f a = random.uniform(-1, 1) * std::exp2(random.below(20)), b = random.uniform(-1, 1) * 0x1p20;
             for (const Kel64f sign : {1, -1}) {

@@ -17,13 +17,7 @@
 
 namespace {
 
-using kels_test::each;
-using kels_test::in_place;
-using kels_test::reduce_with;
-using kels_test::reduced;
-using kels_test::reduction;
-using kels_test::Row;
-using kels_test::whole;
+using namespace kels_test;
 
 // References
 
@@ -90,32 +84,18 @@ constexpr auto real_order = whole([]<class T>(const T* x, int* order, int len) {
     return denormal || odd ? kelStatusNanArg : kelStatusOk;
 });
 
-const Row rows[] = {
-    reduction(kelsMax_16s, max_by_bits),
-    reduction(kelsMax_32f, max_by_bits),
-    reduction(kelsMax_64f, max_by_bits),
-    reduction(kelsMin_16s, min_by_bits),
-    reduction(kelsMin_32f, min_by_bits),
-    reduction(kelsMin_64f, min_by_bits),
-    reduction(kelsMaxIndx_16s, max_and_index).nullable(3),
-    reduction(kelsMaxIndx_32f, max_and_index).nullable(3),
-    reduction(kelsMaxIndx_64f, max_and_index).nullable(3),
-    reduction(kelsMinIndx_16s, min_and_index).nullable(3),
-    reduction(kelsMinIndx_32f, min_and_index).nullable(3),
-    reduction(kelsMinIndx_64f, min_and_index).nullable(3),
-    in_place(kelsMaxEvery_16s_I, larger),
-    in_place(kelsMaxEvery_32s_I, larger),
-    in_place(kelsMaxEvery_32f_I, larger),
-    in_place(kelsMinEvery_16s_I, smaller),
-    in_place(kelsMinEvery_32s_I, smaller),
-    in_place(kelsMinEvery_32f_I, smaller),
-    reduction(kelsMaxOrder_16s, integer_order).length_first(),
-    reduction(kelsMaxOrder_32s, integer_order).length_first(),
-    reduction(kelsMaxOrder_32f, real_order).length_first(),
-    reduction(kelsMaxOrder_64f, real_order).length_first(),
+const Rows table = {
+    reductions(max_by_bits, kelsMax_16s, kelsMax_32f, kelsMax_64f),
+    reductions(min_by_bits, kelsMin_16s, kelsMin_32f, kelsMin_64f),
+    reductions(max_and_index, kelsMaxIndx_16s, kelsMaxIndx_32f, kelsMaxIndx_64f).nullable({3}),
+    reductions(min_and_index, kelsMinIndx_16s, kelsMinIndx_32f, kelsMinIndx_64f).nullable({3}),
+    in_place(larger, kelsMaxEvery_16s_I, kelsMaxEvery_32s_I, kelsMaxEvery_32f_I),
+    in_place(smaller, kelsMinEvery_16s_I, kelsMinEvery_32s_I, kelsMinEvery_32f_I),
+    reductions(integer_order, kelsMaxOrder_16s, kelsMaxOrder_32s).length_first(),
+    reductions(real_order, kelsMaxOrder_32f, kelsMaxOrder_64f).length_first(),
 };
 
-const bool registered = kels_test::add_rows("Extremes", rows);
+const bool registered = add_rows("Extremes", table);
 
 template <class T>
 using ValueAndPlace = KelStatus (*)(const T*, int, T*, int*);
@@ -132,7 +112,7 @@ void expect_at(ValueAndPlace<T> function, const T* x, int len, int place) {
 
 template <class T>
 void expect_first_of_equals(ValueAndPlace<T> max, ValueAndPlace<T> min) {
-    kels_test::Random random("places");
+    Random random("places");
     std::vector<T> x(40000);
     for (int k = 0; k < 300; ++k) {
         const int start = random.below(8), len = 1 + random.below(k % 2 ? 100 : 39000);

@@ -16,12 +16,7 @@
 
 namespace {
 
-using kels_test::ExtendedSum;
-using kels_test::reduce_with;
-using kels_test::reduced;
-using kels_test::reduction;
-using kels_test::Row;
-using kels_test::Within;
+using namespace kels_test;
 
 // References: of one vector, and by way of the exact differences of two.
 
@@ -85,36 +80,24 @@ struct Scaled {
     }
 };
 
-Row in_range(const Row& row) { return row.values(0, {0, 1, 2, 3, 8, 15, 30, -1, -2, -7, -16, -30}); }
+Rows in_range(const Rows& rows) { return rows.values(0, {0, 1, 2, 3, 8, 15, 30, -1, -2, -7, -16, -30}); }
 
-const Row rows[] = {
-    reduction(kelsNorm_Inf_16s32f, reduced(Reference<inf>{})).ulps(0),
-    reduction(kelsNorm_Inf_32f, reduced(Reference<inf>{})),
-    reduction(kelsNorm_Inf_64f, reduced(Reference<inf>{})),
-    reduction(kelsNorm_L1_16s32f, reduced(Reference<l1>{})).ulps(0),
-    reduction(kelsNorm_L1_32f, reduced(Reference<l1>{})).ulps(1),
-    reduction(kelsNorm_L1_64f, reduced(Reference<l1>{})).ulps(1),
-    reduction(kelsNorm_L2_16s32f, reduced(Reference<l2>{})).ulps(1),
-    reduction(kelsNorm_L2_32f, reduced(Reference<l2>{})).ulps(1),
-    reduction(kelsNorm_L2_64f, reduced(Reference<l2>{})).ulps(1),
-    in_range(reduction(kelsNorm_Inf_16s32s_Sfs, reduced(Scaled<inf>{}))),
-    in_range(reduction(kelsNorm_L1_16s32s_Sfs, reduced(Scaled<l1>{}))),
-    in_range(reduction(kelsNorm_L2_16s32s_Sfs, reduced(Scaled<l2>{}))),
-    reduction(kelsNormDiff_Inf_16s32f, reduced(Reference<inf>{})).ulps(0),
-    reduction(kelsNormDiff_Inf_32f, reduced(Reference<inf>{})),
-    reduction(kelsNormDiff_Inf_64f, reduced(Reference<inf>{})).ulps(1),
-    reduction(kelsNormDiff_L1_16s32f, reduced(Reference<l1>{})).ulps(0),
-    reduction(kelsNormDiff_L1_32f, reduced(Reference<l1>{})).ulps(1),
-    reduction(kelsNormDiff_L1_64f, reduced(Reference<l1>{})).ulps(1),
-    reduction(kelsNormDiff_L2_16s32f, reduced(Reference<l2>{})).ulps(1),
-    reduction(kelsNormDiff_L2_32f, reduced(Reference<l2>{})).ulps(1),
-    reduction(kelsNormDiff_L2_64f, reduced(Reference<l2>{})).ulps(1),
-    in_range(reduction(kelsNormDiff_Inf_16s32s_Sfs, reduced(Scaled<inf>{}))),
-    in_range(reduction(kelsNormDiff_L1_16s32s_Sfs, reduced(Scaled<l1>{}))),
-    in_range(reduction(kelsNormDiff_L2_16s32s_Sfs, reduced(Scaled<l2>{}))),
+const Rows table = {
+    reductions(reduced(Reference<inf>{}), kelsNorm_Inf_16s32f, kelsNormDiff_Inf_16s32f).ulps(0),
+    reductions(reduced(Reference<inf>{}), kelsNorm_Inf_32f, kelsNorm_Inf_64f, kelsNormDiff_Inf_32f),
+    reductions(reduced(Reference<l1>{}), kelsNorm_L1_16s32f, kelsNormDiff_L1_16s32f).ulps(0),
+    reductions(reduced(Reference<l1>{}), kelsNorm_L1_32f, kelsNorm_L1_64f, kelsNormDiff_L1_32f, kelsNormDiff_L1_64f)
+        .ulps(1),
+    reductions(reduced(Reference<l2>{}), kelsNorm_L2_16s32f, kelsNorm_L2_32f, kelsNorm_L2_64f, kelsNormDiff_L2_16s32f,
+               kelsNormDiff_L2_32f, kelsNormDiff_L2_64f)
+        .ulps(1),
+    in_range(reductions(reduced(Scaled<inf>{}), kelsNorm_Inf_16s32s_Sfs, kelsNormDiff_Inf_16s32s_Sfs)),
+    in_range(reductions(reduced(Scaled<l1>{}), kelsNorm_L1_16s32s_Sfs, kelsNormDiff_L1_16s32s_Sfs)),
+    in_range(reductions(reduced(Scaled<l2>{}), kelsNorm_L2_16s32s_Sfs, kelsNormDiff_L2_16s32s_Sfs)),
+    reductions(reduced(Reference<inf>{}), kelsNormDiff_Inf_64f).ulps(1),
 };
 
-const bool registered = kels_test::add_rows("Norms", rows);
+const bool registered = add_rows("Norms", table);
 
 using Shorts = std::vector<Kel16s>;
 

@@ -20,15 +20,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::ComplexWithin;
-using kels_test::ExtendedSum;
-using kels_test::reduce_with;
-using kels_test::reduced;
-using kels_test::reduction;
-using kels_test::Row;
-using kels_test::scaled;
-using kels_test::Within;
+using namespace kels_test;
 
 // References
 
@@ -173,28 +165,24 @@ struct ScaledDeviation {
     }
 };
 
-Row about_the_limits(const Row& row) { return row.values(0, {0, 1, -1, 3, 14, 15, 16, -14, -15, 48, 49, INT_MAX}); }
+Rows about_the_limits(const Rows& rows) { return rows.values(0, {0, 1, -1, 3, 14, 15, 16, -14, -15, 48, 49, INT_MAX}); }
 
-const Row rows[] = {
-    reduction(kelsSum_16s32s_Sfs, reduced(ScaledSum<Kel32s>{})),
-    reduction(kelsSum_16s_Sfs, reduced(ScaledSum<Kel16s>{})),
-    reduction(kelsSum_16sc32sc_Sfs, reduced(ScaledSum<Kel32sc>{})),
-    reduction(kelsSum_16sc_Sfs, reduced(ScaledSum<Kel16sc>{})),
-    reduction(kelsSum_32f, reduced(Sum<Kel32f>{})).ulps(1),
-    reduction(kelsSum_32fc, reduced(Sum<Kel32f>{})).ulps(1),
-    reduction(kelsSum_64f, reduced(Sum<Kel64f>{})).ulps(1),
-    about_the_limits(reduction(kelsMean_16s_Sfs, reduced(ScaledMean{}))).follows_rounding(),
-    about_the_limits(reduction(kelsMean_16sc_Sfs, reduced(ScaledMean{}))).follows_rounding(),
-    reduction(kelsMean_32f, reduced(Mean<Kel32f>{})).ulps(1),
-    reduction(kelsMean_32fc, reduced(Mean<Kel32f>{})).ulps(1),
-    reduction(kelsMean_64f, reduced(Mean<Kel64f>{})).ulps(1),
-    reduction(kelsStdDev_16s32s_Sfs, reduced(ScaledDeviation<Kel32s>{})).shortest(2).follows_rounding(),
-    reduction(kelsStdDev_16s_Sfs, reduced(ScaledDeviation<Kel16s>{})).shortest(2).follows_rounding(),
-    reduction(kelsStdDev_32f, reduced(Deviation{})).ulps(1).shortest(2),
-    reduction(kelsStdDev_64f, reduced(Deviation{})).ulps(1).shortest(2),
+const Rows table = {
+    reductions(reduced(ScaledSum<Kel32s>{}), kelsSum_16s32s_Sfs),
+    reductions(reduced(ScaledSum<Kel16s>{}), kelsSum_16s_Sfs),
+    reductions(reduced(ScaledSum<Kel32sc>{}), kelsSum_16sc32sc_Sfs),
+    reductions(reduced(ScaledSum<Kel16sc>{}), kelsSum_16sc_Sfs),
+    reductions(reduced(Sum<Kel32f>{}), kelsSum_32f, kelsSum_32fc).ulps(1),
+    reductions(reduced(Sum<Kel64f>{}), kelsSum_64f).ulps(1),
+    about_the_limits(reductions(reduced(ScaledMean{}), kelsMean_16s_Sfs, kelsMean_16sc_Sfs)).follows_rounding(),
+    reductions(reduced(Mean<Kel32f>{}), kelsMean_32f, kelsMean_32fc).ulps(1),
+    reductions(reduced(Mean<Kel64f>{}), kelsMean_64f).ulps(1),
+    reductions(reduced(ScaledDeviation<Kel32s>{}), kelsStdDev_16s32s_Sfs).shortest(2).follows_rounding(),
+    reductions(reduced(ScaledDeviation<Kel16s>{}), kelsStdDev_16s_Sfs).shortest(2).follows_rounding(),
+    reductions(reduced(Deviation{}), kelsStdDev_32f, kelsStdDev_64f).shortest(2).ulps(1),
 };
 
-const bool registered = kels_test::add_rows("Sums", rows);
+const bool registered = add_rows("Sums", table);
 
 // Sums
 
@@ -229,7 +217,7 @@ TEST(Sum, IsExactAtAnyLength) {
 
 // A million terms that all but cancel: what a sum in double precision leaves is noise.
 TEST(Sum, CancellationInDoubles) {
-    kels_test::Random random("cancellation");
+    Random random("cancellation");
     std::vector<Kel64f> x;
     for (int i = 0; i < 500000; ++i) {
         x.push_back(random.uniform(-1, 1) * std::exp2(random.below(40)));
@@ -288,7 +276,7 @@ TEST(StdDev, ConstantVectorHasNone) {
 
 // Elements of which the mean is far larger than the deviation: the plain formula leaves little.
 TEST(StdDev, FarFromZero) {
-    kels_test::Random random("deviation");
+    Random random("deviation");
     std::vector<Kel32f> singles;
     std::vector<Kel64f> doubles;
     std::vector<Kel16s> integers;
@@ -321,7 +309,7 @@ TEST(StdDev, SquaresMayLeaveTheRangeOfDoubles) {
 
 // A quotient that is rounded before its root is off by more than a unit.
 TEST(StdDev, IsRoundedOnce) {
-    kels_test::Random random("rounded once");
+    Random random("rounded once");
     std::vector<Kel64f> x = {-23.2, -38.2, -31.5, 9.5, 32.0};
     for (int i = 0; i < 20000; ++i) {
         const int len = static_cast<int>(x.size());
@@ -335,7 +323,7 @@ TEST(StdDev, IsRoundedOnce) {
 
 // One meaning of the caller's rounding mode: what `fegetround` tells, and the library's own service sets.
 TEST(CallersRounding, IsThatOfTheX87Unit) {
-    const kels_test::KeepControlState keep;
+    const KeepControlState keep;
     constexpr Kel32u mask = 0x0C00;
     struct {
         Kel32u mode;

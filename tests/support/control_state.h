@@ -1,6 +1,8 @@
 // The control words of both floating-point units, read and loaded by the tests' own means.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 
 namespace kels_test {
@@ -65,6 +67,23 @@ auto under(const ControlState& modes, const F& f) {
     const KeepControlState keep;
     modes.load();
     return f();
+}
+
+/// f under each of the odd modes, which it must leave set, and a check of what it did under the usual ones.
+template <class F, class Check>
+void in_odd_modes(const F& f, const Check& check) {
+    for (const ControlState& modes : odd_modes) {
+        const bool kept = under(modes, [&] {
+            f();
+            return ControlState::current().same_modes(modes);
+        });
+        EXPECT_TRUE(kept) << "x87 word " << modes.x87 << ", MXCSR " << modes.mxcsr;
+        check();
+    }
+}
+template <class F>
+void in_odd_modes(const F& f) {
+    in_odd_modes(f, [] {});
 }
 
 } // namespace kels_test

@@ -3,9 +3,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <vector>
 
 namespace kels_test {
+
+/// The step from |x| to the next number.
+template <class T>
+long double ulp(T x) {
+    x = std::fabs(x);
+    return static_cast<long double>(std::nextafter(x, std::numeric_limits<T>::infinity())) - x;
+}
+
+template <class T>
+bool same_bits(const std::vector<T>& a, const std::vector<T>& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0);
+}
 
 /// The integer R that is stored for an exact value: times 2^-factor, rounded to nearest, ties to even, saturated.
 template <class R>

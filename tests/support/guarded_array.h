@@ -14,21 +14,32 @@ namespace kels_test {
 enum class Edge { front, back };
 inline constexpr std::initializer_list<Edge> edges = {Edge::front, Edge::back};
 
-/// Where the array touches the page, it has none to spare; elsewhere it is as any other.
+/// Where the array touches the page, or is `offset` bytes away from it, it has none to spare; elsewhere it is as any
+/// other.
 template <class T>
 class GuardedArray {
     static_assert(std::is_trivially_copyable_v<T>);
 
 public:
-    GuardedArray(std::size_t n, Edge edge) : memory(n * sizeof(T)), count(n) {
-        first = reinterpret_cast<T*>(edge == Edge::back ? memory.end() - n * sizeof(T) : memory.begin());
+    GuardedArray(std::size_t n, Edge edge, std::size_t offset = 0) : memory(n * sizeof(T) + offset), count(n) {
+        std::byte* const at = edge == Edge::back ? memory.end() - n * sizeof(T) - offset : memory.begin() + offset;
+        first = reinterpret_cast<T*>(at);
     }
-    GuardedArray(const std::vector<T>& values, Edge edge) : GuardedArray(values.size(), edge) {
-        std::memcpy(static_cast<void*>(first), values.data(), values.size() * sizeof(T));
+    GuardedArray(const std::vector<T>& values, Edge edge, std::size_t offset = 0)
+        : GuardedArray(values.size(), edge, offset) {
+        fill(values);
     }
 
+    void fill(const std::vector<T>& values) {
+        std::memcpy(static_cast<void*>(first), values.data(), values.size() * sizeof(T));
+    }
     T* data() { return first; }
-    std::vector<T> values() const { return {first, first + count}; }
+    /// Copied as bytes: an offset may be odd.
+    std::vector<T> values() const {
+        std::vector<T> copy(count);
+        std::memcpy(static_cast<void*>(copy.data()), static_cast<const void*>(first), count * sizeof(T));
+        return copy;
+    }
 
 private:
     GuardedMemory memory;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <random>
 #include <string_view>
+#include <vector>
 
 namespace kels_test {
 
@@ -35,6 +36,14 @@ inline constexpr int usual_special_share = 8;
 /// often, and floating-point values of either sign between 2^-20 and 2^20.
 void fill_random(Random& random, Type type, void* data, std::size_t count, double low = 0, double high = 0,
                  int specials = usual_special_share);
+
+/// Numbers from -size to size, both parts of complex ones.
+template <class T>
+std::vector<T> uniform(Random& random, std::size_t count, double size = 1) {
+    std::vector<T> x(count);
+    fill_random(random, type_of<T>(), x.data(), count, -size, size, 0);
+    return x;
+}
 
 /// Writes the value as an element of the type, both parts of a complex one.
 void put_number(Type type, void* data, double value);

@@ -1,6 +1,7 @@
 #include "support/rows.h"
 
 #include "support/control_state.h"
+#include "support/emulation.h"
 #include "support/guarded_memory.h"
 #include "support/random_data.h"
 
@@ -13,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -170,6 +172,23 @@ public:
                 std::memcpy(&s.found[at], &value, size);
             }
             shift += 8;
+        }
+    }
+
+    /// Replaces the parts of the inputs by these integers, in all combinations as far as there is room, others at
+    /// random.
+    void fill_with(const std::vector<std::int64_t>& integers, Random& random) {
+        std::size_t stride = 1;
+        for (Slot& s : slots) {
+            if (!s.argument.is_input()) continue;
+            const auto size = static_cast<std::size_t>(s.argument.type.part_size());
+            for (std::size_t part = 0; part < s.argument.type.parts; ++part, stride *= integers.size())
+                for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i) {
+                    const bool combined = stride * integers.size() <= static_cast<std::size_t>(length);
+                    const std::size_t pick = combined ? i / stride : static_cast<std::size_t>(random.bits() >> 1);
+                    std::memcpy(&s.found[(i * s.argument.type.parts + part) * size], &integers[pick % integers.size()],
+                                size);
+                }
         }
     }
 
@@ -480,6 +499,54 @@ void matches_reference(const Row& row) {
     }
 }
 
+/// Elements beside which scaled integers are ties or overflow: a power of two, three of it, and their neighbours.
+std::vector<std::int64_t> telling_integers(Type type, bool few) {
+    const bool is_signed = type.kind != Kind::u8 && type.kind != Kind::u16 && type.kind != Kind::u32;
+    const int digits = 8 * type.part_size() - is_signed;
+    const std::int64_t most = digits == 63 ? LLONG_MAX : (1LL << digits) - 1, least = is_signed ? -most - 1 : 0;
+    std::vector<std::int64_t> all = {0, least, least + 1, most - 1, most};
+    for (int shift = 0; shift < digits - 1; ++shift)
+        for (const std::int64_t odd : {1, 3})
+            for (const std::int64_t beside : {-1, 0, 1})
+                for (const std::int64_t sign : {1, -1}) {
+                    if ((odd == 3 && few) || (sign < 0 && !is_signed)) continue;
+                    all.push_back(std::clamp(sign * ((odd << shift) + beside), least, most));
+                }
+    return all;
+}
+
+/// Every scale factor, from beyond the one at which all vanishes to beyond the one at which all saturates, on telling
+/// integers and pairs of them.
+void takes_every_factor(const Row& row) {
+    const auto types = input_types(row);
+    const bool few = types.size() > 1 || types[0].parts > 1;
+    const auto integers = telling_integers(types[0], few);
+    std::vector<int> factors = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
+    for (int factor = -70; factor <= 70; factor += emulated ? 9 : 1) factors.push_back(factor);
+    constexpr int most_pairs = 1024;
+    const int count = few ? most_pairs : static_cast<int>(integers.size());
+    Random random(row.name);
+    Tally tally;
+    const auto values = value_positions(row);
+    for (const int factor : factors)
+        for (const bool by_one : {false, true}) { // a constant of 1 is telling, too
+            if (by_one && (values.size() == 1 || row.choices[0].count > 0)) continue;
+            Call call = drawn(row, count, 0, random);
+            call.fill_with(integers, random);
+            if (by_one) call.set(values[0], 1);
+            call.set(static_cast<std::size_t>(scale_position(row)), factor);
+            call.expect();
+            ASSERT_TRUE(call.run({}, tally)) << "factor " << factor;
+        }
+}
+
+/// Rows with a scale factor and integers that it scales exactly: what the x87 unit rounds may be off beside a tie.
+bool scales_integers(const Row& row) {
+    const auto types = input_types(row);
+    return is_scaled(row) && !row.depends_on_rounding && row.form != Form::reduction && !types.empty() &&
+           types[0].kind < Kind::f32;
+}
+
 bool all_outputs_integer(const Row& row) {
     return std::none_of(row.arguments.begin(), row.arguments.end(), [](const Argument& a) {
         return a.is_output() && (a.type.kind == Kind::f32 || a.type.kind == Kind::f64);
@@ -565,7 +632,7 @@ std::vector<std::pair<std::size_t, std::size_t>> aliases(const Row& row) {
 }
 
 /// The row that does out of place what this one does in place, if the family has it.
-const Row* partner_of(const Row& row, std::span<const Row> rows) {
+const Row* partner_of(const Row& row, const Rows& rows) {
     std::string name = row.name;
     const std::size_t mark = name.rfind("_I");
     if (row.form != Form::in_place || mark == std::string::npos) return nullptr;
@@ -603,8 +670,8 @@ private:
     std::function<void()> body;
 };
 
-void add(const std::string& suite, const char* name, const Row& row, const std::function<void()>& body) {
-    testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, row.file, row.line,
+void add(const std::string& suite, const char* name, const std::function<void()>& body) {
+    testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, __FILE__, __LINE__,
                           [body]() -> testing::Test* { return new RowTest(body); });
 }
 
@@ -620,18 +687,21 @@ const char* exported_name(void (*function)()) {
     return info.dli_sname;
 }
 
-bool add_rows(const char* family, std::span<const Row> rows) {
+bool add_rows(const char* family, const Rows& added) {
+    static std::list<Rows> kept; // as long as the program
+    const Rows& rows = kept.emplace_back(added);
     for (const Row& row : rows) {
         const std::string suite = family + std::string("/").append(row.name);
         const Row* partner = partner_of(row, rows);
-        add(suite, "matches_reference", row, [&row] { matches_reference(row); });
-        add(suite, "obeys_frame", row, [&row] { obeys_frame(row); });
-        add(suite, "keeps_modes", row, [&row] { keeps_modes(row); });
-        if (row.tolerance >= 0 && !row.depends_on_rounding)
-            add(suite, "feels_rounding_little", row, [&row] { feels_rounding_little(row); });
-        add(suite, "stays_inside", row, [&row] { stays_inside(row); });
+        add(suite, "matches_reference", [&row] { matches_reference(row); });
+        if (scales_integers(row)) add(suite, "takes_every_factor", [&row] { takes_every_factor(row); });
+        add(suite, "obeys_frame", [&row] { obeys_frame(row); });
+        add(suite, "keeps_modes", [&row] { keeps_modes(row); });
+        if (row.tolerance >= 0 && !row.depends_on_rounding && !all_outputs_integer(row))
+            add(suite, "feels_rounding_little", [&row] { feels_rounding_little(row); });
+        add(suite, "stays_inside", [&row] { stays_inside(row); });
         if (partner || !aliases(row).empty())
-            add(suite, "in_place_is_same", row, [&row, partner] { in_place_is_same(row, partner); });
+            add(suite, "in_place_is_same", [&row, partner] { in_place_is_same(row, partner); });
     }
     return true;
 }

@@ -1,15 +1,14 @@
 // Rows: one line of a family's table states a function and its reference, and every row is put through the same tests.
 //
-//     const Row rows[] = {
-//         row(kelsConj_32fc, each(conjugate)),
-//         in_place(kelsConj_32fc_I, each(conjugate)),
-//         row(kelsFlip_8u, whole(reversed)).disjoint(),
-//         reduction(kelsSum_32f, reduced(sum)).ulps(1),
+//     const Rows table = {
+//         rows(each(conjugate), kelsConj_32fc, kelsConj_64fc).in_place(kelsConj_32fc_I, kelsConj_64fc_I),
+//         rows(whole(reversed), kelsFlip_8u, kelsFlip_16u).disjoint(),
+//         reductions(reduced(sum), kelsSum_32f).ulps(1),
 //     };
-//     const bool registered = add_rows("Movement", rows);
+//     const bool registered = add_rows("Movement", table);
 //
-// The tests of a row are named Family/function.matches_reference, .obeys_frame, .keeps_modes, .feels_rounding_little,
-// .stays_inside and .in_place_is_same.
+// The tests of a row are named Family/function.matches_reference, .takes_every_factor, .obeys_frame, .keeps_modes,
+// .feels_rounding_little, .stays_inside and .in_place_is_same.
 //
 // What an argument is follows from the signature. A pointer to const is a source, any other pointer before the length a
 // destination (in an `in_place` row: source and destination in one), one after the length a result of one element. The
@@ -28,6 +27,7 @@
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace kels_test {
 
@@ -164,16 +164,41 @@ struct Signature {
     }
 };
 
-/// Calls f with one index sequence for each array of positions.
-template <const auto& First, const auto& Second, const auto& Third, class F>
-auto with_positions(F f) {
-    return [&]<std::size_t... I, std::size_t... J, std::size_t... K>(
-        std::index_sequence<I...>, std::index_sequence<J...>, std::index_sequence<K...>) {
-        return f(std::index_sequence<First[I]...>{}, std::index_sequence<Second[J]...>{},
-                 std::index_sequence<Third[K]...>{});
+/// What f makes of each position.
+template <const auto& positions, class F>
+auto tuple_of(F f) {
+    return [&]<std::size_t... K>(std::index_sequence<K...>) {
+        return std::tuple{f.template operator()<positions[K]>()...};
     }
-    (std::make_index_sequence<First.size()>{}, std::make_index_sequence<Second.size()>{},
-     std::make_index_sequence<Third.size()>{});
+    (std::make_index_sequence<positions.size()>{});
+}
+
+// Pointers to what a reference works on
+
+template <class S>
+auto inputs_of(const Frame& frame) {
+    return tuple_of<S::inputs>(
+        [&]<std::size_t I>() { return static_cast<const typename S::template Element<I>*>(frame.in[I]); });
+}
+template <class S>
+auto outputs_of(const Frame& frame) {
+    return tuple_of<S::outputs>(
+        [&]<std::size_t I>() { return static_cast<typename S::template Element<I>*>(frame.out[I]); });
+}
+template <class S>
+auto values_of(const Frame& frame) {
+    return tuple_of<S::values>(
+        [&]<std::size_t I>() { return static_cast<const typename S::template Type<I>*>(frame.in[I]); });
+}
+
+/// f(arguments..., len, values...)
+template <class S, class Arguments, class F>
+auto call_reference(const Frame& frame, const Arguments& arguments, F f) {
+    return std::apply(
+        [&](auto... a) {
+            return std::apply([&](auto... v) { return f(a..., frame.len, *v...); }, values_of<S>(frame));
+        },
+        arguments);
 }
 
 /// Stores a reference's value, rounding it once if it is wider than the element.
@@ -194,14 +219,13 @@ template <class F>
 struct Each {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        static_assert(S::outputs.size() == 1, "a reference for one element has one result");
-        with_positions<S::inputs, S::values, S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t O>(
-            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O>) {
-            auto* out = static_cast<typename S::template Element<O>*>(frame.out[O]);
-            for (int i = 0; i < frame.len; ++i)
-                put(out[i], F{}(static_cast<const typename S::template Element<I>*>(frame.in[I])[i]...,
-                                *static_cast<const typename S::template Type<V>*>(frame.in[V])...));
-        });
+        const auto [out] = outputs_of<S>(frame); // a reference for one element has one result
+        for (int i = 0; i < frame.len; ++i)
+            std::apply(
+                [&, to = out](auto... x) {
+                    std::apply([&](auto... v) { put(to[i], F{}(x[i]..., *v...)); }, values_of<S>(frame));
+                },
+                inputs_of<S>(frame));
         return kelStatusOk;
     }
 };
@@ -210,21 +234,15 @@ template <class F>
 struct Whole {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        return with_positions<S::inputs, S::values,
-                              S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t... O>(
-            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O...>) {
-            const auto compute = [&] {
-                return F{}(static_cast<const typename S::template Element<I>*>(frame.in[I])...,
-                           static_cast<typename S::template Element<O>*>(frame.out[O])..., frame.len,
-                           *static_cast<const typename S::template Type<V>*>(frame.in[V])...);
-            };
-            if constexpr (std::is_void_v<decltype(compute())>) {
-                compute();
-                return kelStatusOk;
-            } else {
-                return compute();
-            }
-        });
+        const auto compute = [&] {
+            return call_reference<S>(frame, std::tuple_cat(inputs_of<S>(frame), outputs_of<S>(frame)), F{});
+        };
+        if constexpr (std::is_void_v<decltype(compute())>) {
+            compute();
+            return kelStatusOk;
+        } else {
+            return compute();
+        }
     }
 };
 
@@ -245,14 +263,8 @@ template <class F>
 struct Reduced {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        static_assert(S::outputs.size() == 1, "a reference that returns the result has one");
-        with_positions<S::inputs, S::values, S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t O>(
-            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O>) {
-            put_within(*static_cast<typename S::template Element<O>*>(frame.out[O]),
-                       F{}(static_cast<const typename S::template Element<I>*>(frame.in[I])..., frame.len,
-                           *static_cast<const typename S::template Type<V>*>(frame.in[V])...),
-                       frame.slack);
-        });
+        const auto [out] = outputs_of<S>(frame); // a reference that returns the result has one
+        put_within(*out, call_reference<S>(frame, inputs_of<S>(frame), F{}), frame.slack);
         return kelStatusOk;
     }
 };
@@ -264,17 +276,12 @@ template <class F>
 struct Placed {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        return with_positions<S::inputs, S::values,
-                              S::outputs>([&]<std::size_t... I, std::size_t... V, std::size_t... O>(
-            std::index_sequence<I...>, std::index_sequence<V...>, std::index_sequence<O...>) {
-            std::array<void*, S::arguments.size()> arrays{};
-            std::size_t count = 0;
-            for (std::size_t i = 0; i < S::arguments.size(); ++i)
-                if (S::arguments[i].is_pointer()) arrays[count++] = frame.place[i];
-            return F{}(Places(arrays).first(count), static_cast<const typename S::template Element<I>*>(frame.in[I])...,
-                       static_cast<typename S::template Element<O>*>(frame.out[O])..., frame.len,
-                       *static_cast<const typename S::template Type<V>*>(frame.in[V])...);
-        });
+        std::array<void*, S::arguments.size()> arrays{};
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < S::arguments.size(); ++i)
+            if (S::arguments[i].is_pointer()) arrays[count++] = frame.place[i];
+        const auto places = std::tuple(Places(arrays).first(count));
+        return call_reference<S>(frame, std::tuple_cat(places, inputs_of<S>(frame), outputs_of<S>(frame)), F{});
     }
 };
 
@@ -321,8 +328,6 @@ struct Row {
     Form form = Form::separate;
     KelStatus (*call)(void (*function)(), void* const* slots) = nullptr;
     KelStatus (*reference)(const Frame&) = nullptr;
-    const char* file = nullptr;
-    int line = 0;
 
     int tolerance = every_bit;
     int shortest_length = 1;
@@ -337,36 +342,51 @@ struct Row {
         int count = 0;
         double items[12];
     } choices[3];
+};
 
-    /// Floating-point results within n units in the last place, and any NaN for a NaN. Without this, every bit counts.
-    Row ulps(int n) const { return with(&Row::tolerance, n); }
+/// Rows that have something in common.
+class Rows : public std::vector<Row> {
+public:
+    explicit Rows(std::vector<Row> rows) : std::vector<Row>(std::move(rows)) {}
+    Rows(std::initializer_list<Rows> parts) {
+        for (const Rows& part : parts) insert(end(), part.begin(), part.end());
+    }
+
+    /// Floating-point results within n units in the last place, and any NaN for a NaN. Without this, and in integers,
+    /// every bit counts.
+    Rows ulps(int n) const { return with(&Row::tolerance, n); }
     /// Lengths below n are bad.
-    Row shortest(int n) const { return with(&Row::shortest_length, n); }
+    Rows shortest(int n) const { return with(&Row::shortest_length, n); }
     /// The destination may not be a source.
-    Row disjoint() const { return with(&Row::needs_disjoint, true); }
+    Rows disjoint() const { return with(&Row::needs_disjoint, true); }
     /// A bad length is found before a null pointer.
-    Row length_first() const { return with(&Row::checks_length_first, true); }
+    Rows length_first() const { return with(&Row::checks_length_first, true); }
     /// A null source is no error in itself; the family tests what it means.
-    Row nullable_sources() const { return with(&Row::takes_null_sources, true); }
-    /// This argument may be null; the family tests what it means.
-    Row nullable(int argument) const { return with(&Row::nullable_arguments, nullable_arguments | 1U << argument); }
+    Rows nullable_sources() const { return with(&Row::takes_null_sources, true); }
+    /// These arguments may be null; the family tests what it means.
+    Rows nullable(std::initializer_list<int> arguments) const {
+        unsigned set = 0;
+        for (const int argument : arguments) set |= 1U << argument;
+        return with(&Row::nullable_arguments, set);
+    }
     /// Results follow the rounding mode that the caller has set in the x87 unit.
-    Row follows_rounding() const { return with(&Row::depends_on_rounding, true); }
+    Rows follows_rounding() const { return with(&Row::depends_on_rounding, true); }
     /// Random data lie in [from, to]; special values come all the same.
-    Row range(double from, double to) const { return with(&Row::low, from).with(&Row::high, to); }
+    Rows range(double from, double to) const { return with(&Row::low, from).with(&Row::high, to); }
     /// The index-th value argument takes one of these only.
-    Row values(int index, std::initializer_list<double> items) const {
-        Row row = *this;
-        for (double item : items) row.choices[index].items[row.choices[index].count++] = item;
-        return row;
+    Rows values(int index, std::initializer_list<double> items) const {
+        Rows rows = *this;
+        for (Row& row : rows)
+            for (double item : items) row.choices[index].items[row.choices[index].count++] = item;
+        return rows;
     }
 
 private:
     template <class T, class U>
-    Row with(T Row::*member, U value) const {
-        Row row = *this;
-        row.*member = value;
-        return row;
+    Rows with(T Row::*member, U value) const {
+        Rows rows = *this;
+        for (Row& row : rows) row.*member = value;
+        return rows;
     }
 };
 
@@ -374,40 +394,50 @@ private:
 const char* exported_name(void (*function)());
 
 template <Form form, class Reference, class... A>
-Row make_row(KelStatus (*function)(A...), const char* file, int line) {
+Row make_row(KelStatus (*function)(A...)) {
     using S = Signature<form, A...>;
-    const auto any = reinterpret_cast<void (*)()>(function);
     Row row;
-    row.function = any;
-    row.name = exported_name(any);
+    row.function = reinterpret_cast<void (*)()>(function);
+    row.name = exported_name(row.function);
     row.arguments = S::arguments;
     row.form = form;
     row.call = S::call;
     row.reference = Reference::template run<S>;
     row.depends_on_place = is_placed<Reference>;
-    row.file = file;
-    row.line = line;
     return row;
 }
 
-template <class Reference, class... A>
-Row row(KelStatus (*function)(A...), Reference, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
-    return make_row<Form::separate, Reference>(function, file, line);
+/// Rows with one reference. Options come behind the last of them.
+template <class Reference>
+struct RowsOf : Rows {
+    template <Form form, class... Functions>
+    static RowsOf of(Functions... functions) {
+        return {Rows({make_row<form, Reference>(functions)...})};
+    }
+    /// And the same, in place.
+    template <class... Functions>
+    RowsOf in_place(Functions... functions) const {
+        return {Rows{*this, of<Form::in_place>(functions...)}};
+    }
+};
+
+template <class Reference, class... Functions>
+RowsOf<Reference> rows(Reference, Functions... functions) {
+    return RowsOf<Reference>::template of<Form::separate>(functions...);
 }
 
-template <class Reference, class... A>
-Row in_place(KelStatus (*function)(A...), Reference, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
-    return make_row<Form::in_place, Reference>(function, file, line);
+template <class Reference, class... Functions>
+RowsOf<Reference> in_place(Reference, Functions... functions) {
+    return RowsOf<Reference>::template of<Form::in_place>(functions...);
 }
 
-template <class Reference, class... A>
-Row reduction(KelStatus (*function)(A...), Reference, const char* file = __builtin_FILE(),
-              int line = __builtin_LINE()) {
-    return make_row<Form::reduction, Reference>(function, file, line);
+template <class Reference, class... Functions>
+RowsOf<Reference> reductions(Reference, Functions... functions) {
+    return RowsOf<Reference>::template of<Form::reduction>(functions...);
 }
 
-/// Registers the tests of every row. `rows` must live as long as the program. An in-place row whose name, without the
-/// ending, is that of another row is also held against it.
-bool add_rows(const char* family, std::span<const Row> rows);
+/// Registers the tests of every row. An in-place row whose name, without the ending, is that of another row is also
+/// held against it.
+bool add_rows(const char* family, const Rows& rows);
 
 } // namespace kels_test

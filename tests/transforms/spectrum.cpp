@@ -3,8 +3,9 @@
 
 #include "kels/spectrum.h"
 #include "support/exact.h"
-#include "support/guarded_memory.h"
+#include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -19,11 +20,7 @@
 
 namespace {
 
-using kels_test::complex_product;
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 
 enum Layout { pack, perm, ccs };
 
@@ -64,43 +61,39 @@ constexpr auto expanded = whole([]<class T, class Complex>(const T* src, Complex
         expand<layout>(src, dst, len);
 });
 
-const Row expansions[] = {
-    row(kelsConjPack_16sc, expanded<pack>), row(kelsConjPack_32fc, expanded<pack>),
-    row(kelsConjPack_64fc, expanded<pack>), row(kelsConjPerm_16sc, expanded<perm>),
-    row(kelsConjPerm_32fc, expanded<perm>), row(kelsConjPerm_64fc, expanded<perm>),
+const Rows expansions = {
+    rows(expanded<pack>, kelsConjPack_16sc, kelsConjPack_32fc, kelsConjPack_64fc),
+    rows(expanded<perm>, kelsConjPerm_16sc, kelsConjPerm_32fc, kelsConjPerm_64fc),
 };
 
-const Row expansions_in_place[] = {
-    in_place(kelsConjPack_16sc_I, expanded<pack>), in_place(kelsConjPack_32fc_I, expanded<pack>),
-    in_place(kelsConjPack_64fc_I, expanded<pack>), in_place(kelsConjPerm_16sc_I, expanded<perm>),
-    in_place(kelsConjPerm_32fc_I, expanded<perm>), in_place(kelsConjPerm_64fc_I, expanded<perm>),
-    in_place(kelsConjCcs_16sc_I, expanded<ccs>),   in_place(kelsConjCcs_32fc_I, expanded<ccs>),
-    in_place(kelsConjCcs_64fc_I, expanded<ccs>),
+const Rows expansions_in_place = {
+    in_place(expanded<pack>, kelsConjPack_16sc_I, kelsConjPack_32fc_I, kelsConjPack_64fc_I),
+    in_place(expanded<perm>, kelsConjPerm_16sc_I, kelsConjPerm_32fc_I, kelsConjPerm_64fc_I),
+    in_place(expanded<ccs>, kelsConjCcs_16sc_I, kelsConjCcs_32fc_I, kelsConjCcs_64fc_I),
 };
 
 /// CCS has more values than bins times one, so its rows would not know the source's length.
 template <class T, class Complex>
 void expand_ccs(KelStatus (*function)(const T*, Complex*, int)) {
-    kels_test::Random random("CCS");
+    Random random("CCS");
     for (int len = 1; len <= 140; ++len) {
         const std::size_t values = static_cast<std::size_t>(len) + 2 - static_cast<std::size_t>(len % 2);
-        kels_test::GuardedMemory source(values * sizeof(T)), result(static_cast<std::size_t>(len) * sizeof(Complex));
-        for (const bool at_end : {true, false}) {
-            auto* src = reinterpret_cast<T*>(at_end ? source.end() - values * sizeof(T) : source.begin());
-            auto* dst = reinterpret_cast<Complex*>(
-                at_end ? result.end() - static_cast<std::size_t>(len) * sizeof(Complex) : result.begin());
-            for (std::size_t i = 0; i < values; ++i)
-                src[i] = i % 5 == 1 ? std::numeric_limits<T>::lowest() : static_cast<T>(random.below(60000)) - 30000;
-            std::vector<Complex> expected(static_cast<std::size_t>(len));
-            expand<ccs>(src, expected.data(), len);
-            ASSERT_EQ(function(src, dst, len), kelStatusOk);
-            ASSERT_EQ(std::memcmp(dst, expected.data(), expected.size() * sizeof(Complex)), 0) << "length " << len;
+        const auto count = static_cast<std::size_t>(len);
+        std::vector<T> x(values);
+        for (std::size_t i = 0; i < values; ++i)
+            x[i] = i % 5 == 1 ? std::numeric_limits<T>::lowest() : static_cast<T>(random.below(60000)) - 30000;
+        std::vector<Complex> expected(count);
+        expand<ccs>(x.data(), expected.data(), len);
+        for (const Edge edge : edges) {
+            GuardedArray<T> src(x, edge);
+            GuardedArray<Complex> dst(count, edge);
+            ASSERT_EQ(function(src.data(), dst.data(), len), kelStatusOk);
+            ASSERT_TRUE(same_bits(dst.values(), expected)) << "length " << len;
         }
     }
     T src[4] = {};
     Complex dst[2] = {};
-    EXPECT_EQ(function(nullptr, dst, 0), kelStatusNullPtr);
-    EXPECT_EQ(function(src, nullptr, 0), kelStatusNullPtr);
+    expect_nulls_refused(function, src, dst, 0);
     EXPECT_EQ(function(src, dst, 0), kelStatusBadSize);
 }
 
@@ -150,26 +143,19 @@ constexpr auto truncated_product = whole([](const Kel16s* a, const Kel16s* b, Ke
     });
 });
 
-const Row products[] = {
-    row(kelsMulPack_32f, product<pack>).ulps(1),
-    row(kelsMulPack_64f, product<pack>).ulps(2),
-    row(kelsMulPack_16s_Sfs, truncated_product<pack>),
-    in_place(kelsMulPack_32f_I, product<pack>).ulps(1),
-    in_place(kelsMulPack_64f_I, product<pack>).ulps(2),
-    in_place(kelsMulPack_16s_ISfs, truncated_product<pack>),
-    row(kelsMulPerm_32f, product<perm>).ulps(1),
-    row(kelsMulPerm_64f, product<perm>).ulps(2),
-    row(kelsMulPerm_16s_Sfs, truncated_product<perm>),
-    in_place(kelsMulPerm_32f_I, product<perm>).ulps(1),
-    in_place(kelsMulPerm_64f_I, product<perm>).ulps(2),
-    in_place(kelsMulPerm_16s_ISfs, truncated_product<perm>),
-    in_place(kelsMulPackConj_32f_I, product<pack, -1>).ulps(1),
-    in_place(kelsMulPackConj_64f_I, product<pack, -1>).ulps(2),
+const Rows products = {
+    rows(product<pack>, kelsMulPack_32f).in_place(kelsMulPack_32f_I).ulps(1),
+    rows(product<pack>, kelsMulPack_64f).in_place(kelsMulPack_64f_I).ulps(2),
+    rows(truncated_product<pack>, kelsMulPack_16s_Sfs).in_place(kelsMulPack_16s_ISfs),
+    rows(product<perm>, kelsMulPerm_32f).in_place(kelsMulPerm_32f_I).ulps(1),
+    rows(product<perm>, kelsMulPerm_64f).in_place(kelsMulPerm_64f_I).ulps(2),
+    rows(truncated_product<perm>, kelsMulPerm_16s_Sfs).in_place(kelsMulPerm_16s_ISfs),
+    in_place(product<pack, -1>, kelsMulPackConj_32f_I).ulps(1),
+    in_place(product<pack, -1>, kelsMulPackConj_64f_I).ulps(2),
 };
 
-const bool registered = kels_test::add_rows("Spectrum", expansions) &&
-                        kels_test::add_rows("Spectrum", expansions_in_place) &&
-                        kels_test::add_rows("Spectrum", products);
+const bool registered =
+    add_rows("Spectrum", expansions) && add_rows("Spectrum", expansions_in_place) && add_rows("Spectrum", products);
 
 /// Four extremes: the imaginary part is 2^31, which 32 bits do not hold, and stays so until it is scaled.
 TEST(Spectrum, SixteenBitProductOfExtremes) {

@@ -2,6 +2,7 @@
 
 #include "kels/companding.h"
 #include "support/control_state.h"
+#include "support/literals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -13,9 +14,7 @@
 
 namespace {
 
-using kels_test::each;
-using kels_test::Row;
-using kels_test::row;
+using namespace kels_test;
 
 int decoded_a_law(int code) {
     const int v = code ^ 0x55, q = v & 15, e = v >> 4 & 7;
@@ -94,56 +93,43 @@ constexpr auto of_integers = each([](Kel16s x) { return Encoded(x); });
 template <Kel8u (*Encoded)(int)>
 constexpr auto of_reals = each([](Kel32f x) { return Encoded(sample(x)); });
 
-const Row rows[] = {
-    row(kelsALawToMuLaw_8u, a_law_to_mu_law),
-    row(kelsMuLawToALaw_8u, mu_law_to_a_law),
-    row(kelsALawToLin_8u16s, to_integers<decoded_a_law>),
-    row(kelsMuLawToLin_8u16s, to_integers<decoded_mu_law>),
-    row(kelsALawToLin_8u32f, to_reals<decoded_a_law>),
-    row(kelsMuLawToLin_8u32f, to_reals<decoded_mu_law>),
-    row(kelsLinToALaw_16s8u, of_integers<encoded_a_law>),
-    row(kelsLinToMuLaw_16s8u, of_integers<encoded_mu_law>),
-    row(kelsLinToALaw_32f8u, of_reals<encoded_a_law>).range(-1.1, 1.1),
-    row(kelsLinToMuLaw_32f8u, of_reals<encoded_mu_law>).range(-1.1, 1.1),
+const Rows table = {
+    rows(a_law_to_mu_law, kelsALawToMuLaw_8u),
+    rows(mu_law_to_a_law, kelsMuLawToALaw_8u),
+    rows(to_integers<decoded_a_law>, kelsALawToLin_8u16s),
+    rows(to_integers<decoded_mu_law>, kelsMuLawToLin_8u16s),
+    rows(to_reals<decoded_a_law>, kelsALawToLin_8u32f),
+    rows(to_reals<decoded_mu_law>, kelsMuLawToLin_8u32f),
+    rows(of_integers<encoded_a_law>, kelsLinToALaw_16s8u),
+    rows(of_integers<encoded_mu_law>, kelsLinToMuLaw_16s8u),
+    rows(of_reals<encoded_a_law>, kelsLinToALaw_32f8u).range(-1.1, 1.1),
+    rows(of_reals<encoded_mu_law>, kelsLinToMuLaw_32f8u).range(-1.1, 1.1),
 };
 
-const bool registered = kels_test::add_rows("Companding", rows);
-
-template <class T, class R>
-void expect(KelStatus (*function)(const T*, R*, int), const std::vector<T>& x, const std::vector<R>& want) {
-    std::vector<R> d(x.size());
-    ASSERT_EQ(function(x.data(), d.data(), static_cast<int>(x.size())), kelStatusOk);
-    EXPECT_EQ(d, want);
-}
+const bool registered = add_rows("Companding", table);
 
 TEST(Companding, LiteralValues) {
-    expect<Kel16s, Kel8u>(kelsLinToALaw_16s8u, {0, -1, -7, -8, 32767, -32768}, {0xD5, 0x5A, 0x5A, 0x55, 0xAA, 0x2A});
-    expect<Kel16s, Kel8u>(kelsLinToMuLaw_16s8u, {0, -1, 32767, 32635, -32768}, {0xFF, 0x7F, 0x80, 0x80, 0x00});
-    expect<Kel8u, Kel16s>(kelsALawToLin_8u16s, {0xD5, 0x55, 0xAA, 0x2A}, {8, -8, 32256, -32256});
-    expect<Kel8u, Kel16s>(kelsMuLawToLin_8u16s, {0xFF, 0x7F, 0x00, 0x80}, {0, 0, -32124, 32124});
-    expect<Kel8u, Kel8u>(kelsALawToMuLaw_8u, {26, 154}, {48, 176});
-    expect<Kel8u, Kel8u>(kelsMuLawToALaw_8u, {47, 175}, {5, 133});
+    expect_results(kelsLinToALaw_16s8u, {0, -1, -7, -8, 32767, -32768}, {0xD5, 0x5A, 0x5A, 0x55, 0xAA, 0x2A});
+    expect_results(kelsLinToMuLaw_16s8u, {0, -1, 32767, 32635, -32768}, {0xFF, 0x7F, 0x80, 0x80, 0x00});
+    expect_results(kelsALawToLin_8u16s, {0xD5, 0x55, 0xAA, 0x2A}, {8, -8, 32256, -32256});
+    expect_results(kelsMuLawToLin_8u16s, {0xFF, 0x7F, 0x00, 0x80}, {0, 0, -32124, 32124});
+    expect_results(kelsALawToMuLaw_8u, {26, 154}, {48, 176});
+    expect_results(kelsMuLawToALaw_8u, {47, 175}, {5, 133});
     const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
-    expect<Kel32f, Kel8u>(kelsLinToMuLaw_32f8u, {1, 7e37F, HUGE_VALF, nan, -nan, -1, -2, -HUGE_VALF},
-                          {0x80, 0x80, 0x80, 0x80, 0x80, 0x00, 0x00, 0x00});
+    expect_results(kelsLinToMuLaw_32f8u, {1, 7e37F, HUGE_VALF, nan, -nan, -1, -2, -HUGE_VALF},
+                   {0x80, 0x80, 0x80, 0x80, 0x80, 0x00, 0x00, 0x00});
 }
 
 // Halves of a sample where the code changes, in every mode.
 TEST(Companding, SinglesRoundToNearestEven) {
-    const kels_test::KeepControlState keep;
     std::vector<Kel32f> x;
     std::vector<Kel8u> want;
     for (int i = -32768; i < 32767; ++i) {
         x.push_back((static_cast<Kel32f>(i) + 0.5F) / 32768);
         want.push_back(encoded_a_law(i % 2 == 0 ? i : i + 1));
     }
-    expect(kelsLinToALaw_32f8u, x, want);
-    for (const auto& modes : kels_test::odd_modes) {
-        modes.load();
-        std::vector<Kel8u> d(x.size());
-        kelsLinToALaw_32f8u(x.data(), d.data(), static_cast<int>(x.size()));
-        EXPECT_TRUE(d == want);
-    }
+    expect_results(kelsLinToALaw_32f8u, x, want);
+    in_odd_modes([&] { expect_results(kelsLinToALaw_32f8u, x, want); });
 }
 
 TEST(Companding, CodesComeBack) {

@@ -3,6 +3,7 @@
 #include "kels/conversion.h"
 #include "support/control_state.h"
 #include "support/exact.h"
+#include "support/literals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -18,11 +19,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::each;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::scaled;
+using namespace kels_test;
 
 // References
 
@@ -61,7 +58,7 @@ constexpr auto normalized = each([]<class T>(T x, T sub, auto divisor) {
     const long double reciprocal = 1.0L / divisor;
     const auto part = [=](long double a, long double b) { return (a - b) * reciprocal; };
     if constexpr (ComplexSample<T>)
-        return kels_test::ExactComplex{part(x.re, sub.re), part(x.im, sub.im)};
+        return ExactComplex{part(x.re, sub.re), part(x.im, sub.im)};
     else
         return part(x, sub);
 });
@@ -88,51 +85,42 @@ constexpr auto normalized_integer = each([]<class T>(T x, T sub, int divisor, in
 template <class R>
 constexpr auto to_integer = each(ToInteger<R>{});
 
-Row in_each_mode(const Row& row) { return row.values(0, {0, 1, 1, -1, 2, INT_MIN}); }
+Rows in_each_mode(const Rows& rows) { return rows.values(0, {0, 1, 1, -1, 2, INT_MIN}); }
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
 
-Row with_telling_divisors(const Row& row) {
+Rows with_telling_divisors(const Rows& row) {
     return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, 1.18e-38, -3e38, HUGE_VAL, nan, 123457});
 }
-Row with_extreme_divisors(const Row& row) {
+Rows with_extreme_divisors(const Rows& row) {
     return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e300, 1e-300, 2.3e-308, -1.7e308, HUGE_VAL, nan, 1e-39});
 }
-Row with_whole_divisors(const Row& row) {
+Rows with_whole_divisors(const Rows& row) {
     return row.values(1, {1, 2, -1, 3, -7, 1000, INT_MAX, INT_MIN, 10, 5, 6, 4}).follows_rounding();
 }
 
-const Row rows[] = {
-    row(kelsConvert_8s16s, same),
-    row(kelsConvert_16s32s, same),
-    row(kelsConvert_8s32f, same),
-    row(kelsConvert_8u32f, same),
-    row(kelsConvert_16s32f, same),
-    row(kelsConvert_16u32f, same),
-    row(kelsConvert_32f64f, same).ulps(0),
-    row(kelsConvert_32s64f, same),
-    row(kelsConvert_32s32f, each(extended)).follows_rounding(),
-    row(kelsConvert_32s16s, saturated),
-    row(kelsConvert_64f32f, limited).follows_rounding(),
-    row(kelsConvert_16s32f_Sfs, each(TimesPower<-112, 126>{})),
-    row(kelsConvert_32s32f_Sfs, each(TimesPower<-96, 126>{})).follows_rounding(),
-    row(kelsConvert_16s64f_Sfs, each(TimesPower<-1008, 1022>{})),
-    row(kelsConvert_32s64f_Sfs, each(TimesPower<-992, 1022>{})),
-    in_each_mode(row(kelsConvert_32f8s_Sfs, to_integer<Kel8s>)),
-    in_each_mode(row(kelsConvert_32f8u_Sfs, to_integer<Kel8u>)),
-    in_each_mode(row(kelsConvert_32f16s_Sfs, to_integer<Kel16s>)),
-    in_each_mode(row(kelsConvert_32f16u_Sfs, to_integer<Kel16u>)),
-    in_each_mode(row(kelsConvert_32f32s_Sfs, to_integer<Kel32s>)),
-    in_each_mode(row(kelsConvert_64f32s_Sfs, to_integer<Kel32s>)),
-    with_telling_divisors(row(kelsNormalize_32f, normalized).ulps(1)),
-    with_telling_divisors(row(kelsNormalize_32fc, normalized).ulps(1)),
-    with_extreme_divisors(row(kelsNormalize_64f, normalized).ulps(1)),
-    with_extreme_divisors(row(kelsNormalize_64fc, normalized).ulps(1)),
-    with_whole_divisors(row(kelsNormalize_16s_Sfs, normalized_integer)),
-    with_whole_divisors(row(kelsNormalize_16sc_Sfs, normalized_integer)),
+const Rows table = {
+    rows(same, kelsConvert_8s16s, kelsConvert_16s32s, kelsConvert_8s32f, kelsConvert_8u32f, kelsConvert_16s32f,
+         kelsConvert_16u32f, kelsConvert_32s64f),
+    rows(same, kelsConvert_32f64f).ulps(0),
+    rows(each(extended), kelsConvert_32s32f).follows_rounding(),
+    rows(saturated, kelsConvert_32s16s),
+    rows(limited, kelsConvert_64f32f).follows_rounding(),
+    rows(each(TimesPower<-112, 126>{}), kelsConvert_16s32f_Sfs),
+    rows(each(TimesPower<-96, 126>{}), kelsConvert_32s32f_Sfs).follows_rounding(),
+    rows(each(TimesPower<-1008, 1022>{}), kelsConvert_16s64f_Sfs),
+    rows(each(TimesPower<-992, 1022>{}), kelsConvert_32s64f_Sfs),
+    in_each_mode(rows(to_integer<Kel8s>, kelsConvert_32f8s_Sfs)),
+    in_each_mode(rows(to_integer<Kel8u>, kelsConvert_32f8u_Sfs)),
+    in_each_mode(rows(to_integer<Kel16s>, kelsConvert_32f16s_Sfs)),
+    in_each_mode(rows(to_integer<Kel16u>, kelsConvert_32f16u_Sfs)),
+    in_each_mode(rows(to_integer<Kel32s>, kelsConvert_32f32s_Sfs, kelsConvert_64f32s_Sfs)),
+    with_telling_divisors(rows(normalized, kelsNormalize_32f, kelsNormalize_32fc)).ulps(1),
+    with_extreme_divisors(rows(normalized, kelsNormalize_64f, kelsNormalize_64fc)).ulps(1),
+    with_whole_divisors(rows(normalized_integer, kelsNormalize_16s_Sfs, kelsNormalize_16sc_Sfs)),
 };
 
-const bool registered = kels_test::add_rows("Conversion", rows);
+const bool registered = add_rows("Conversion", table);
 
 // Every number that lies on, or beside, an integer, a half or a limit, at every scale factor that leaves something.
 
@@ -177,60 +165,44 @@ TEST(RealToInteger, BoundariesAtEveryScaleFactor) {
     expect_right_at_boundaries(kelsConvert_64f32s_Sfs, -1120, 1040);
 }
 
-template <class T, class R>
-void expect(KelStatus (*function)(const T*, R*, int, int, int), int mode, int factor, std::initializer_list<T> x,
-            std::initializer_list<R> want) {
-    std::vector<R> d(x.size());
-    ASSERT_EQ(function(x.begin(), d.data(), static_cast<int>(x.size()), mode, factor), kelStatusOk);
-    EXPECT_EQ(d, std::vector<R>(want)) << "mode " << mode << ", factor " << factor;
-}
-
 TEST(RealToInteger, LiteralValues) {
     constexpr Kel32f inf = std::numeric_limits<Kel32f>::infinity();
-    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, 0, {2.5F, 3.5F, -2.5F, 32767.4F, 32767.5F, -32767.6F},
-                           {2, 4, -2, 32767, 32767, -32768});
-    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 0, 0, {2.9F, -2.9F, 32767.9F, 32768.0F, -32768.9F},
-                           {2, -2, 32767, 32767, -32768});
-    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, 2, {6, 10}, {2, 2});
-    expect<Kel32f, Kel16s>(kelsConvert_32f16s_Sfs, 1, -2, {3.25F}, {13});
-    expect<Kel32f, Kel8u>(kelsConvert_32f8u_Sfs, 1, 0, {-0.0F, -0.4F, 255.4F, 300.0F, inf, -inf},
-                          {0, 0, 255, 255, 255, 0});
-    expect<Kel32f, Kel32s>(kelsConvert_32f32s_Sfs, 1, 0, {2147483648.0F, std::nanf("")}, {INT_MAX, INT_MIN});
+    expect_results(kelsConvert_32f16s_Sfs, {2.5F, 3.5F, -2.5F, 32767.4F, 32767.5F, -32767.6F},
+                   {2, 4, -2, 32767, 32767, -32768}, 1, 0);
+    expect_results(kelsConvert_32f16s_Sfs, {2.9F, -2.9F, 32767.9F, 32768.0F, -32768.9F}, {2, -2, 32767, 32767, -32768},
+                   0, 0);
+    expect_results(kelsConvert_32f16s_Sfs, {6, 10}, {2, 2}, 1, 2);
+    expect_results(kelsConvert_32f16s_Sfs, {3.25F}, {13}, 1, -2);
+    expect_results(kelsConvert_32f8u_Sfs, {-0.0F, -0.4F, 255.4F, 300.0F, inf, -inf}, {0, 0, 255, 255, 255, 0}, 1, 0);
+    expect_results(kelsConvert_32f32s_Sfs, {2147483648.0F, std::nanf("")}, {INT_MAX, INT_MIN}, 1, 0);
 }
 
 // A caller that rounds up and takes denormals for zeros: neither shows, and both stay.
 TEST(RealToInteger, CallersModesDoNotMatterAndStay) {
-    const kels_test::KeepControlState keep;
-    const kels_test::ControlState modes = {0x0B7F, 0x5FC0};
+    const ControlState modes = {0x0B7F, 0x5FC0};
     std::vector<Kel32f> x(100, 2.5F);
     x[7] = 0x1p-149F;
-    std::vector<Kel16s> d(100);
-    modes.load();
-    kelsConvert_32f16s_Sfs(x.data(), d.data(), 100, 1, 0);
-    const bool stayed = kels_test::ControlState::current().same_modes(modes);
-    const Kel16s rounded = d[8];
-    kelsConvert_32f16s_Sfs(x.data(), d.data(), 100, 0, -150);
-    const Kel16s from_denormal = d[7];
-    kels_test::ControlState{0x037F, 0x1F80}.load();
+    std::vector<Kel16s> rounded(100), from_denormal(100);
+    const bool stayed = under(modes, [&] {
+        kelsConvert_32f16s_Sfs(x.data(), rounded.data(), 100, 1, 0);
+        kelsConvert_32f16s_Sfs(x.data(), from_denormal.data(), 100, 0, -150);
+        return ControlState::current().same_modes(modes);
+    });
     EXPECT_TRUE(stayed);
-    EXPECT_EQ(rounded, 2);
-    EXPECT_EQ(from_denormal, 2);
+    EXPECT_EQ(rounded[8], 2);
+    EXPECT_EQ(from_denormal[7], 2);
 }
 
 TEST(Normalize, LiteralValues) {
-    const Kel16s x[] = {1, 3, 5, -1, -3}, want[] = {0, 2, 2, 0, -2}, most = 32767;
-    Kel16s d[5];
-    ASSERT_EQ(kelsNormalize_16s_Sfs(x, d, 5, 0, 2, 0), kelStatusOk);
-    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
-    ASSERT_EQ(kelsNormalize_16s_Sfs(&most, d, 1, -32768, 1, 0), kelStatusOk);
-    EXPECT_EQ(d[0], 32767);
+    expect_results(kelsNormalize_16s_Sfs, {1, 3, 5, -1, -3}, {0, 2, 2, 0, -2}, 0, 2, 0);
+    expect_results(kelsNormalize_16s_Sfs, {32767}, {32767}, -32768, 1, 0);
     // Nothing times an infinite factor, in any mode.
-    for (const auto& modes : {kels_test::default_modes, kels_test::ControlState{0x067F, 0x3F80}}) {
-        under(modes, [&] { return kelsNormalize_16s_Sfs(&most, d, 1, 32767, 1, -1024); });
-        under(modes, [&] { return kelsNormalize_16s_Sfs(&most, d + 1, 1, 32767, 100, -2000); });
-        EXPECT_EQ(d[0], 32767);
-        EXPECT_EQ(d[1], 32767);
-    }
+    const auto expect_most = [] {
+        expect_results(kelsNormalize_16s_Sfs, {32767}, {32767}, 32767, 1, -1024);
+        expect_results(kelsNormalize_16s_Sfs, {32767}, {32767}, 32767, 100, -2000);
+    };
+    expect_most();
+    in_odd_modes(expect_most);
 }
 
 // Quotients as close to a half as a divisor of 31 bits lets them come, and halves themselves.

@@ -4,6 +4,7 @@
 #include "kels/division.h"
 #include "kels/services.h"
 #include "support/exact.h"
+#include "support/literals.h"
 #include "support/random_data.h"
 #include "support/rows.h"
 
@@ -20,16 +21,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::in_place;
-using kels_test::placed;
-using kels_test::Places;
-using kels_test::Random;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::scaled;
-using kels_test::sum_of_products;
-using kels_test::whole;
+using namespace kels_test;
 
 template <class T>
 const T nan_of = std::numeric_limits<T>::quiet_NaN();
@@ -207,40 +199,32 @@ constexpr auto dividing = whole([](const Kel16u* a, Kel16u* d, int len, Kel16u v
     return std::any_of(a, a + len, is_zero<Kel16u>) ? kelStatusDivByZeroValues : kelStatusOk;
 });
 
-Row by_bytes(const Row& row) { return row.values(0, {1, 2, 3, 5, 7, 10, 16, 77, 100, 128, 254, 255}); }
-Row by_words(const Row& row) { return row.values(0, {1, -1, 2, 3, -7, 10, 1000, 181, -32768, 32767, -100, 6}); }
-Row by_reals(const Row& row) {
+Rows by_bytes(const Rows& rows) { return rows.values(0, {1, 2, 3, 5, 7, 10, 16, 77, 100, 128, 254, 255}); }
+Rows by_words(const Rows& rows) { return rows.values(0, {1, -1, 2, 3, -7, 10, 1000, 181, -32768, 32767, -100, 6}); }
+Rows by_reals(const Rows& row) {
     return row.values(0, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, -3e38, 2, HUGE_VAL, 49, -10});
 }
-Row by_complex(const Row& row) { return row.values(0, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, -3e38, 2, 7, 49, -10}); }
+Rows by_complex(const Rows& rows) {
+    return rows.values(0, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, -3e38, 2, 7, 49, -10});
+}
 
-// clang-format off
-const Row rows[] = {
-    row(kelsDiv_32f, divided).ulps(1),                      in_place(kelsDiv_32f_I, divided).ulps(1),
-    row(kelsDiv_64f, divided).ulps(1),                      in_place(kelsDiv_64f_I, divided).ulps(1),
-    row(kelsDiv_32fc, divided).ulps(1),                     in_place(kelsDiv_32fc_I, divided).ulps(1),
-    row(kelsDiv_64fc, divided).ulps(2),                     in_place(kelsDiv_64fc_I, divided).ulps(2),
-    row(kelsDiv_8u_Sfs, divided_integers),                  in_place(kelsDiv_8u_ISfs, divided_integers),
-    row(kelsDiv_16s_Sfs, divided_integers),                 in_place(kelsDiv_16s_ISfs, divided_integers),
-    row(kelsDiv_16sc_Sfs, divided_integers),                in_place(kelsDiv_16sc_ISfs, divided_integers),
-
-    by_reals(row(kelsDivC_32f, divided_by_constant)).ulps(0),
-    by_reals(in_place(kelsDivC_32f_I, divided_by_constant)).ulps(0),
-    by_reals(row(kelsDivC_64f, divided_by_constant)).ulps(1),
-    by_reals(in_place(kelsDivC_64f_I, divided_by_constant)).ulps(1),
-    by_complex(row(kelsDivC_32fc, divided_by_constant)).ulps(1),
-    by_complex(in_place(kelsDivC_32fc_I, divided_by_constant)).ulps(1),
-    by_complex(row(kelsDivC_64fc, divided_by_constant)).ulps(2),
-    by_complex(in_place(kelsDivC_64fc_I, divided_by_constant)).ulps(2),
-    by_bytes(row(kelsDivC_8u_Sfs, divided_by_integer)),     by_bytes(in_place(kelsDivC_8u_ISfs, divided_by_integer)),
-    by_words(row(kelsDivC_16s_Sfs, divided_by_integer)),    by_words(in_place(kelsDivC_16s_ISfs, divided_by_integer)),
-    by_words(row(kelsDivC_16sc_Sfs, divided_by_complex)),   by_words(in_place(kelsDivC_16sc_ISfs, divided_by_complex)),
-
-    by_words(row(kelsDivCRev_16u, dividing)),               by_words(in_place(kelsDivCRev_16u_I, dividing)),
+const Rows table = {
+    rows(divided, kelsDiv_32f, kelsDiv_64f, kelsDiv_32fc)
+        .in_place(kelsDiv_32f_I, kelsDiv_64f_I, kelsDiv_32fc_I)
+        .ulps(1),
+    rows(divided, kelsDiv_64fc).in_place(kelsDiv_64fc_I).ulps(2),
+    rows(divided_integers, kelsDiv_8u_Sfs, kelsDiv_16s_Sfs, kelsDiv_16sc_Sfs)
+        .in_place(kelsDiv_8u_ISfs, kelsDiv_16s_ISfs, kelsDiv_16sc_ISfs),
+    by_reals(rows(divided_by_constant, kelsDivC_32f).in_place(kelsDivC_32f_I)).ulps(0),
+    by_reals(rows(divided_by_constant, kelsDivC_64f).in_place(kelsDivC_64f_I)).ulps(1),
+    by_complex(rows(divided_by_constant, kelsDivC_32fc).in_place(kelsDivC_32fc_I)).ulps(1),
+    by_complex(rows(divided_by_constant, kelsDivC_64fc).in_place(kelsDivC_64fc_I)).ulps(2),
+    by_bytes(rows(divided_by_integer, kelsDivC_8u_Sfs).in_place(kelsDivC_8u_ISfs)),
+    by_words(rows(divided_by_integer, kelsDivC_16s_Sfs).in_place(kelsDivC_16s_ISfs)),
+    by_words(rows(divided_by_complex, kelsDivC_16sc_Sfs).in_place(kelsDivC_16sc_ISfs)),
+    by_words(rows(dividing, kelsDivCRev_16u).in_place(kelsDivCRev_16u_I)),
 };
-// clang-format on
-
-const bool registered = kels_test::add_rows("Division", rows);
+const bool registered = add_rows("Division", table);
 
 // Zeros
 
@@ -266,10 +250,7 @@ TEST(Div, StoresWhatIsStatedForAZeroDivisor) {
 }
 
 TEST(Div, TiesGoToEven) {
-    const Kel16s a[] = {2, -1, 2, 2, 4}, b[] = {5, -32768, -5, 7, 2}, want[] = {2, 32767, -2, 4, 0};
-    Kel16s d[5];
-    ASSERT_EQ(kelsDiv_16s_Sfs(a, b, d, 5, 0), kelStatusOk);
-    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+    expect_results(kelsDiv_16s_Sfs, {2, -1, 2, 2, 4}, {5, -32768, -5, 7, 2}, {2, 32767, -2, 4, 0}, 0);
 }
 
 // A zero constant is an error, and who finds it when is told function by function.
@@ -426,8 +407,8 @@ void expect_cancelling_quotients(KelStatus (*function)(const T*, T*, int), doubl
     ASSERT_EQ(function(a.data(), d.data(), static_cast<int>(a.size())), kelStatusOk);
     for (std::size_t i = 0; i < a.size(); ++i) {
         const Fraction f = fraction(a[i], b[i]);
-        const P wanted = static_cast<P>(f.im / f.divisor), size = std::fabs(wanted);
-        ASSERT_LE(std::fabs(d[i].im - wanted), ulps * (std::nextafter(size, static_cast<P>(HUGE_VAL)) - size)) << i;
+        const P wanted = static_cast<P>(f.im / f.divisor);
+        ASSERT_LE(std::fabs(d[i].im - wanted), ulps * ulp(wanted)) << i;
     }
 }
 

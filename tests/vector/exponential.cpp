@@ -21,15 +21,7 @@
 
 namespace {
 
-using kels_test::each;
-using kels_test::in_place;
-using kels_test::Random;
-using kels_test::reduced;
-using kels_test::reduction;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
-using kels_test::Within;
+using namespace kels_test;
 
 template <class T>
 using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
@@ -233,29 +225,22 @@ struct Sum {
 constexpr auto logarithms = whole(Logarithms<RealLogarithm>{});
 constexpr auto integer_logarithms = whole(Logarithms<IntegerLogarithm>{});
 
-// clang-format off
-const Row rows[] = {
-    row(kelsExp_32f, singles).ulps(1).range(-90, 90),     in_place(kelsExp_32f_I, singles).ulps(1),
-    row(kelsExp_64f, doubles).ulps(1).range(-712, 712),   in_place(kelsExp_64f_I, doubles).ulps(1),
-    row(kelsExp_32f64f, doubles).ulps(1).range(-712, 712),
-    row(kelsExp_16s_Sfs, integers),                       in_place(kelsExp_16s_ISfs, integers),
-    row(kelsExp_32s_Sfs, integers).range(-60, 60),        in_place(kelsExp_32s_ISfs, integers),
-    row(kelsExp_64s_Sfs, longs).range(-80, 80),           in_place(kelsExp_64s_ISfs, longs),
-
-    row(kelsLn_32f, logarithms).ulps(1),                  in_place(kelsLn_32f_I, logarithms).ulps(1),
-    row(kelsLn_64f, logarithms).ulps(1),                  in_place(kelsLn_64f_I, logarithms).ulps(1),
-    row(kelsLn_64f32f, logarithms).ulps(1),
-    row(kelsLn_16s_Sfs, integer_logarithms),              in_place(kelsLn_16s_ISfs, integer_logarithms),
-    row(kelsLn_32s16s_Sfs, integer_logarithms),
-
-    reduction(kelsSumLn_32f, whole(Sum<Kel32f>{})).ulps(1).range(0.01, 100),
-    reduction(kelsSumLn_64f, whole(Sum<Kel64f>{})).ulps(1).range(0.01, 100),
-    reduction(kelsSumLn_32f64f, whole(Sum<Kel64f>{})).ulps(1).range(0.01, 100),
-    reduction(kelsSumLn_16s32f, whole(Sum<Kel32f>{})).ulps(1).range(-3, 32767),
+const Rows table = {
+    rows(singles, kelsExp_32f).range(-90, 90).ulps(1),
+    in_place(singles, kelsExp_32f_I).ulps(1),
+    rows(doubles, kelsExp_64f, kelsExp_32f64f).range(-712, 712).ulps(1),
+    in_place(doubles, kelsExp_64f_I).ulps(1),
+    rows(integers, kelsExp_16s_Sfs).in_place(kelsExp_16s_ISfs, kelsExp_32s_ISfs),
+    rows(integers, kelsExp_32s_Sfs).range(-60, 60),
+    rows(longs, kelsExp_64s_Sfs).range(-80, 80),
+    in_place(longs, kelsExp_64s_ISfs),
+    rows(logarithms, kelsLn_32f, kelsLn_64f, kelsLn_64f32f).in_place(kelsLn_32f_I, kelsLn_64f_I).ulps(1),
+    rows(integer_logarithms, kelsLn_16s_Sfs, kelsLn_32s16s_Sfs).in_place(kelsLn_16s_ISfs),
+    reductions(whole(Sum<Kel32f>{}), kelsSumLn_32f).range(0.01, 100).ulps(1),
+    reductions(whole(Sum<Kel64f>{}), kelsSumLn_64f, kelsSumLn_32f64f).range(0.01, 100).ulps(1),
+    reductions(whole(Sum<Kel32f>{}), kelsSumLn_16s32f).range(-3, 32767).ulps(1),
 };
-// clang-format on
-
-const bool registered = kels_test::add_rows("Exponential", rows);
+const bool registered = add_rows("Exponential", table);
 
 // Literal values
 

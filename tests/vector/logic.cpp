@@ -12,10 +12,7 @@
 
 namespace {
 
-using kels_test::each;
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
+using namespace kels_test;
 
 // The arguments may come in either order.
 constexpr auto conjunction = each([]<class T>(T a, T b) { return static_cast<T>(a & b); });
@@ -35,39 +32,22 @@ constexpr auto shifted_right = each([]<class T>(T x, int shift) {
 
 constexpr std::initializer_list<double> shifts = {0, 1, 3, 7, 8, 9, 15, 16, 17, 31, 32, INT_MAX};
 
-// clang-format off
-const Row rows[] = {
-    row(kelsAnd_8u, conjunction),                          in_place(kelsAnd_8u_I, conjunction),
-    row(kelsAnd_16u, conjunction),                         in_place(kelsAnd_16u_I, conjunction),
-    row(kelsAndC_8u, conjunction),                         in_place(kelsAndC_8u_I, conjunction),
-    row(kelsAndC_16u, conjunction),                        in_place(kelsAndC_16u_I, conjunction),
-
-    row(kelsOr_8u, disjunction),                           in_place(kelsOr_8u_I, disjunction),
-    row(kelsOr_16u, disjunction),                          in_place(kelsOr_16u_I, disjunction),
-    row(kelsOrC_8u, disjunction),                          in_place(kelsOrC_8u_I, disjunction),
-    row(kelsOrC_16u, disjunction),                         in_place(kelsOrC_16u_I, disjunction),
-
-    row(kelsXor_8u, difference),                           in_place(kelsXor_8u_I, difference),
-    row(kelsXor_16u, difference),                          in_place(kelsXor_16u_I, difference),
-    row(kelsXorC_8u, difference),                          in_place(kelsXorC_8u_I, difference),
-    row(kelsXorC_16u, difference),                         in_place(kelsXorC_16u_I, difference),
-
-    row(kelsNot_8u, complement),                           in_place(kelsNot_8u_I, complement),
-    row(kelsNot_16u, complement),                          in_place(kelsNot_16u_I, complement),
-
-    row(kelsLShiftC_8u, shifted_left).values(0, shifts),   in_place(kelsLShiftC_8u_I, shifted_left).values(0, shifts),
-    row(kelsLShiftC_16u, shifted_left).values(0, shifts),  in_place(kelsLShiftC_16u_I, shifted_left).values(0, shifts),
-    row(kelsLShiftC_16s, shifted_left).values(0, shifts),  in_place(kelsLShiftC_16s_I, shifted_left).values(0, shifts),
-    row(kelsLShiftC_32s, shifted_left).values(0, shifts),  in_place(kelsLShiftC_32s_I, shifted_left).values(0, shifts),
-
-    row(kelsRShiftC_8u, shifted_right).values(0, shifts),  in_place(kelsRShiftC_8u_I, shifted_right).values(0, shifts),
-    row(kelsRShiftC_16u, shifted_right).values(0, shifts), in_place(kelsRShiftC_16u_I, shifted_right).values(0, shifts),
-    row(kelsRShiftC_16s, shifted_right).values(0, shifts), in_place(kelsRShiftC_16s_I, shifted_right).values(0, shifts),
-    row(kelsRShiftC_32s, shifted_right).values(0, shifts), in_place(kelsRShiftC_32s_I, shifted_right).values(0, shifts),
+const Rows table = {
+    rows(conjunction, kelsAnd_8u, kelsAnd_16u, kelsAndC_8u, kelsAndC_16u)
+        .in_place(kelsAnd_8u_I, kelsAnd_16u_I, kelsAndC_8u_I, kelsAndC_16u_I),
+    rows(disjunction, kelsOr_8u, kelsOr_16u, kelsOrC_8u, kelsOrC_16u)
+        .in_place(kelsOr_8u_I, kelsOr_16u_I, kelsOrC_8u_I, kelsOrC_16u_I),
+    rows(difference, kelsXor_8u, kelsXor_16u, kelsXorC_8u, kelsXorC_16u)
+        .in_place(kelsXor_8u_I, kelsXor_16u_I, kelsXorC_8u_I, kelsXorC_16u_I),
+    rows(complement, kelsNot_8u, kelsNot_16u).in_place(kelsNot_8u_I, kelsNot_16u_I),
+    rows(shifted_left, kelsLShiftC_8u, kelsLShiftC_16u, kelsLShiftC_16s, kelsLShiftC_32s)
+        .in_place(kelsLShiftC_8u_I, kelsLShiftC_16u_I, kelsLShiftC_16s_I, kelsLShiftC_32s_I)
+        .values(0, shifts),
+    rows(shifted_right, kelsRShiftC_8u, kelsRShiftC_16u, kelsRShiftC_16s, kelsRShiftC_32s)
+        .in_place(kelsRShiftC_8u_I, kelsRShiftC_16u_I, kelsRShiftC_16s_I, kelsRShiftC_32s_I)
+        .values(0, shifts),
 };
-// clang-format on
-
-const bool registered = kels_test::add_rows("Logic", rows);
+const bool registered = add_rows("Logic", table);
 
 TEST(Shift, NegativeShiftStoresNothing) {
     const Kel8u x[] = {1, 2};

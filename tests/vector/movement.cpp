@@ -10,10 +10,7 @@
 
 namespace {
 
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 
 // References move bytes, so that no register changes a NaN.
 
@@ -82,69 +79,23 @@ constexpr auto conjugated_reversed = whole([]<class T>(const T* src, T* dst, int
     }
 });
 
-const Row rows[] = {
-    row(kelsCopy_8u, copied),
-    row(kelsCopy_16s, copied),
-    row(kelsCopy_16sc, copied),
-    row(kelsCopy_32f, copied),
-    row(kelsCopy_32fc, copied),
-    row(kelsCopy_64f, copied),
-    row(kelsCopy_64fc, copied),
-
-    row(kelsZero_8u, zeroed),
-    row(kelsZero_16s, zeroed),
-    row(kelsZero_16sc, zeroed),
-    row(kelsZero_32f, zeroed),
-    row(kelsZero_32fc, zeroed),
-    row(kelsZero_64f, zeroed),
-    row(kelsZero_64fc, zeroed),
-
-    row(kelsSet_8u, filled),
-    row(kelsSet_16s, filled),
-    row(kelsSet_16sc, filled),
-    row(kelsSet_32s, filled),
-    row(kelsSet_32sc, filled),
-    row(kelsSet_32f, filled),
-    row(kelsSet_32fc, filled),
-    row(kelsSet_64s, filled),
-    row(kelsSet_64sc, filled),
-    row(kelsSet_64f, filled),
-    row(kelsSet_64fc, filled),
-
-    row(kelsFlip_8u, reversed).disjoint(),
-    row(kelsFlip_16u, reversed).disjoint(),
-    row(kelsFlip_32f, reversed).disjoint(),
-    row(kelsFlip_64f, reversed).disjoint(),
-    in_place(kelsFlip_8u_I, reversed),
-    in_place(kelsFlip_16u_I, reversed),
-    in_place(kelsFlip_32f_I, reversed),
-    in_place(kelsFlip_64f_I, reversed),
-
-    row(kelsReal_16sc, real_part),
-    row(kelsReal_32fc, real_part),
-    row(kelsReal_64fc, real_part),
-    row(kelsImag_16sc, imaginary_part),
-    row(kelsImag_32fc, imaginary_part),
-    row(kelsImag_64fc, imaginary_part),
-    row(kelsCplxToReal_16sc, both_parts),
-    row(kelsCplxToReal_32fc, both_parts),
-    row(kelsCplxToReal_64fc, both_parts),
-    row(kelsRealToCplx_16s, joined).nullable_sources(),
-    row(kelsRealToCplx_32f, joined).nullable_sources(),
-    row(kelsRealToCplx_64f, joined).nullable_sources(),
-
-    row(kelsConj_16sc, conjugated),
-    row(kelsConj_32fc, conjugated),
-    row(kelsConj_64fc, conjugated),
-    in_place(kelsConj_16sc_I, conjugated),
-    in_place(kelsConj_32fc_I, conjugated),
-    in_place(kelsConj_64fc_I, conjugated),
-    row(kelsConjFlip_16sc, conjugated_reversed).disjoint(),
-    row(kelsConjFlip_32fc, conjugated_reversed).disjoint(),
-    row(kelsConjFlip_64fc, conjugated_reversed).disjoint(),
+const Rows table = {
+    rows(copied, kelsCopy_8u, kelsCopy_16s, kelsCopy_16sc, kelsCopy_32f, kelsCopy_32fc, kelsCopy_64f, kelsCopy_64fc),
+    rows(zeroed, kelsZero_8u, kelsZero_16s, kelsZero_16sc, kelsZero_32f, kelsZero_32fc, kelsZero_64f, kelsZero_64fc),
+    rows(filled, kelsSet_8u, kelsSet_16s, kelsSet_16sc, kelsSet_32s, kelsSet_32sc, kelsSet_64s, kelsSet_64sc,
+         kelsSet_32f, kelsSet_32fc, kelsSet_64f, kelsSet_64fc),
+    rows(reversed, kelsFlip_8u, kelsFlip_16u, kelsFlip_32f, kelsFlip_64f).disjoint(),
+    in_place(reversed, kelsFlip_8u_I, kelsFlip_16u_I, kelsFlip_32f_I, kelsFlip_64f_I),
+    rows(real_part, kelsReal_16sc, kelsReal_32fc, kelsReal_64fc),
+    rows(imaginary_part, kelsImag_16sc, kelsImag_32fc, kelsImag_64fc),
+    rows(both_parts, kelsCplxToReal_16sc, kelsCplxToReal_32fc, kelsCplxToReal_64fc),
+    rows(joined, kelsRealToCplx_16s, kelsRealToCplx_32f, kelsRealToCplx_64f).nullable_sources(),
+    rows(conjugated, kelsConj_16sc, kelsConj_32fc, kelsConj_64fc)
+        .in_place(kelsConj_16sc_I, kelsConj_32fc_I, kelsConj_64fc_I),
+    rows(conjugated_reversed, kelsConjFlip_16sc, kelsConjFlip_32fc, kelsConjFlip_64fc).disjoint(),
 };
 
-[[maybe_unused]] const bool registered = kels_test::add_rows("Movement", rows);
+const bool registered = add_rows("Movement", table);
 
 template <class P, class C>
 void join_with_null_sources(KelStatus (*join)(const P*, const P*, C*, int)) {

@@ -3,6 +3,7 @@
 
 #include "kels/polar.h"
 #include "support/control_state.h"
+#include "support/literals.h"
 #include "support/random_data.h"
 #include "support/rows.h"
 
@@ -21,13 +22,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::each;
-using kels_test::in_place;
-using kels_test::Random;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 
 template <class T>
 using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
@@ -195,34 +190,22 @@ constexpr auto integer_power = of_points(IntegerPower{});
 constexpr auto polar = whole(Polar{});
 constexpr auto cartesian = whole(Cartesian{});
 
-// clang-format off
-const Row rows[] = {
-    row(kelsArctan_32f, arctangent).ulps(1),              in_place(kelsArctan_32f_I, arctangent).ulps(1),
-    row(kelsArctan_64f, arctangent).ulps(1),              in_place(kelsArctan_64f_I, arctangent).ulps(1),
-
-    row(kelsPhase_32fc, phase).ulps(1),                   row(kelsPhase_32f, phase).ulps(1),
-    row(kelsPhase_64fc, phase).ulps(1),                   row(kelsPhase_64f, phase).ulps(1),
-    row(kelsPhase_16sc32f, phase).ulps(1),                row(kelsPhase_16s32f, phase).ulps(1),
-    row(kelsPhase_16sc_Sfs, integer_phase),               row(kelsPhase_16s_Sfs, integer_phase),
-
-    row(kelsMagnitude_32fc, magnitude).ulps(0),           row(kelsMagnitude_32f, magnitude).ulps(0),
-    row(kelsMagnitude_64fc, magnitude).ulps(1),           row(kelsMagnitude_64f, magnitude).ulps(1),
-    row(kelsMagnitude_16sc32f, magnitude).ulps(0),        row(kelsMagnitude_32sc_Sfs, integer_magnitude).follows_rounding(),
-    row(kelsMagnitude_16sc_Sfs, integer_magnitude).follows_rounding(), row(kelsMagnitude_16s_Sfs, integer_magnitude).follows_rounding(),
-
-    row(kelsPowerSpectr_32fc, power).ulps(1),             row(kelsPowerSpectr_32f, power).ulps(1),
-    row(kelsPowerSpectr_64fc, power).ulps(1),             row(kelsPowerSpectr_64f, power).ulps(1),
-    row(kelsPowerSpectr_16sc32f, power).ulps(0),          row(kelsPowerSpectr_16s32f, power).ulps(0),
-    row(kelsPowerSpectr_16sc_Sfs, integer_power),         row(kelsPowerSpectr_16s_Sfs, integer_power),
-
-    row(kelsCartToPolar_32fc, polar).ulps(1).nullable(1).nullable(2), row(kelsCartToPolar_32f, polar).ulps(1).nullable(2).nullable(3).disjoint(),
-    row(kelsCartToPolar_64fc, polar).ulps(1).nullable(1).nullable(2), row(kelsCartToPolar_64f, polar).ulps(1).nullable(2).nullable(3).disjoint(),
-    row(kelsPolarToCart_32fc, cartesian).ulps(1),         row(kelsPolarToCart_32f, cartesian).ulps(1),
-    row(kelsPolarToCart_64fc, cartesian).ulps(1),         row(kelsPolarToCart_64f, cartesian).ulps(1),
+const Rows table = {
+    rows(arctangent, kelsArctan_32f, kelsArctan_64f).in_place(kelsArctan_32f_I, kelsArctan_64f_I).ulps(1),
+    rows(phase, kelsPhase_32fc, kelsPhase_32f, kelsPhase_64fc, kelsPhase_64f, kelsPhase_16sc32f, kelsPhase_16s32f)
+        .ulps(1),
+    rows(integer_phase, kelsPhase_16sc_Sfs, kelsPhase_16s_Sfs),
+    rows(magnitude, kelsMagnitude_32fc, kelsMagnitude_32f, kelsMagnitude_16sc32f).ulps(0),
+    rows(magnitude, kelsMagnitude_64fc, kelsMagnitude_64f).ulps(1),
+    rows(integer_magnitude, kelsMagnitude_32sc_Sfs, kelsMagnitude_16sc_Sfs, kelsMagnitude_16s_Sfs).follows_rounding(),
+    rows(power, kelsPowerSpectr_32fc, kelsPowerSpectr_32f, kelsPowerSpectr_64fc, kelsPowerSpectr_64f).ulps(1),
+    rows(power, kelsPowerSpectr_16sc32f, kelsPowerSpectr_16s32f).ulps(0),
+    rows(integer_power, kelsPowerSpectr_16sc_Sfs, kelsPowerSpectr_16s_Sfs),
+    rows(polar, kelsCartToPolar_32fc, kelsCartToPolar_64fc).nullable({1, 2}).ulps(1),
+    rows(polar, kelsCartToPolar_32f, kelsCartToPolar_64f).disjoint().nullable({2, 3}).ulps(1),
+    rows(cartesian, kelsPolarToCart_32fc, kelsPolarToCart_32f, kelsPolarToCart_64fc, kelsPolarToCart_64f).ulps(1),
 };
-// clang-format on
-
-const bool registered = kels_test::add_rows("Polar", rows);
+const bool registered = add_rows("Polar", table);
 
 // Literal values
 
@@ -244,35 +227,25 @@ TEST(Arctangent, NansAndEnds) {
 }
 
 TEST(Phase, LiteralIntegers) {
-    const auto phase_of = [](Kel16sc z, int factor) {
-        Kel16s d = 0;
-        EXPECT_EQ(kelsPhase_16sc_Sfs(&z, &d, 1, factor), kelStatusOk);
-        return d;
-    };
-    EXPECT_EQ(phase_of({-1, 0}, 0), 3);
-    EXPECT_EQ(phase_of({0, 0}, 0), 0);
-    EXPECT_EQ(phase_of({-1, 0}, -14), 32767);
-    EXPECT_EQ(phase_of({-1, 0}, -13), 25736);
-    EXPECT_EQ(phase_of({0, -1}, INT_MIN), -32768);
-    EXPECT_EQ(phase_of({1, 0}, INT_MIN), 0);
-    EXPECT_EQ(phase_of({-1, 0}, INT_MAX), 0);
+    expect_results(kelsPhase_16sc_Sfs, {{-1, 0}}, {3}, 0);
+    expect_results(kelsPhase_16sc_Sfs, {{0, 0}}, {0}, 0);
+    expect_results(kelsPhase_16sc_Sfs, {{-1, 0}}, {32767}, -14);
+    expect_results(kelsPhase_16sc_Sfs, {{-1, 0}}, {25736}, -13);
+    expect_results(kelsPhase_16sc_Sfs, {{0, -1}}, {-32768}, INT_MIN);
+    expect_results(kelsPhase_16sc_Sfs, {{1, 0}}, {0}, INT_MIN);
+    expect_results(kelsPhase_16sc_Sfs, {{-1, 0}}, {0}, INT_MAX);
 }
 
 TEST(Magnitude, LiteralIntegers) {
-    const auto magnitude_of = [](Kel16sc z, int factor) {
-        Kel16s d = 0;
-        EXPECT_EQ(kelsMagnitude_16sc_Sfs(&z, &d, 1, factor), kelStatusOk);
-        return d;
-    };
     const Kel16sc lowest = {-32768, -32768};
-    EXPECT_EQ(magnitude_of(lowest, 0), 32767);
-    EXPECT_EQ(magnitude_of(lowest, 1), 23170);
-    EXPECT_EQ(magnitude_of(lowest, 17), 0);
-    EXPECT_EQ(magnitude_of(lowest, -1), 32767);
-    EXPECT_EQ(magnitude_of({3, 4}, 0), 5);
-    EXPECT_EQ(magnitude_of({3, 0}, 1), 2);
-    EXPECT_EQ(magnitude_of({1, 0}, -14), 16384);
-    EXPECT_EQ(magnitude_of({1, 0}, -15), 32767);
+    expect_results(kelsMagnitude_16sc_Sfs, {lowest}, {32767}, 0);
+    expect_results(kelsMagnitude_16sc_Sfs, {lowest}, {23170}, 1);
+    expect_results(kelsMagnitude_16sc_Sfs, {lowest}, {0}, 17);
+    expect_results(kelsMagnitude_16sc_Sfs, {lowest}, {32767}, -1);
+    expect_results(kelsMagnitude_16sc_Sfs, {{3, 4}}, {5}, 0);
+    expect_results(kelsMagnitude_16sc_Sfs, {{3, 0}}, {2}, 1);
+    expect_results(kelsMagnitude_16sc_Sfs, {{1, 0}}, {16384}, -14);
+    expect_results(kelsMagnitude_16sc_Sfs, {{1, 0}}, {32767}, -15);
 }
 
 // Every first part with some second ones, at every factor that divides.
@@ -292,7 +265,6 @@ TEST(Magnitude, IntegersAreExact) {
 
 // The modes of the x87 unit decide where it is stated.
 TEST(Magnitude, FollowsTheCallersRounding) {
-    const kels_test::KeepControlState keep;
     struct {
         std::uint16_t word;
         Kel16s shorter[2];
@@ -301,21 +273,13 @@ TEST(Magnitude, FollowsTheCallersRounding) {
                        {0x077F, {2, 8}, {1, 2, 3}},
                        {0x0B7F, {3, 8}, {2, 3, 3}},
                        {0x0F7F, {2, 8}, {1, 2, 3}}};
-    for (const auto& c : cases) {
-        const Kel16sc shorter[] = {{1, 1}, {4, 0}};        // 2^(1/2), doubled: 2.83; 8
-        const Kel32sc longer[] = {{1, 1}, {2, 2}, {3, 0}}; // 1.41, 2.83, 3
-        Kel16s d[2];
-        Kel32s e[3];
-        const kels_test::ControlState set = {c.word, kels_test::ControlState::current().mxcsr};
-        set.load();
-        const KelStatus first = kelsMagnitude_16sc_Sfs(shorter, d, 2, -1);
-        const KelStatus second = kelsMagnitude_32sc_Sfs(longer, e, 3, 0);
-        kels_test::ControlState{0x037F, set.mxcsr}.load();
-        EXPECT_EQ(first, kelStatusOk);
-        EXPECT_EQ(second, kelStatusOk);
-        EXPECT_EQ(std::memcmp(d, c.shorter, sizeof d), 0) << std::hex << c.word << ": " << d[0] << ", " << d[1];
-        EXPECT_EQ(std::memcmp(e, c.longer, sizeof e), 0) << std::hex << c.word << ": " << e[0] << ", " << e[1];
-    }
+    for (const auto& c : cases)
+        under({c.word, default_modes.mxcsr}, [&] {
+            const auto& [a, b] = c.shorter; // 2^(1/2), doubled: 2.83; 8
+            expect_results(kelsMagnitude_16sc_Sfs, {{1, 1}, {4, 0}}, {a, b}, -1);
+            const auto& [d, e, f] = c.longer; // 1.41, 2.83, 3
+            expect_results(kelsMagnitude_32sc_Sfs, {{1, 1}, {2, 2}, {3, 0}}, {d, e, f}, 0);
+        });
 }
 
 TEST(Magnitude, SinglesKeepTheirBitsAtTheEndsOfTheRange) {
@@ -336,17 +300,11 @@ TEST(Magnitude, SinglesKeepTheirBitsAtTheEndsOfTheRange) {
 }
 
 TEST(PowerSpectrum, LiteralValues) {
-    const Kel16sc z[] = {{3, 4}, {-32768, -32768}};
-    Kel16s d[2];
-    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, 1), kelStatusOk);
-    EXPECT_EQ(d[0], 12);
-    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, -1), kelStatusOk);
-    EXPECT_EQ(d[0], 50);
-    ASSERT_EQ(kelsPowerSpectr_16sc_Sfs(z, d, 2, 31), kelStatusOk);
-    EXPECT_EQ(d[1], 1);
-    Kel32f f[2];
-    ASSERT_EQ(kelsPowerSpectr_16sc32f(z, f, 2), kelStatusOk);
-    EXPECT_EQ(f[1], 2147483648.0F);
+    const Kel16sc lowest = {-32768, -32768};
+    expect_results(kelsPowerSpectr_16sc_Sfs, {{3, 4}}, {12}, 1);
+    expect_results(kelsPowerSpectr_16sc_Sfs, {{3, 4}}, {50}, -1);
+    expect_results(kelsPowerSpectr_16sc_Sfs, {lowest}, {1}, 31);
+    expect_results(kelsPowerSpectr_16sc32f, {lowest}, {2147483648.0F});
 }
 
 TEST(CartesianToPolar, StoresEitherWithoutTheOther) {

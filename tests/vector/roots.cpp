@@ -5,6 +5,7 @@
 #include "kels/services.h"
 #include "support/control_state.h"
 #include "support/exact.h"
+#include "support/literals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -21,15 +22,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::each;
-using kels_test::ExactComplex;
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::scaled;
-using kels_test::under;
-using kels_test::whole;
+using namespace kels_test;
 
 // Squares
 
@@ -172,32 +165,24 @@ constexpr auto cube_rooted_integer = each([](Kel32s x, int factor) {
     return static_cast<Kel16s>(v > 32767 ? 32767 : v < -32768 ? -32768 : std::trunc(v));
 });
 
-// clang-format off
-const Row rows[] = {
-    row(kelsSqr_8u_Sfs, squared),                   in_place(kelsSqr_8u_ISfs, squared),
-    row(kelsSqr_16u_Sfs, squared),                  in_place(kelsSqr_16u_ISfs, squared),
-    row(kelsSqr_16s_Sfs, squared),                  in_place(kelsSqr_16s_ISfs, squared),
-    row(kelsSqr_16sc_Sfs, squared_complex),         in_place(kelsSqr_16sc_ISfs, squared_complex),
-    row(kelsSqr_32f, squared).ulps(0),              in_place(kelsSqr_32f_I, squared).ulps(0),
-    row(kelsSqr_32fc, squared_complex).ulps(1),     in_place(kelsSqr_32fc_I, squared_complex).ulps(1),
-    row(kelsSqr_64f, squared).ulps(1),              in_place(kelsSqr_64f_I, squared).ulps(1),
-    row(kelsSqr_64fc, squared_complex).ulps(1),     in_place(kelsSqr_64fc_I, squared_complex).ulps(1),
-
-    row(kelsSqrt_8u_Sfs, rooted_integers),          in_place(kelsSqrt_8u_ISfs, rooted_integers),
-    row(kelsSqrt_16u_Sfs, rooted_integers),         in_place(kelsSqrt_16u_ISfs, rooted_integers),
-    row(kelsSqrt_16s_Sfs, rooted_integers),         in_place(kelsSqrt_16s_ISfs, rooted_integers),
-    row(kelsSqrt_64s_Sfs, rooted_integers),         in_place(kelsSqrt_64s_ISfs, rooted_integers),
-    row(kelsSqrt_16sc_Sfs, rooted_complex_integer), in_place(kelsSqrt_16sc_ISfs, rooted_complex_integer),
-    row(kelsSqrt_32f, rooted).ulps(0),              in_place(kelsSqrt_32f_I, rooted).ulps(0),
-    row(kelsSqrt_32fc, rooted_complex).ulps(1),     in_place(kelsSqrt_32fc_I, rooted_complex).ulps(1),
-    row(kelsSqrt_64f, rooted).ulps(1),              in_place(kelsSqrt_64f_I, rooted).ulps(1),
-    row(kelsSqrt_64fc, rooted_complex).ulps(1),     in_place(kelsSqrt_64fc_I, rooted_complex).ulps(1),
-
-    row(kelsCubrt_32f, cube_rooted).ulps(1),        row(kelsCubrt_32s16s_Sfs, cube_rooted_integer),
+const Rows table = {
+    rows(squared, kelsSqr_8u_Sfs, kelsSqr_16u_Sfs, kelsSqr_16s_Sfs, kelsSqr_32f)
+        .in_place(kelsSqr_8u_ISfs, kelsSqr_16u_ISfs, kelsSqr_16s_ISfs, kelsSqr_32f_I)
+        .ulps(0),
+    rows(squared_complex, kelsSqr_16sc_Sfs, kelsSqr_32fc, kelsSqr_64fc)
+        .in_place(kelsSqr_16sc_ISfs, kelsSqr_32fc_I, kelsSqr_64fc_I)
+        .ulps(1),
+    rows(squared, kelsSqr_64f).in_place(kelsSqr_64f_I).ulps(1),
+    rows(rooted_integers, kelsSqrt_8u_Sfs, kelsSqrt_16u_Sfs, kelsSqrt_16s_Sfs, kelsSqrt_64s_Sfs)
+        .in_place(kelsSqrt_8u_ISfs, kelsSqrt_16u_ISfs, kelsSqrt_16s_ISfs, kelsSqrt_64s_ISfs),
+    rows(rooted_complex_integer, kelsSqrt_16sc_Sfs).in_place(kelsSqrt_16sc_ISfs),
+    rows(rooted, kelsSqrt_32f).in_place(kelsSqrt_32f_I).ulps(0),
+    rows(rooted_complex, kelsSqrt_32fc, kelsSqrt_64fc).in_place(kelsSqrt_32fc_I, kelsSqrt_64fc_I).ulps(1),
+    rows(rooted, kelsSqrt_64f).in_place(kelsSqrt_64f_I).ulps(1),
+    rows(cube_rooted, kelsCubrt_32f).ulps(1),
+    rows(cube_rooted_integer, kelsCubrt_32s16s_Sfs),
 };
-// clang-format on
-
-const bool registered = kels_test::add_rows("Roots", rows);
+const bool registered = add_rows("Roots", table);
 
 // Every scale factor on every 16-bit value, and on 64-bit values around the squares of halves and of integers.
 
@@ -222,13 +207,6 @@ std::vector<T> every_value() {
     std::vector<T> x;
     for (int v = std::numeric_limits<T>::min(); v <= std::numeric_limits<T>::max(); ++v) x.push_back(static_cast<T>(v));
     return x;
-}
-
-TEST(Square, EveryFactor) {
-    const auto square = [](auto x, int factor) { return scaled<decltype(x)>(static_cast<long double>(x) * x, factor); };
-    expect_every_factor(kelsSqr_8u_Sfs, every_value<Kel8u>(), square);
-    expect_every_factor(kelsSqr_16u_Sfs, every_value<Kel16u>(), square);
-    expect_every_factor(kelsSqr_16s_Sfs, every_value<Kel16s>(), square);
 }
 
 TEST(IntegerRoot, EveryFactorOfSmallTypes) {
@@ -261,34 +239,26 @@ TEST(IntegerRoot, EveryFactorOf64Bits) {
 
 // Literal values
 
-template <class T>
-void expect(KelStatus (*function)(const T*, T*, int, int), int factor, std::initializer_list<T> x,
-            std::initializer_list<T> want, KelStatus status = kelStatusOk) {
-    std::vector<T> d(x.size());
-    EXPECT_EQ(function(x.begin(), d.data(), static_cast<int>(x.size()), factor), status);
-    EXPECT_EQ(std::memcmp(d.data(), want.begin(), x.size() * sizeof(T)), 0) << "factor " << factor;
-}
-
 TEST(Square, LiteralValues) {
-    expect<Kel16s>(kelsSqr_16s_Sfs, 0, {181, 182}, {32761, 32767});
-    expect<Kel16s>(kelsSqr_16s_Sfs, 30, {-32768}, {1});
-    expect<Kel16s>(kelsSqr_16s_Sfs, 31, {-32768}, {0});
-    expect<Kel16u>(kelsSqr_16u_Sfs, 4, {5}, {2});
-    expect<Kel16u>(kelsSqr_16u_Sfs, 32, {46340, 46341, 65535}, {0, 1, 1});
-    expect<Kel8u>(kelsSqr_8u_Sfs, -8, {0, 1}, {0, 255});
-    expect<Kel16sc>(kelsSqr_16sc_Sfs, 0, {{-32768, -32768}}, {{0, 32767}});
+    expect_results(kelsSqr_16s_Sfs, {181, 182}, {32761, 32767}, 0);
+    expect_results(kelsSqr_16s_Sfs, {-32768}, {1}, 30);
+    expect_results(kelsSqr_16s_Sfs, {-32768}, {0}, 31);
+    expect_results(kelsSqr_16u_Sfs, {5}, {2}, 4);
+    expect_results(kelsSqr_16u_Sfs, {46340, 46341, 65535}, {0, 1, 1}, 32);
+    expect_results(kelsSqr_8u_Sfs, {0, 1}, {0, 255}, -8);
+    expect_results(kelsSqr_16sc_Sfs, {{-32768, -32768}}, {{0, 32767}}, 0);
 }
 
 TEST(IntegerRoot, LiteralValues) {
-    expect<Kel8u>(kelsSqrt_8u_Sfs, 0, {2, 3}, {1, 2});
-    expect<Kel8u>(kelsSqrt_8u_Sfs, 1, {9, 25, 49}, {2, 2, 4});
-    expect<Kel64s>(kelsSqrt_64s_Sfs, -16, {4294967295}, {4294967295});
-    expect<Kel64s>(kelsSqrt_64s_Sfs, -5, {18014398509481981}, {4294967296});
-    expect<Kel16s>(kelsSqrt_16s_Sfs, 9, {4, -1, -32768}, {0, 0, 0}, kelStatusSqrtNegArg);
-    expect<Kel16u>(kelsSqrt_16u_Sfs, 8, {65535}, {1});
-    expect<Kel16u>(kelsSqrt_16u_Sfs, 9, {65535}, {0});
-    expect<Kel16sc>(kelsSqrt_16sc_Sfs, 0, {{3, 4}, {-3, -4}, {-32768, -32768}}, {{2, 1}, {1, -2}, {82, -199}});
-    expect<Kel16sc>(kelsSqrt_16sc_Sfs, -1, {{3, -4}, {-4, 0}, {0, 0}}, {{4, -2}, {0, 4}, {0, 0}});
+    expect_results(kelsSqrt_8u_Sfs, {2, 3}, {1, 2}, 0);
+    expect_results(kelsSqrt_8u_Sfs, {9, 25, 49}, {2, 2, 4}, 1);
+    expect_results(kelsSqrt_64s_Sfs, {4294967295}, {4294967295}, -16);
+    expect_results(kelsSqrt_64s_Sfs, {18014398509481981}, {4294967296}, -5);
+    expect_results<kelStatusSqrtNegArg>(kelsSqrt_16s_Sfs, {4, -1, -32768}, {0, 0, 0}, 9);
+    expect_results(kelsSqrt_16u_Sfs, {65535}, {1}, 8);
+    expect_results(kelsSqrt_16u_Sfs, {65535}, {0}, 9);
+    expect_results(kelsSqrt_16sc_Sfs, {{3, 4}, {-3, -4}, {-32768, -32768}}, {{2, 1}, {1, -2}, {82, -199}}, 0);
+    expect_results(kelsSqrt_16sc_Sfs, {{3, -4}, {-4, 0}, {0, 0}}, {{4, -2}, {0, 4}, {0, 0}}, -1);
 }
 
 // Numbers whose root is as close to a half as it can be, at every width of a vector.

@@ -3,6 +3,7 @@
 
 #include "kels/thresholds.h"
 #include "support/exact.h"
+#include "support/literals.h"
 #include "support/random_data.h"
 #include "support/rows.h"
 
@@ -18,12 +19,7 @@
 
 namespace {
 
-using kels_test::ComplexSample;
-using kels_test::ExactComplex;
-using kels_test::in_place;
-using kels_test::Row;
-using kels_test::row;
-using kels_test::whole;
+using namespace kels_test;
 using Real = long double;
 
 // References. Elements are copied as bytes, so that none of their bits change.
@@ -230,90 +226,66 @@ constexpr std::initializer_list<double> integer_levels = {0, 1, 5, 80, 100, 181,
 constexpr std::initializer_list<double> real_levels = {0,    1,    0.3,      2.5,   100,  1e5,
                                                        1e-5, -0.0, HUGE_VAL, 1e-30, 1e30, NAN};
 
-// clang-format off
-const Row rows[] = {
-    row(kelsThreshold_16s, by_mode<ByBits>).values(1, modes),
-    in_place(kelsThreshold_16s_I, by_mode<ByBits>).values(1, modes),
-    row(kelsThreshold_16sc, clipped<false>).values(0, integer_levels).values(1, modes),
-    in_place(kelsThreshold_16sc_I, clipped<true>).values(0, integer_levels).values(1, modes),
-    row(kelsThreshold_32f, by_mode<ByBits>).values(1, modes),
-    in_place(kelsThreshold_32f_I, by_mode<ByBits>).values(1, modes),
-    row(kelsThreshold_32fc, clipped<false>).values(0, real_levels).values(1, modes).ulps(1),
-    row(kelsThreshold_64f, by_mode<ByValue>).values(1, modes),
-    row(kelsThreshold_64fc, clipped<false>).values(0, real_levels).values(1, modes).ulps(1),
-    in_place(kelsThreshold_64fc_I, clipped<true>).values(0, real_levels).values(1, modes).ulps(1),
-
-    row(kelsThreshold_LT_16s, by_side<ByBits, Side::below>),
-    in_place(kelsThreshold_LT_16s_I, by_side<ByBits, Side::below>),
-    row(kelsThreshold_LT_16sc, clipped_to<Side::below, false>).values(0, integer_levels),
-    in_place(kelsThreshold_LT_16sc_I, clipped_to<Side::below, true>).values(0, integer_levels),
-    row(kelsThreshold_LT_32f, by_side<ByBits, Side::below>),
-    in_place(kelsThreshold_LT_32f_I, by_side<ByBits, Side::below>),
-    row(kelsThreshold_LT_32fc, clipped_to<Side::below, false>).values(0, real_levels).ulps(1),
-    row(kelsThreshold_LT_64f, by_side<ByValue, Side::below>),
-    row(kelsThreshold_LT_64fc, clipped_to<Side::below, false>).values(0, real_levels).ulps(1),
-    in_place(kelsThreshold_LT_64fc_I, clipped_to<Side::below, true>).values(0, real_levels).ulps(1),
-
-    row(kelsThreshold_GT_16s, by_side<ByBits, Side::above>),
-    in_place(kelsThreshold_GT_16s_I, by_side<ByBits, Side::above>),
-    row(kelsThreshold_GT_16sc, clipped_to<Side::above, false>).values(0, integer_levels),
-    in_place(kelsThreshold_GT_16sc_I, clipped_to<Side::above, true>).values(0, integer_levels),
-    row(kelsThreshold_GT_32f, by_side<ByBits, Side::above>),
-    in_place(kelsThreshold_GT_32f_I, by_side<ByBits, Side::above>),
-    row(kelsThreshold_GT_32fc, clipped_to<Side::above, false>).values(0, real_levels).ulps(1),
-    row(kelsThreshold_GT_64f, by_side<ByValue, Side::above>),
-    row(kelsThreshold_GT_64fc, clipped_to<Side::above, false>).values(0, real_levels).ulps(1),
-    in_place(kelsThreshold_GT_64fc_I, clipped_to<Side::above, true>).values(0, real_levels).ulps(1),
-
-    row(kelsThreshold_LTVal_16s, with_value<ByBits, Side::below>),
-    in_place(kelsThreshold_LTVal_16s_I, with_value<ByBits, Side::below>),
-    row(kelsThreshold_LTVal_16sc, with_value<ByModulus, Side::below>).values(0, integer_levels),
-    in_place(kelsThreshold_LTVal_16sc_I, with_value<ByModulus, Side::below>).values(0, integer_levels),
-    row(kelsThreshold_LTVal_32f, with_value<ByBits, Side::below>),
-    in_place(kelsThreshold_LTVal_32f_I, with_value<ByBits, Side::below>),
-    row(kelsThreshold_LTVal_32fc, with_value<ByModulus, Side::below>).values(0, real_levels),
-    in_place(kelsThreshold_LTVal_32fc_I, with_value<ByModulus, Side::below>).values(0, real_levels),
-    row(kelsThreshold_LTVal_64f, with_value<ByValue, Side::below>),
-    row(kelsThreshold_LTVal_64fc, with_value<ByModulus, Side::below>).values(0, real_levels),
-    in_place(kelsThreshold_LTVal_64fc_I, with_value<ByModulus, Side::below>).values(0, real_levels),
-
-    row(kelsThreshold_GTVal_16s, with_value<ByBits, Side::above>),
-    in_place(kelsThreshold_GTVal_16s_I, with_value<ByBits, Side::above>),
-    row(kelsThreshold_GTVal_16sc, with_value<ByModulus, Side::above>).values(0, integer_levels),
-    in_place(kelsThreshold_GTVal_16sc_I, with_value<ByModulus, Side::above>).values(0, integer_levels),
-    row(kelsThreshold_GTVal_32f, with_value<ByBits, Side::above>),
-    in_place(kelsThreshold_GTVal_32f_I, with_value<ByBits, Side::above>),
-    row(kelsThreshold_GTVal_32fc, with_value<ByModulus, Side::above>).values(0, real_levels),
-    in_place(kelsThreshold_GTVal_32fc_I, with_value<ByModulus, Side::above>).values(0, real_levels),
-    row(kelsThreshold_GTVal_64f, with_value<ByValue, Side::above>),
-    row(kelsThreshold_GTVal_64fc, with_value<ByModulus, Side::above>).values(0, real_levels),
-    in_place(kelsThreshold_GTVal_64fc_I, with_value<ByModulus, Side::above>).values(0, real_levels),
-
-    row(kelsThreshold_LTInv_32f, limited).ulps(1).values(0, real_levels),
-    in_place(kelsThreshold_LTInv_32f_I, limited).ulps(1).values(0, real_levels),
-    row(kelsThreshold_LTInv_32fc, limited).ulps(1).values(0, real_levels),
-    in_place(kelsThreshold_LTInv_32fc_I, limited).ulps(1).values(0, real_levels),
-    row(kelsThreshold_LTInv_64f, limited).ulps(1).values(0, real_levels),
-    in_place(kelsThreshold_LTInv_64f_I, limited).ulps(1).values(0, real_levels),
-    row(kelsThreshold_LTInv_64fc, limited).ulps(2).values(0, real_levels),
-    in_place(kelsThreshold_LTInv_64fc_I, limited).ulps(2).values(0, real_levels),
+const Rows table = {
+    rows(by_mode<ByBits>, kelsThreshold_16s, kelsThreshold_32f)
+        .in_place(kelsThreshold_16s_I, kelsThreshold_32f_I)
+        .values(1, modes),
+    rows(clipped<false>, kelsThreshold_16sc).values(0, integer_levels).values(1, modes),
+    in_place(clipped<true>, kelsThreshold_16sc_I).values(0, integer_levels).values(1, modes),
+    rows(clipped<false>, kelsThreshold_32fc, kelsThreshold_64fc).values(0, real_levels).values(1, modes).ulps(1),
+    rows(by_mode<ByValue>, kelsThreshold_64f).values(1, modes),
+    in_place(clipped<true>, kelsThreshold_64fc_I).values(0, real_levels).values(1, modes).ulps(1),
+    rows(by_side<ByBits, Side::below>, kelsThreshold_LT_16s, kelsThreshold_LT_32f)
+        .in_place(kelsThreshold_LT_16s_I, kelsThreshold_LT_32f_I),
+    rows(clipped_to<Side::below, false>, kelsThreshold_LT_16sc).values(0, integer_levels),
+    in_place(clipped_to<Side::below, true>, kelsThreshold_LT_16sc_I).values(0, integer_levels),
+    rows(clipped_to<Side::below, false>, kelsThreshold_LT_32fc, kelsThreshold_LT_64fc).values(0, real_levels).ulps(1),
+    rows(by_side<ByValue, Side::below>, kelsThreshold_LT_64f),
+    in_place(clipped_to<Side::below, true>, kelsThreshold_LT_64fc_I).values(0, real_levels).ulps(1),
+    rows(by_side<ByBits, Side::above>, kelsThreshold_GT_16s, kelsThreshold_GT_32f)
+        .in_place(kelsThreshold_GT_16s_I, kelsThreshold_GT_32f_I),
+    rows(clipped_to<Side::above, false>, kelsThreshold_GT_16sc).values(0, integer_levels),
+    in_place(clipped_to<Side::above, true>, kelsThreshold_GT_16sc_I).values(0, integer_levels),
+    rows(clipped_to<Side::above, false>, kelsThreshold_GT_32fc, kelsThreshold_GT_64fc).values(0, real_levels).ulps(1),
+    rows(by_side<ByValue, Side::above>, kelsThreshold_GT_64f),
+    in_place(clipped_to<Side::above, true>, kelsThreshold_GT_64fc_I).values(0, real_levels).ulps(1),
+    rows(with_value<ByBits, Side::below>, kelsThreshold_LTVal_16s, kelsThreshold_LTVal_32f)
+        .in_place(kelsThreshold_LTVal_16s_I, kelsThreshold_LTVal_32f_I),
+    rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_16sc)
+        .in_place(kelsThreshold_LTVal_16sc_I)
+        .values(0, integer_levels),
+    rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_32fc, kelsThreshold_LTVal_64fc)
+        .in_place(kelsThreshold_LTVal_32fc_I, kelsThreshold_LTVal_64fc_I)
+        .values(0, real_levels),
+    rows(with_value<ByValue, Side::below>, kelsThreshold_LTVal_64f),
+    rows(with_value<ByBits, Side::above>, kelsThreshold_GTVal_16s, kelsThreshold_GTVal_32f)
+        .in_place(kelsThreshold_GTVal_16s_I, kelsThreshold_GTVal_32f_I),
+    rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_16sc)
+        .in_place(kelsThreshold_GTVal_16sc_I)
+        .values(0, integer_levels),
+    rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_32fc, kelsThreshold_GTVal_64fc)
+        .in_place(kelsThreshold_GTVal_32fc_I, kelsThreshold_GTVal_64fc_I)
+        .values(0, real_levels),
+    rows(with_value<ByValue, Side::above>, kelsThreshold_GTVal_64f),
+    rows(limited, kelsThreshold_LTInv_32f, kelsThreshold_LTInv_32fc, kelsThreshold_LTInv_64f)
+        .in_place(kelsThreshold_LTInv_32f_I, kelsThreshold_LTInv_32fc_I, kelsThreshold_LTInv_64f_I)
+        .values(0, real_levels)
+        .ulps(1),
+    rows(limited, kelsThreshold_LTInv_64fc).in_place(kelsThreshold_LTInv_64fc_I).values(0, real_levels).ulps(2),
 };
 
 // These differ from the ones out of place, where numbers have no order or zeros have signs.
-const Row rows_in_place[] = {
-    in_place(kelsThreshold_32fc_I, clipped<true>).values(0, real_levels).values(1, modes).ulps(1),
-    in_place(kelsThreshold_64f_I, by_mode<ByBits>).values(1, modes),
-    in_place(kelsThreshold_LT_32fc_I, clipped_to<Side::below, true>).values(0, real_levels).ulps(1),
-    in_place(kelsThreshold_LT_64f_I, by_side<ByBits, Side::below>),
-    in_place(kelsThreshold_GT_32fc_I, clipped_to<Side::above, true>).values(0, real_levels).ulps(1),
-    in_place(kelsThreshold_GT_64f_I, by_side<ByBits, Side::above>),
-    in_place(kelsThreshold_LTVal_64f_I, with_value<ByBits, Side::below>),
-    in_place(kelsThreshold_GTVal_64f_I, with_value<ByBits, Side::above>),
+const Rows rows_in_place = {
+    in_place(clipped<true>, kelsThreshold_32fc_I).values(0, real_levels).values(1, modes).ulps(1),
+    in_place(by_mode<ByBits>, kelsThreshold_64f_I).values(1, modes),
+    in_place(clipped_to<Side::below, true>, kelsThreshold_LT_32fc_I).values(0, real_levels).ulps(1),
+    in_place(by_side<ByBits, Side::below>, kelsThreshold_LT_64f_I),
+    in_place(clipped_to<Side::above, true>, kelsThreshold_GT_32fc_I).values(0, real_levels).ulps(1),
+    in_place(by_side<ByBits, Side::above>, kelsThreshold_GT_64f_I),
+    in_place(with_value<ByBits, Side::below>, kelsThreshold_LTVal_64f_I),
+    in_place(with_value<ByBits, Side::above>, kelsThreshold_GTVal_64f_I),
 };
-// clang-format on
-
-const bool registered =
-    kels_test::add_rows("Thresholds", rows) && kels_test::add_rows("ThresholdsInPlace", rows_in_place);
+const bool registered = add_rows("Thresholds", table) && add_rows("ThresholdsInPlace", rows_in_place);
 
 // Levels that may not be negative
 
@@ -338,7 +310,7 @@ TEST(Threshold, NegativeLevels) {
 TEST(ComplexThreshold, EveryLevelOfIntegers) {
     std::vector<Kel16sc> x = {{0, 0}, {3, 4},  {6, 8}, {-32768, -32768}, {-32768, 0}, {32767, 1},
                               {1, 0}, {0, -1}, {1, 1}};
-    kels_test::Random random("levels");
+    Random random("levels");
     for (int i = 0; i < 55; ++i) {
         const int k = 1 + random.below(2000), a = random.below(3), sign = random.below(2) ? 1 : -1;
         constexpr int triples[3][2] = {{3, 4}, {-5, 12}, {8, -15}};
@@ -358,32 +330,21 @@ TEST(ComplexThreshold, EveryLevelOfIntegers) {
         }
 }
 
-template <class T, class Level>
-void expect(KelStatus (*function)(const T*, T*, int, Level), Level level, const std::vector<T>& x,
-            const std::vector<T>& want, KelStatus status = kelStatusOk) {
-    std::vector<T> d(x.size());
-    EXPECT_EQ(function(x.data(), d.data(), static_cast<int>(x.size()), level), status);
-    EXPECT_EQ(std::memcmp(d.data(), want.data(), x.size() * sizeof(T)), 0) << "level " << +level;
-}
-
 TEST(Threshold, LiteralValues) {
-    expect<Kel16s, Kel16s>(kelsThreshold_LT_16s, 0, {0, -1, 5}, {0, 0, 5});
-    expect<Kel16s, Kel16s>(kelsThreshold_GT_16s, -32768, {0, -1, -32768, 32767}, {-32768, -32768, -32768, -32768});
-    expect<Kel16sc, Kel16s>(kelsThreshold_LT_16sc, 5, {{0, 0}, {3, 0}, {1, 1}, {3, 4}},
-                            {{5, 0}, {5, 0}, {4, 4}, {3, 4}});
-    expect<Kel16sc, Kel16s>(kelsThreshold_GT_16sc, 5, {{3, 4}, {6, 8}, {-6, -8}}, {{3, 4}, {3, 4}, {-3, -4}});
-    expect<Kel16sc, Kel16s>(kelsThreshold_GT_16sc, 32767, {{-32768, -32768}}, {{-23169, -23169}});
-    expect<Kel32f, Kel32f>(kelsThreshold_LT_32f, 0, {-0.0F, 1, -2}, {0, 1, 0});
-    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, 2, {4, 1, -1, 0, -0.0F}, {0.25F, 0.5F, -0.5F, 0.5F, 0.5F});
-    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, 0, {0, -0.0F, 4}, {HUGE_VALF, HUGE_VALF, 0.25F},
-                           kelStatusInvThreshZeroLevel);
-    expect<Kel32f, Kel32f>(kelsThreshold_LTInv_32f, -0.0F, {0, -0.0F, 4}, {HUGE_VALF, -HUGE_VALF, 0.25F});
-    expect<Kel64f, Kel64f>(kelsThreshold_LTInv_64f, 0, {5, -0.0, 4}, {0.2, HUGE_VAL, 0.25},
-                           kelStatusInvThreshZeroLevel);
-    expect<Kel32fc, Kel32f>(kelsThreshold_LTInv_32fc, 2, {{0, 1}, {0, 4}, {0, 0}},
-                            {{0, -0.5F}, {0, -0.25F}, {0.5F, 0}});
-    expect<Kel64fc, Kel64f>(kelsThreshold_LTInv_64fc, 0, {{0, 4}, {0, 0}, {1e-320, 0}},
-                            {{0, -0.25}, {HUGE_VAL, 0}, {HUGE_VAL, 0}}, kelStatusInvThreshZeroLevel);
+    expect_results(kelsThreshold_LT_16s, {0, -1, 5}, {0, 0, 5}, 0);
+    expect_results(kelsThreshold_GT_16s, {0, -1, -32768, 32767}, {-32768, -32768, -32768, -32768}, -32768);
+    expect_results(kelsThreshold_LT_16sc, {{0, 0}, {3, 0}, {1, 1}, {3, 4}}, {{5, 0}, {5, 0}, {4, 4}, {3, 4}}, 5);
+    expect_results(kelsThreshold_GT_16sc, {{3, 4}, {6, 8}, {-6, -8}}, {{3, 4}, {3, 4}, {-3, -4}}, 5);
+    expect_results(kelsThreshold_GT_16sc, {{-32768, -32768}}, {{-23169, -23169}}, 32767);
+    expect_results(kelsThreshold_LT_32f, {-0.0F, 1, -2}, {0, 1, 0}, 0);
+    expect_results(kelsThreshold_LTInv_32f, {4, 1, -1, 0, -0.0F}, {0.25F, 0.5F, -0.5F, 0.5F, 0.5F}, 2);
+    expect_results<kelStatusInvThreshZeroLevel>(kelsThreshold_LTInv_32f, {0, -0.0F, 4}, {HUGE_VALF, HUGE_VALF, 0.25F},
+                                                0);
+    expect_results(kelsThreshold_LTInv_32f, {0, -0.0F, 4}, {HUGE_VALF, -HUGE_VALF, 0.25F}, -0.0F);
+    expect_results<kelStatusInvThreshZeroLevel>(kelsThreshold_LTInv_64f, {5, -0.0, 4}, {0.2, HUGE_VAL, 0.25}, 0);
+    expect_results(kelsThreshold_LTInv_32fc, {{0, 1}, {0, 4}, {0, 0}}, {{0, -0.5F}, {0, -0.25F}, {0.5F, 0}}, 2);
+    expect_results<kelStatusInvThreshZeroLevel>(kelsThreshold_LTInv_64fc, {{0, 4}, {0, 0}, {1e-320, 0}},
+                                                {{0, -0.25}, {HUGE_VAL, 0}, {HUGE_VAL, 0}}, 0);
 }
 
 TEST(Threshold, NumbersWithoutOrder) {
@@ -428,7 +389,7 @@ template <class T>
 void expect_at_every_size(KelStatus (*function)(const T*, T*, int, decltype(T::re)), Side side, int ulps) {
     using P = decltype(T::re);
     constexpr int most = std::numeric_limits<P>::max_exponent;
-    kels_test::Random random("sizes");
+    Random random("sizes");
     for (int k = 0; k < 20000; ++k) {
         const auto part = [&](int exponent) {
             return static_cast<P>(std::ldexp(random.uniform(0.5, 1) * (random.below(2) ? 1 : -1), exponent));
@@ -443,9 +404,7 @@ void expect_at_every_size(KelStatus (*function)(const T*, T*, int, decltype(T::r
         clip_all<false>(z, want, 2, side, level);
         for (int i = 0; i < 2; ++i)
             for (const auto& [got, wanted] : {std::pair(d[i].re, want[i].re), std::pair(d[i].im, want[i].im)}) {
-                const P above = std::nextafter(std::fabs(wanted), std::numeric_limits<P>::infinity());
-                ASSERT_LE(std::fabs(static_cast<Real>(got) - wanted),
-                          ulps * (static_cast<Real>(above) - std::fabs(wanted)))
+                ASSERT_LE(std::fabs(static_cast<Real>(got) - wanted), ulps * ulp(wanted))
                     << z[i].re << ", " << z[i].im << " to " << level;
             }
     }

@@ -4,6 +4,7 @@
 #include "support/control_state.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -18,8 +19,7 @@
 
 namespace {
 
-using kels_test::GuardedArray;
-using kels_test::Random;
+using namespace kels_test;
 
 // Exact integers of 96 bits
 
@@ -151,46 +151,28 @@ std::vector<T> expected_signal(const Bands<T>& bands, int scaleFactor) {
 
 // Forms
 
+template <auto forward_, auto inverse_, auto scaled_forward_ = nullptr, auto scaled_inverse_ = nullptr>
+struct Functions {
+    static constexpr auto forward = forward_;
+    static constexpr auto inverse = inverse_;
+    static constexpr auto scaled_forward = scaled_forward_;
+    static constexpr auto scaled_inverse = scaled_inverse_;
+};
+
 template <class T>
 struct Forms;
 template <>
-struct Forms<Kel8s> {
-    static constexpr auto forward = kelsWTHaarFwd_8s;
-    static constexpr auto inverse = kelsWTHaarInv_8s;
-    static constexpr auto scaled_forward = kelsWTHaarFwd_8s_Sfs;
-    static constexpr auto scaled_inverse = kelsWTHaarInv_8s_Sfs;
-};
+struct Forms<Kel8s> : Functions<kelsWTHaarFwd_8s, kelsWTHaarInv_8s, kelsWTHaarFwd_8s_Sfs, kelsWTHaarInv_8s_Sfs> {};
 template <>
-struct Forms<Kel16s> {
-    static constexpr auto forward = kelsWTHaarFwd_16s;
-    static constexpr auto inverse = kelsWTHaarInv_16s;
-    static constexpr auto scaled_forward = kelsWTHaarFwd_16s_Sfs;
-    static constexpr auto scaled_inverse = kelsWTHaarInv_16s_Sfs;
-};
+struct Forms<Kel16s> : Functions<kelsWTHaarFwd_16s, kelsWTHaarInv_16s, kelsWTHaarFwd_16s_Sfs, kelsWTHaarInv_16s_Sfs> {};
 template <>
-struct Forms<Kel32s> {
-    static constexpr auto forward = kelsWTHaarFwd_32s;
-    static constexpr auto inverse = kelsWTHaarInv_32s;
-    static constexpr auto scaled_forward = kelsWTHaarFwd_32s_Sfs;
-    static constexpr auto scaled_inverse = kelsWTHaarInv_32s_Sfs;
-};
+struct Forms<Kel32s> : Functions<kelsWTHaarFwd_32s, kelsWTHaarInv_32s, kelsWTHaarFwd_32s_Sfs, kelsWTHaarInv_32s_Sfs> {};
 template <>
-struct Forms<Kel64s> {
-    static constexpr auto forward = kelsWTHaarFwd_64s;
-    static constexpr auto inverse = kelsWTHaarInv_64s;
-    static constexpr auto scaled_forward = kelsWTHaarFwd_64s_Sfs;
-    static constexpr auto scaled_inverse = kelsWTHaarInv_64s_Sfs;
-};
+struct Forms<Kel64s> : Functions<kelsWTHaarFwd_64s, kelsWTHaarInv_64s, kelsWTHaarFwd_64s_Sfs, kelsWTHaarInv_64s_Sfs> {};
 template <>
-struct Forms<Kel32f> {
-    static constexpr auto forward = kelsWTHaarFwd_32f;
-    static constexpr auto inverse = kelsWTHaarInv_32f;
-};
+struct Forms<Kel32f> : Functions<kelsWTHaarFwd_32f, kelsWTHaarInv_32f> {};
 template <>
-struct Forms<Kel64f> {
-    static constexpr auto forward = kelsWTHaarFwd_64f;
-    static constexpr auto inverse = kelsWTHaarInv_64f;
-};
+struct Forms<Kel64f> : Functions<kelsWTHaarFwd_64f, kelsWTHaarInv_64f> {};
 
 constexpr int plain = INT_MIN + 12345; // in the place of a scale factor: the function without one
 
@@ -236,6 +218,18 @@ void expect_both_ways(const std::vector<T>& x, int scaleFactor) {
     ASSERT_EQ(merge(bands, scaleFactor), expected_signal(bands, factor)) << "factor " << scaleFactor;
 }
 
+/// And the samples of each pair as elements of the bands, the second one as the low one.
+template <class T>
+void expect_pairs(const std::vector<T>& x, int scaleFactor) {
+    expect_both_ways(x, scaleFactor);
+    Bands<T> bands;
+    for (std::size_t i = 0; i < x.size(); i += 2) {
+        bands.low.push_back(x[i + 1]);
+        bands.high.push_back(x[i]);
+    }
+    ASSERT_EQ(merge(bands, scaleFactor), expected_signal(bands, scaleFactor == plain ? 0 : scaleFactor)) << scaleFactor;
+}
+
 template <class T>
 class HaarInteger : public testing::Test {};
 using Integers = testing::Types<Kel8s, Kel16s, Kel32s, Kel64s>;
@@ -253,7 +247,7 @@ TYPED_TEST(HaarInteger, EveryFactorOfRandomSamples) {
     for (const int factor : factors(8 * sizeof(T)))
         for (const int len : {1, 2, 3, 4, 7, 100, 1001}) {
             std::vector<T> x(static_cast<std::size_t>(len));
-            kels_test::fill_random(random, kels_test::type_of<T>(), x.data(), x.size());
+            fill_random(random, type_of<T>(), x.data(), x.size());
             expect_both_ways(x, factor);
         }
 }
@@ -263,6 +257,8 @@ TYPED_TEST(HaarInteger, BesideTies) {
     using T = TypeParam;
     constexpr int width = 8 * sizeof(T);
     constexpr T least = std::numeric_limits<T>::min(), most = std::numeric_limits<T>::max();
+    std::vector<T> ends = {T{-1}, T{0}, T{1}, least / 2, most / 2, most / 2 + 1, most - 1, most};
+    for (const int above : {0, 1, 2}) ends.push_back(static_cast<T>(least + above));
     Random random("ties");
     for (const int factor : factors(width)) {
         const int t = std::clamp(factor, 0, width + 1);
@@ -280,23 +276,9 @@ TYPED_TEST(HaarInteger, BesideTies) {
                     add(random.bits(), tie + static_cast<std::uint64_t>(off));
                     add(random.bits() % 16, tie + static_cast<std::uint64_t>(off));
                 }
-        for (const T a :
-             {least, static_cast<T>(least + 1), static_cast<T>(least + 2), static_cast<T>(least / 2), T{-1}, T{0}, T{1},
-              static_cast<T>(most / 2), static_cast<T>(most / 2 + 1), static_cast<T>(most - 1), most})
-            for (const T b :
-                 {least, static_cast<T>(least + 1), static_cast<T>(least + 2), static_cast<T>(least / 2), T{-1}, T{0},
-                  T{1}, static_cast<T>(most / 2), static_cast<T>(most / 2 + 1), static_cast<T>(most - 1), most}) {
-                x.push_back(a);
-                x.push_back(b);
-            }
-        expect_both_ways(x, factor);
-        // The same pairs as low and high elements, and each as the last one.
-        Bands<T> bands;
-        for (std::size_t i = 0; i < x.size(); i += 2) {
-            bands.low.push_back(x[i + 1]);
-            bands.high.push_back(x[i]);
-        }
-        ASSERT_EQ(merge(bands, factor), expected_signal(bands, factor == plain ? 0 : factor)) << factor;
+        for (const T a : ends)
+            for (const T b : ends) x.insert(x.end(), {a, b});
+        expect_pairs(x, factor);
         for (std::size_t i = 0; i < x.size(); i += 3) expect_both_ways(std::vector<T>{x[i]}, factor);
     }
 }
@@ -304,20 +286,8 @@ TYPED_TEST(HaarInteger, BesideTies) {
 TEST(HaarInteger8, EveryPair) {
     std::vector<Kel8s> x;
     for (int a = -128; a < 128; ++a)
-        for (int b = -128; b < 128; ++b) {
-            x.push_back(static_cast<Kel8s>(a));
-            x.push_back(static_cast<Kel8s>(b));
-        }
-    for (const int factor : factors(8)) {
-        const Bands<Kel8s> got = split(x, factor), want = expected_bands(x, factor == plain ? 0 : factor);
-        ASSERT_TRUE(got.low == want.low && got.high == want.high) << factor;
-        Bands<Kel8s> bands;
-        for (std::size_t i = 0; i < x.size(); i += 2) {
-            bands.low.push_back(x[i]);
-            bands.high.push_back(x[i + 1]);
-        }
-        ASSERT_EQ(merge(bands, factor), expected_signal(bands, factor == plain ? 0 : factor)) << factor;
-    }
+        for (int b = -128; b < 128; ++b) x.insert(x.end(), {static_cast<Kel8s>(a), static_cast<Kel8s>(b)});
+    for (const int factor : factors(8)) expect_pairs(x, factor);
 }
 
 TEST(HaarInteger, LiteralValues) {
@@ -394,7 +364,7 @@ TYPED_TEST(HaarReal, SpecialValuesAndAnyOthers) {
     for (const int specials : {0, 2, 8, 3000})
         for (const int len : {1, 2, 3, 17, 1000, 5001}) {
             std::vector<T> x(static_cast<std::size_t>(len));
-            kels_test::fill_random(random, kels_test::type_of<T>(), x.data(), x.size(), 0, 0, specials);
+            fill_random(random, type_of<T>(), x.data(), x.size(), 0, 0, specials);
             expect_real(x);
         }
 }
@@ -412,10 +382,7 @@ TYPED_TEST(HaarReal, EndsOfTheRange) {
             ends.push_back(sign * value);
     std::vector<T> x;
     for (const T a : ends)
-        for (const T b : ends) {
-            x.push_back(a);
-            x.push_back(b);
-        }
+        for (const T b : ends) x.insert(x.end(), {a, b});
     expect_real(x);
     for (std::size_t i = 0; i < x.size(); i += 2) expect_real(std::vector<T>{x[i], x[i + 1]});
 }
@@ -438,14 +405,14 @@ TYPED_TEST_SUITE(Haar, Types);
 TYPED_TEST(Haar, StaysInItsArrays) {
     using T = TypeParam;
     Random random("guards");
-    for (const kels_test::Edge edge : kels_test::edges)
+    for (const Edge edge : edges)
         for (int len = 1; len <= static_cast<int>(4 * 64 / sizeof(T) + 3); ++len)
             for (const int factor : {plain, -1, 3}) {
                 std::vector<T> x(static_cast<std::size_t>(len));
                 for (T& value : x) value = static_cast<T>(random.below(100));
                 const std::size_t half = x.size() / 2;
                 GuardedArray<T> signal(x, edge), low(x.size() - half, edge), high(half, edge), back(x.size(), edge);
-                ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                ASSERT_TRUE(runs_without_fault([&] {
                     call_forward<T>(signal.data(), len, low.data(), high.data(), factor);
                     call_inverse<T>(low.data(), high.data(), back.data(), len, factor);
                 })) << len;
@@ -459,25 +426,23 @@ TYPED_TEST(Haar, StaysInItsArrays) {
 TYPED_TEST(Haar, ObeysItsFrame) {
     using T = TypeParam;
     for (const int factor : {plain, 0, 2}) {
-        const kels_test::KeepControlState keep;
         T x[4] = {1, 2, 3, 4}, low[2] = {9, 9}, high[2] = {9, 9};
-        EXPECT_EQ(call_forward<T>(nullptr, 0, low, high, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_forward<T>(x, 0, nullptr, high, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_forward<T>(x, 1, low, nullptr, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_forward<T>(x, 0, low, high, factor), kelStatusBadSize);
-        EXPECT_EQ(call_forward<T>(x, INT_MIN, low, high, factor), kelStatusBadSize);
-        EXPECT_EQ(call_inverse<T>(nullptr, high, x, 4, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_inverse<T>(low, nullptr, x, 1, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_inverse<T>(low, high, nullptr, 0, factor), kelStatusNullPtr);
-        EXPECT_EQ(call_inverse<T>(low, high, x, 0, factor), kelStatusBadSize);
+        for (const int len : {0, 1}) {
+            EXPECT_EQ(call_forward<T>(nullptr, len, low, high, factor), kelStatusNullPtr);
+            EXPECT_EQ(call_forward<T>(x, len, nullptr, high, factor), kelStatusNullPtr);
+            EXPECT_EQ(call_forward<T>(x, len, low, nullptr, factor), kelStatusNullPtr);
+            EXPECT_EQ(call_inverse<T>(nullptr, high, x, len, factor), kelStatusNullPtr);
+            EXPECT_EQ(call_inverse<T>(low, nullptr, x, len, factor), kelStatusNullPtr);
+            EXPECT_EQ(call_inverse<T>(low, high, nullptr, len, factor), kelStatusNullPtr);
+        }
+        for (const int bad : bad_lengths) {
+            EXPECT_EQ(call_forward<T>(x, bad, low, high, factor), kelStatusBadSize);
+            EXPECT_EQ(call_inverse<T>(low, high, x, bad, factor), kelStatusBadSize);
+        }
         EXPECT_TRUE(x[0] == 1 && low[0] == 9 && low[1] == 9 && high[0] == 9);
         EXPECT_EQ(call_forward<T>(x, 1, low, high, factor), kelStatusOk);
         EXPECT_EQ(high[0], 9) << "one sample has no high band";
-        for (const kels_test::ControlState& modes : kels_test::odd_modes) {
-            modes.load();
-            call_forward<T>(x, 4, low, high, factor);
-            EXPECT_TRUE(kels_test::ControlState::current().same_modes(modes));
-        }
+        in_odd_modes([&] { call_forward<T>(x, 4, low, high, factor); });
     }
 }
 

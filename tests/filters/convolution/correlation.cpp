@@ -5,8 +5,10 @@
 #include "kels/convolution.h"
 #include "support/allocation_faults.h"
 #include "support/control_state.h"
+#include "support/exact.h"
 #include "support/guarded_array.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +19,8 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,9 +28,7 @@ namespace {
 using filter_test::noise;
 using filter_test::Part;
 using filter_test::parts;
-using kels_test::Edge;
-using kels_test::GuardedArray;
-using kels_test::Random;
+using namespace kels_test;
 
 using Number = std::complex<long double>;
 
@@ -117,7 +119,7 @@ struct Correlation : testing::Test {
     static std::vector<Sample> at_edges(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags,
                                         Call call) {
         std::vector<Sample> results[2];
-        for (const Edge edge : kels_test::edges) {
+        for (const Edge edge : edges) {
             GuardedArray<Sample> x(a, edge), y(b, edge), dst(static_cast<std::size_t>(lags), edge);
             EXPECT_EQ(
                 call(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), lags),
@@ -282,21 +284,16 @@ TYPED_TEST(Correlation, ChecksInOrder) {
     std::vector<T> y(3);
     std::memset(static_cast<void*>(y.data()), 7, 3 * sizeof(T));
     const auto before = y;
-    for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased}) {
-        EXPECT_EQ(f(nullptr, 0, y.data(), 3), kelStatusNullPtr);
-        EXPECT_EQ(f(x, 0, nullptr, 3), kelStatusNullPtr);
-        for (const int bad : {0, -1, INT_MIN}) {
-            EXPECT_EQ(f(x, bad, y.data(), 3), kelStatusBadSize);
-            EXPECT_EQ(f(x, 3, y.data(), bad), kelStatusBadSize);
+    for (const int bad : bad_lengths) {
+        for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased})
+            for (const auto& [n, lags] : {std::pair{bad, 3}, {3, bad}}) {
+                expect_nulls_refused(f, x, n, y.data(), lags);
+                EXPECT_EQ(f(x, n, y.data(), lags), kelStatusBadSize);
+            }
+        for (const auto& [m, n, lags] : {std::tuple{bad, 3, 3}, {3, bad, 3}, {3, 3, bad}}) {
+            expect_nulls_refused(TypeParam::cross, x, m, x, n, y.data(), lags, 0);
+            EXPECT_EQ(TypeParam::cross(x, m, x, n, y.data(), lags, 0), kelStatusBadSize);
         }
-    }
-    EXPECT_EQ(TypeParam::cross(nullptr, 0, x, 3, y.data(), 3, 0), kelStatusNullPtr);
-    EXPECT_EQ(TypeParam::cross(x, 0, nullptr, 3, y.data(), 3, 0), kelStatusNullPtr);
-    EXPECT_EQ(TypeParam::cross(x, 0, x, 3, nullptr, 3, 0), kelStatusNullPtr);
-    for (const int bad : {0, -1, INT_MIN}) {
-        EXPECT_EQ(TypeParam::cross(x, bad, x, 3, y.data(), 3, 0), kelStatusBadSize);
-        EXPECT_EQ(TypeParam::cross(x, 3, x, bad, y.data(), 3, 0), kelStatusBadSize);
-        EXPECT_EQ(TypeParam::cross(x, 3, x, 3, y.data(), bad, 0), kelStatusBadSize);
     }
     EXPECT_TRUE(filter_test::same(y, before));
 }
@@ -307,11 +304,9 @@ TYPED_TEST(Correlation, WithoutMemory) {
     const auto x = noise<T>(random, 3000);
     std::vector<T> y(3000);
     for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased})
-        kels_test::for_each_allocation_failure([&] { return f(x.data(), 3000, y.data(), 3000); });
-    kels_test::for_each_allocation_failure(
-        [&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 3000, -9); });
-    kels_test::for_each_allocation_failure(
-        [&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 1000, -9); });
+        for_each_allocation_failure([&] { return f(x.data(), 3000, y.data(), 3000); });
+    for_each_allocation_failure([&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 3000, -9); });
+    for_each_allocation_failure([&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 1000, -9); });
 }
 
 // 16 bits
@@ -320,12 +315,6 @@ using Correlate16s = KelStatus (*)(const Kel16s*, int, Kel16s*, int, int);
 
 enum Norm { plain, biased, unbiased };
 constexpr Correlate16s functions16s[] = {kelsAutoCorr_16s_Sfs, kelsAutoCorr_NormA_16s_Sfs, kelsAutoCorr_NormB_16s_Sfs};
-
-/// What the rule makes of an exact sum: a single, normalised, scaled to nearest with ties to even, saturated.
-Kel16s scaled(Kel32f sum, int scale) {
-    const long double v = std::nearbyint(std::ldexp(static_cast<long double>(sum), -std::clamp(scale, -300, 300)));
-    return static_cast<Kel16s>(std::clamp(v, -32768.0L, 32767.0L));
-}
 
 /// What the norm makes of a rounded sum.
 Kel32f normalized(Kel32f sum, int norm_of, int len, int lag) {
@@ -348,12 +337,12 @@ TEST(Correlation16s, DirectLagsAreExact) {
                 ASSERT_EQ(functions16s[norm_of](a.data(), n, dst.data(), lags, scale), kelStatusOk);
                 for (int k = 0; k < lags; ++k)
                     ASSERT_EQ(dst.data()[k],
-                              scaled(normalized(itself[static_cast<std::size_t>(k)], norm_of, n, k), scale))
+                              scaled<Kel16s>(normalized(itself[static_cast<std::size_t>(k)], norm_of, n, k), scale))
                         << n << ", lag " << k << ", scale " << scale;
             }
             GuardedArray<Kel16s> dst(cross.size(), Edge::front);
             ASSERT_EQ(kelsCrossCorr_16s_Sfs(a.data(), n, b.data(), 40, dst.data(), 120, -70, scale), kelStatusOk);
-            for (std::size_t k = 0; k < cross.size(); ++k) ASSERT_EQ(dst.data()[k], scaled(cross[k], scale));
+            for (std::size_t k = 0; k < cross.size(); ++k) ASSERT_EQ(dst.data()[k], scaled<Kel16s>(cross[k], scale));
         }
     }
 }
@@ -385,39 +374,31 @@ TEST(Correlation16s, ChecksMemoryAndModes) {
     Random random("frame of correlations of 16 bits");
     const auto x = noise<Kel16s>(random, 2000);
     std::vector<Kel16s> r(2500), again(2500);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(nullptr, 0, x.data(), 1, r.data(), 1, 0, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, nullptr, 0, r.data(), 1, 0, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, nullptr, 0, 0, 0), kelStatusNullPtr);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 0, x.data(), 1, r.data(), 1, 0, 0), kelStatusBadSize);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), -1, r.data(), 1, 0, 0), kelStatusBadSize);
-    EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, r.data(), 0, 0, 0), kelStatusBadSize);
+    for (const int bad : bad_lengths) {
+        expect_nulls_refused(kelsCrossCorr_16s_Sfs, x.data(), bad, x.data(), 1, r.data(), 1, 0, 0);
+        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), bad, x.data(), 1, r.data(), 1, 0, 0), kelStatusBadSize);
+        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), bad, r.data(), 1, 0, 0), kelStatusBadSize);
+        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, r.data(), bad, 0, 0), kelStatusBadSize);
+        for (const Correlate16s f : functions16s) {
+            expect_nulls_refused(f, x.data(), bad, r.data(), 1, 0);
+            EXPECT_EQ(f(x.data(), bad, r.data(), 1, 0), kelStatusBadSize);
+            EXPECT_EQ(f(x.data(), 1, r.data(), bad, 0), kelStatusBadSize);
+        }
+    }
     const auto cross = [](const Kel16s* a, int n, Kel16s* dst, int lags, int scale) {
         return kelsCrossCorr_16s_Sfs(a, n, a, n, dst, lags, -50, scale);
     };
-    for (const Correlate16s f : {functions16s[0], functions16s[1], functions16s[2], +cross}) {
-        if (f != +cross) {
-            EXPECT_EQ(f(nullptr, 0, r.data(), 1, 0), kelStatusNullPtr);
-            EXPECT_EQ(f(x.data(), 0, nullptr, 1, 0), kelStatusNullPtr);
-            EXPECT_EQ(f(x.data(), 0, r.data(), 1, 0), kelStatusBadSize);
-            EXPECT_EQ(f(x.data(), 1, r.data(), 0, 0), kelStatusBadSize);
-        }
+    for (const Correlate16s f : {functions16s[0], functions16s[1], functions16s[2], +cross})
         for (const int lags : {100, 2500}) {
-            kels_test::for_each_allocation_failure([&] {
+            for_each_allocation_failure([&] {
                 r.back() = 7;
                 const KelStatus status = f(x.data(), 2000, r.data(), lags, 20);
                 EXPECT_EQ(r.back(), lags == 100 ? 7 : 0);
                 return status;
             });
-            for (const auto& modes : kels_test::odd_modes) {
-                const auto after = kels_test::under(modes, [&] {
-                    f(x.data(), 2000, again.data(), lags, 20);
-                    return kels_test::ControlState::current();
-                });
-                EXPECT_TRUE(after.same_modes(modes));
-                EXPECT_TRUE(std::equal(again.begin(), again.begin() + lags, r.begin()));
-            }
+            in_odd_modes([&] { f(x.data(), 2000, again.data(), lags, 20); },
+                         [&] { EXPECT_TRUE(std::equal(again.begin(), again.begin() + lags, r.begin())); });
         }
-    }
 }
 
 } // namespace

@@ -1,15 +1,17 @@
 // IIR filters of every family: their contexts, the order of their checks, the memory they touch.
 
 #include "filters/iir/families.h"
-#include "support/allocation_faults.h"
 #include "support/control_state.h"
-#include "support/guarded_memory.h"
+#include "support/guarded_array.h"
+#include "support/refusals.h"
 
 #include <climits>
 
 namespace {
 
 using namespace iir_test;
+using kels_test::Edge;
+using kels_test::GuardedArray;
 
 template <class F>
 class IirContext : public testing::Test {};
@@ -82,37 +84,42 @@ TYPED_TEST(IirContext, RefusesContextsOfOthers) {
     EXPECT_EQ(std::memcmp(state, kept_state, sizeof state), 0);
 }
 
+TYPED_TEST(IirContext, MakingOneRefusesAndRunsOutOfMemory) {
+    using F = TypeParam;
+    Random random("making");
+    for (bool cascade : {false, true}) {
+        const auto make_one = init_of<F>(cascade);
+        const auto taps = simple_taps<F>(random, cascade, 3);
+        KelIirContext* made = nullptr;
+        kels_test::expect_nulls_refused(make_one, &made, taps.data(), -1, 0, nullptr);
+        for (int bad : {cascade ? 0 : -1, -2, INT_MIN})
+            kels_test::expect_not_made(kelStatusBadIirOrder, make_one, taps.data(), bad, 0, nullptr);
+        kels_test::expect_not_made(kelStatusNoMemory, make_one, taps.data(), INT_MAX, 0, nullptr);
+        // A divisor is zero if both its parts are.
+        const long live = kels_test::live_blocks();
+        for (std::size_t i = 0; i < taps.size(); ++i) {
+            auto with_zero = taps;
+            with_zero[i] = {};
+            if (cascade ? i % 3 == 0 : i == taps.size() / 2) {
+                kels_test::expect_not_made(kelStatusDivByZero, make_one, with_zero.data(), 3, 0, nullptr);
+                if (F::complex) values(with_zero)[2 * i + 1] = 1;
+                if (!F::complex) continue;
+            }
+            make<F>(cascade, with_zero);
+        }
+        EXPECT_EQ(kels_test::live_blocks(), live);
+        for (int size : {1, 2, 12})
+            kels_test::expect_clean_failures(make_one, F::release, simple_taps<F>(random, cascade, size).data(), size,
+                                             0, nullptr);
+    }
+}
+
 TYPED_TEST(IirContext, RefusesInTheOrderOfItsChecks) {
     using F = TypeParam;
     using T = typename F::Sample;
     Random random("refuses");
-    char elsewhere;
-    auto* const untouched = reinterpret_cast<KelIirContext*>(&elsewhere);
     for (bool cascade : {false, true}) {
         auto taps = simple_taps<F>(random, cascade, 3);
-        KelIirContext* made = untouched;
-        EXPECT_EQ(init<F>(nullptr, cascade, taps.data(), -1, 0, nullptr), kelStatusNullPtr);
-        EXPECT_EQ(init<F>(&made, cascade, nullptr, -1, 0, nullptr), kelStatusNullPtr);
-        for (int bad : {cascade ? 0 : -1, -2, INT_MIN})
-            EXPECT_EQ(init<F>(&made, cascade, taps.data(), bad, 0, nullptr), kelStatusBadIirOrder);
-        EXPECT_EQ(init<F>(&made, cascade, taps.data(), INT_MAX, 0, nullptr), kelStatusNoMemory);
-        // A divisor is zero if both its parts are.
-        for (std::size_t i = 0; i < taps.size(); ++i) {
-            const bool divides = cascade ? i % 3 == 0 : i == taps.size() / 2;
-            auto with_zero = taps;
-            with_zero[i] = {};
-            EXPECT_EQ(init<F>(&made, cascade, with_zero.data(), 3, 0, nullptr),
-                      divides ? kelStatusDivByZero : kelStatusOk)
-                << i;
-            if (!divides) F::release(made);
-            made = untouched;
-            if (!divides || parts<T> == 1) continue;
-            values(with_zero)[2 * i + 1] = 1;
-            EXPECT_EQ(init<F>(&made, cascade, with_zero.data(), 3, 0, nullptr), kelStatusOk) << i;
-            F::release(made);
-            made = untouched;
-        }
-
         const Context own = make<F>(cascade, taps);
         const std::size_t registers = cascade ? 6 : 3;
         const auto before = state_of<F>(own, registers);
@@ -120,22 +127,20 @@ TYPED_TEST(IirContext, RefusesInTheOrderOfItsChecks) {
         std::memset(static_cast<void*>(a.data()), 0x5A, 8 * sizeof(T));
         b = a;
         EXPECT_EQ(F::release(nullptr), kelStatusNullPtr);
-        EXPECT_EQ(F::get_line(nullptr, taps.data()), kelStatusNullPtr);
-        EXPECT_EQ(F::get_line(own.get(), nullptr), kelStatusNullPtr);
         EXPECT_EQ(F::set_line(nullptr, taps.data()), kelStatusNullPtr);
-        for (int count : {0, 1}) {
+        kels_test::expect_nulls_refused(F::get_line, own.get(), taps.data());
+        EXPECT_EQ(call(F::one, 0, a[0], a.data(), nullptr), kelStatusNullPtr);
+        EXPECT_EQ(call(F::one, 0, a[0], nullptr, own.get()), kelStatusNullPtr);
+        for (int count : {1, 0, -1, INT_MIN}) {
             EXPECT_EQ(call(F::block, 0, nullptr, nullptr, count, nullptr), kelStatusNullPtr);
             EXPECT_EQ(call(F::block, 0, nullptr, a.data(), count, own.get()), kelStatusNullPtr);
             EXPECT_EQ(call(F::block, 0, b.data(), nullptr, count, own.get()), kelStatusNullPtr);
             EXPECT_EQ(call(F::in_place, 0, a.data(), count, nullptr), kelStatusNullPtr);
             EXPECT_EQ(call(F::in_place, 0, nullptr, count, own.get()), kelStatusNullPtr);
+            if (count > 0) continue;
+            EXPECT_EQ(call(F::block, 0, b.data(), a.data(), count, own.get()), kelStatusBadSize);
+            EXPECT_EQ(call(F::in_place, 0, a.data(), count, own.get()), kelStatusBadSize);
         }
-        for (int bad : {0, -1, INT_MIN}) {
-            EXPECT_EQ(call(F::block, 0, b.data(), a.data(), bad, own.get()), kelStatusBadSize);
-            EXPECT_EQ(call(F::in_place, 0, a.data(), bad, own.get()), kelStatusBadSize);
-        }
-        EXPECT_EQ(call(F::one, 0, a[0], a.data(), nullptr), kelStatusNullPtr);
-        EXPECT_EQ(call(F::one, 0, a[0], nullptr, own.get()), kelStatusNullPtr);
         EXPECT_TRUE(same(a, b)) << "nothing stored";
         EXPECT_TRUE(same(state_of<F>(own, registers), before));
     }
@@ -144,128 +149,81 @@ TYPED_TEST(IirContext, RefusesInTheOrderOfItsChecks) {
 TYPED_TEST(IirContext, StaysInsideItsArrays) {
     using F = TypeParam;
     using T = typename F::Sample;
+    using Taps = typename F::Taps;
     Random random("guards");
-    kels_test::GuardedMemory source(3000 * sizeof(T)), target(3000 * sizeof(T)), inputs(400 * sizeof(typename F::Taps));
     for (bool cascade : {false, true})
         for (int size : {1, 2, 3, 4, 5, 8, 9, 17}) {
             const auto taps = simple_taps<F>(random, cascade, size);
-            const std::size_t tap_bytes = taps.size() * sizeof taps[0];
-            auto* guarded = reinterpret_cast<typename F::Taps*>(inputs.end() - tap_bytes);
-            std::memcpy(static_cast<void*>(guarded), taps.data(), tap_bytes);
+            GuardedArray<Taps> guarded(taps, Edge::back),
+                state(static_cast<std::size_t>(cascade ? 2 * size : size), Edge::back);
             KelIirContext* made = nullptr;
-            ASSERT_TRUE(kels_test::runs_without_fault([&] { init<F>(&made, cascade, guarded, size, 0, nullptr); }));
-            const Context context(made, F::release), other = make<F>(cascade, taps);
             ASSERT_TRUE(kels_test::runs_without_fault([&] {
-                const int registers = cascade ? 2 * size : size;
-                auto* state = reinterpret_cast<typename F::Taps*>(inputs.end()) - registers;
-                F::get_line(context.get(), state);
-                F::set_line(context.get(), state);
+                init_of<F>(cascade)(&made, guarded.data(), size, 0, nullptr);
+                F::get_line(made, state.data());
+                F::set_line(made, state.data());
             }));
+            const Context context(made, F::release), other = make<F>(cascade, taps);
             for (int count : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 33, 64, 65, 129, 1023, 1024, 1025, 2500})
-                for (bool at_end : {false, true}) {
-                    const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(T);
+                for (const Edge edge : kels_test::edges) {
                     const auto x = noise<T>(random, count);
-                    auto* src = reinterpret_cast<T*>(at_end ? source.end() - bytes : source.begin());
-                    auto* dst = reinterpret_cast<T*>(at_end ? target.end() - bytes : target.begin());
-                    std::memcpy(static_cast<void*>(src), x.data(), bytes);
+                    GuardedArray<T> src(x, edge), dst(x.size(), edge);
+                    const long before = kels_test::allocations();
                     ASSERT_TRUE(kels_test::runs_without_fault([&] {
-                        call(F::block, 3, src, dst, count, context.get());
+                        call(F::block, 3, src.data(), dst.data(), count, context.get());
                     })) << size
                         << ' ' << count;
-                    EXPECT_EQ(std::memcmp(src, x.data(), bytes), 0);
-                    const auto y = filtered<F>(in_place, x, other, 3);
-                    EXPECT_EQ(std::memcmp(y.data(), dst, bytes), 0) << "in place and at any address the same bits";
-                    ASSERT_TRUE(
-                        kels_test::runs_without_fault([&] { call(F::in_place, 3, src, count, context.get()); }));
+                    EXPECT_TRUE(same(src.values(), x));
+                    EXPECT_TRUE(same(dst.values(), filtered<F>(in_place, x, other, 3)))
+                        << "in place and at any address the same bits";
+                    ASSERT_TRUE(kels_test::runs_without_fault([&] {
+                        call(F::in_place, 3, src.data(), count, context.get());
+                        call(F::one, 3, x[0], dst.data(), context.get());
+                    }));
                     filtered<F>(as_block, x, other, 3);
-                    ASSERT_TRUE(kels_test::runs_without_fault([&] { call(F::one, 3, x[0], dst, context.get()); }));
                     filtered<F>(one_by_one, {x[0]}, other, 3);
+                    EXPECT_EQ(kels_test::allocations(), before) << "only making one allocates";
                 }
-        }
-}
-
-TYPED_TEST(IirContext, OnlyMakingOneAllocates) {
-    using F = TypeParam;
-    Random random("faults");
-    char elsewhere;
-    auto* const untouched = reinterpret_cast<KelIirContext*>(&elsewhere);
-    for (bool cascade : {false, true})
-        for (int size : {1, 2, 12}) {
-            const auto taps = simple_taps<F>(random, cascade, size);
-            kels_test::for_each_allocation_failure([&] {
-                KelIirContext* made = untouched;
-                const KelStatus status = init<F>(&made, cascade, taps.data(), size, 0, nullptr);
-                if (status == kelStatusOk)
-                    F::release(made);
-                else
-                    EXPECT_EQ(made, untouched);
-                return status;
-            });
-            const long live = kels_test::live_blocks();
-            auto zeros = taps;
-            std::fill(zeros.begin(), zeros.end(), typename F::Taps{});
-            KelIirContext* made = untouched;
-            EXPECT_EQ(init<F>(&made, cascade, zeros.data(), size, 0, nullptr), kelStatusDivByZero);
-            EXPECT_EQ(kels_test::live_blocks(), live);
-            const Context context = make<F>(cascade, taps);
-            const auto x = noise<typename F::Sample>(random, 3000);
-            const long before = kels_test::allocations();
-            for (Way way : {as_block, in_place, one_by_one}) filtered<F>(way, x, context, -1);
-            EXPECT_EQ(kels_test::allocations(), before);
         }
 }
 
 // Making one gives the same filter in any modes.
 TYPED_TEST(IirContext, LeavesTheModesAlone) {
     using F = TypeParam;
-    const kels_test::KeepControlState keep;
-    const auto usual = kels_test::ControlState::current();
     Random random("modes");
     for (bool cascade : {false, true}) {
-        auto taps = noise<typename F::Taps>(random, cascade ? 18 : 8);
+        const auto taps = noise<typename F::Taps>(random, cascade ? 18 : 8);
         const auto x = noise<typename F::Sample>(random, 300);
         const auto wanted = filtered<F>(as_block, x, make<F>(cascade, taps), 4);
-        for (const auto& modes : kels_test::odd_modes) {
-            modes.load();
-            const Context context = make<F>(cascade, taps), other = make<F>(cascade, taps);
-            for (Way way : {as_block, in_place, one_by_one}) filtered<F>(way, x, other, 4);
-            EXPECT_TRUE(kels_test::ControlState::current().same_modes(modes));
-            usual.load();
-            const auto y = filtered<F>(as_block, x, context, 4);
-            EXPECT_EQ(std::memcmp(y.data(), wanted.data(), y.size() * sizeof y[0]), 0);
-        }
+        std::vector<Context> contexts;
+        kels_test::in_odd_modes(
+            [&] {
+                contexts.push_back(make<F>(cascade, taps));
+                const Context other = make<F>(cascade, taps);
+                for (Way way : {as_block, in_place, one_by_one}) filtered<F>(way, x, other, 4);
+            },
+            [&] { EXPECT_TRUE(same(filtered<F>(as_block, x, contexts.back(), 4), wanted)); });
     }
 }
 
 /// Those that take real taps for integers.
 template <class Tap, class State>
-void fails_well(KelStatus (*make)(KelIirContext**, const Tap*, int, const State*), KelStatus (*release)(KelIirContext*),
-                int lowest) {
-    char elsewhere;
-    auto* const untouched = reinterpret_cast<KelIirContext*>(&elsewhere);
+void expect_clean_creation(KelStatus (*make)(KelIirContext**, const Tap*, int, const State*),
+                           KelStatus (*release)(KelIirContext*), int lowest) {
     std::vector<Tap> taps(24);
-    KelIirContext* made = untouched;
-    EXPECT_EQ(make(&made, taps.data(), 3, nullptr), kelStatusDivByZero);
+    kels_test::expect_not_made(kelStatusDivByZero, make, taps.data(), 3, nullptr);
     for (std::size_t i = 0; i < taps.size() * parts<Tap>; ++i) values(taps)[i] = 1;
-    EXPECT_EQ(make(nullptr, taps.data(), 3, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(make(&made, nullptr, 3, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(make(&made, taps.data(), lowest - 1, nullptr), kelStatusBadIirOrder);
-    EXPECT_EQ(make(&made, taps.data(), INT_MAX, nullptr), kelStatusNoMemory);
-    EXPECT_EQ(made, untouched);
-    kels_test::for_each_allocation_failure([&] {
-        made = untouched;
-        const KelStatus status = make(&made, taps.data(), 3, nullptr);
-        EXPECT_EQ(made != untouched, status == kelStatusOk);
-        if (made != untouched) release(made);
-        return status;
-    });
+    KelIirContext* made = nullptr;
+    kels_test::expect_nulls_refused(make, &made, taps.data(), -5, nullptr);
+    kels_test::expect_not_made(kelStatusBadIirOrder, make, taps.data(), lowest - 1, nullptr);
+    kels_test::expect_not_made(kelStatusNoMemory, make, taps.data(), INT_MAX, nullptr);
+    kels_test::expect_clean_failures(make, release, taps.data(), 3, nullptr);
 }
 
 TEST(IirContexts, OfRealTapsForIntegersFailWell) {
-    fails_well(kelsIIRInitAlloc32s_16s32f, kelsIIRFree32s_16s, 0);
-    fails_well(kelsIIRInitAlloc32s_BiQuad_16s32f, kelsIIRFree32s_16s, 1);
-    fails_well(kelsIIRInitAlloc32sc_16sc32fc, kelsIIRFree32sc_16sc, 0);
-    fails_well(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, kelsIIRFree32sc_16sc, 1);
+    expect_clean_creation(kelsIIRInitAlloc32s_16s32f, kelsIIRFree32s_16s, 0);
+    expect_clean_creation(kelsIIRInitAlloc32s_BiQuad_16s32f, kelsIIRFree32s_16s, 1);
+    expect_clean_creation(kelsIIRInitAlloc32sc_16sc32fc, kelsIIRFree32sc_16sc, 0);
+    expect_clean_creation(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, kelsIIRFree32sc_16sc, 1);
 }
 
 } // namespace

@@ -3,200 +3,109 @@
 
 #include "filters/samples.h"
 #include "kels/iir.h"
-
-#include <memory>
+#include "support/life_cycle.h"
 
 namespace iir_test {
 
 using namespace filter_test;
 
-template <class T, class S>
+template <class T, class S, auto init_, auto init_cascade_, auto release_, auto get_line_, auto set_line_, auto block_,
+          auto in_place_, auto one_>
 struct Family {
     using Taps = T;
     using Sample = S;
+    static constexpr auto init = init_;
+    static constexpr auto init_cascade = init_cascade_;
+    static constexpr auto release = release_;
+    static constexpr auto get_line = get_line_;
+    static constexpr auto set_line = set_line_;
+    static constexpr auto block = block_;
+    static constexpr auto in_place = in_place_;
+    static constexpr auto one = one_;
     static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
     static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
     static constexpr bool single_taps = std::is_same_v<Part<T>, Kel32f>;
     static constexpr bool complex = parts<S> == 2;
 };
 
-struct Family_32f : Family<Kel32f, Kel32f> {
+struct Family_32f : Family<Kel32f, Kel32f, kelsIIRInitAlloc_32f, kelsIIRInitAlloc_BiQuad_32f, kelsIIRFree_32f,
+                           kelsIIRGetDlyLine_32f, kelsIIRSetDlyLine_32f, kelsIIR_32f, kelsIIR_32f_I, kelsIIROne_32f> {
     static constexpr const char* name = "32f";
-    static constexpr auto init = kelsIIRInitAlloc_32f;
-    static constexpr auto init_cascade = kelsIIRInitAlloc_BiQuad_32f;
-    static constexpr auto release = kelsIIRFree_32f;
-    static constexpr auto get_line = kelsIIRGetDlyLine_32f;
-    static constexpr auto set_line = kelsIIRSetDlyLine_32f;
-    static constexpr auto block = kelsIIR_32f;
-    static constexpr auto in_place = kelsIIR_32f_I;
-    static constexpr auto one = kelsIIROne_32f;
 };
-
-struct Family_32fc : Family<Kel32fc, Kel32fc> {
+struct Family_32fc
+    : Family<Kel32fc, Kel32fc, kelsIIRInitAlloc_32fc, kelsIIRInitAlloc_BiQuad_32fc, kelsIIRFree_32fc,
+             kelsIIRGetDlyLine_32fc, kelsIIRSetDlyLine_32fc, kelsIIR_32fc, kelsIIR_32fc_I, kelsIIROne_32fc> {
     static constexpr const char* name = "32fc";
-    static constexpr auto init = kelsIIRInitAlloc_32fc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc_BiQuad_32fc;
-    static constexpr auto release = kelsIIRFree_32fc;
-    static constexpr auto get_line = kelsIIRGetDlyLine_32fc;
-    static constexpr auto set_line = kelsIIRSetDlyLine_32fc;
-    static constexpr auto block = kelsIIR_32fc;
-    static constexpr auto in_place = kelsIIR_32fc_I;
-    static constexpr auto one = kelsIIROne_32fc;
 };
-
-struct Family_32f_16s : Family<Kel32f, Kel16s> {
+struct Family_32f_16s : Family<Kel32f, Kel16s, kelsIIRInitAlloc32f_16s, kelsIIRInitAlloc32f_BiQuad_16s,
+                               kelsIIRFree32f_16s, kelsIIRGetDlyLine32f_16s, kelsIIRSetDlyLine32f_16s,
+                               kelsIIR32f_16s_Sfs, kelsIIR32f_16s_ISfs, kelsIIROne32f_16s_Sfs> {
     static constexpr const char* name = "32f_16s";
-    static constexpr auto init = kelsIIRInitAlloc32f_16s;
-    static constexpr auto init_cascade = kelsIIRInitAlloc32f_BiQuad_16s;
-    static constexpr auto release = kelsIIRFree32f_16s;
-    static constexpr auto get_line = kelsIIRGetDlyLine32f_16s;
-    static constexpr auto set_line = kelsIIRSetDlyLine32f_16s;
-    static constexpr auto block = kelsIIR32f_16s_Sfs;
-    static constexpr auto in_place = kelsIIR32f_16s_ISfs;
-    static constexpr auto one = kelsIIROne32f_16s_Sfs;
 };
-
-struct Family_32fc_16sc : Family<Kel32fc, Kel16sc> {
+struct Family_32fc_16sc : Family<Kel32fc, Kel16sc, kelsIIRInitAlloc32fc_16sc, kelsIIRInitAlloc32fc_BiQuad_16sc,
+                                 kelsIIRFree32fc_16sc, kelsIIRGetDlyLine32fc_16sc, kelsIIRSetDlyLine32fc_16sc,
+                                 kelsIIR32fc_16sc_Sfs, kelsIIR32fc_16sc_ISfs, kelsIIROne32fc_16sc_Sfs> {
     static constexpr const char* name = "32fc_16sc";
-    static constexpr auto init = kelsIIRInitAlloc32fc_16sc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc32fc_BiQuad_16sc;
-    static constexpr auto release = kelsIIRFree32fc_16sc;
-    static constexpr auto get_line = kelsIIRGetDlyLine32fc_16sc;
-    static constexpr auto set_line = kelsIIRSetDlyLine32fc_16sc;
-    static constexpr auto block = kelsIIR32fc_16sc_Sfs;
-    static constexpr auto in_place = kelsIIR32fc_16sc_ISfs;
-    static constexpr auto one = kelsIIROne32fc_16sc_Sfs;
 };
-
-struct Family_32s_16s : Family<Kel32s, Kel16s> {
+struct Family_32s_16s : Family<Kel32s, Kel16s, kelsIIRInitAlloc32s_16s, kelsIIRInitAlloc32s_BiQuad_16s,
+                               kelsIIRFree32s_16s, kelsIIRGetDlyLine32s_16s, kelsIIRSetDlyLine32s_16s,
+                               kelsIIR32s_16s_Sfs, kelsIIR32s_16s_ISfs, kelsIIROne32s_16s_Sfs> {
     static constexpr const char* name = "32s_16s";
-    static constexpr auto init = kelsIIRInitAlloc32s_16s;
-    static constexpr auto init_cascade = kelsIIRInitAlloc32s_BiQuad_16s;
-    static constexpr auto release = kelsIIRFree32s_16s;
-    static constexpr auto get_line = kelsIIRGetDlyLine32s_16s;
-    static constexpr auto set_line = kelsIIRSetDlyLine32s_16s;
-    static constexpr auto block = kelsIIR32s_16s_Sfs;
-    static constexpr auto in_place = kelsIIR32s_16s_ISfs;
-    static constexpr auto one = kelsIIROne32s_16s_Sfs;
 };
-
-struct Family_32sc_16sc : Family<Kel32sc, Kel16sc> {
+struct Family_32sc_16sc : Family<Kel32sc, Kel16sc, kelsIIRInitAlloc32sc_16sc, kelsIIRInitAlloc32sc_BiQuad_16sc,
+                                 kelsIIRFree32sc_16sc, kelsIIRGetDlyLine32sc_16sc, kelsIIRSetDlyLine32sc_16sc,
+                                 kelsIIR32sc_16sc_Sfs, kelsIIR32sc_16sc_ISfs, kelsIIROne32sc_16sc_Sfs> {
     static constexpr const char* name = "32sc_16sc";
-    static constexpr auto init = kelsIIRInitAlloc32sc_16sc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc32sc_BiQuad_16sc;
-    static constexpr auto release = kelsIIRFree32sc_16sc;
-    static constexpr auto get_line = kelsIIRGetDlyLine32sc_16sc;
-    static constexpr auto set_line = kelsIIRSetDlyLine32sc_16sc;
-    static constexpr auto block = kelsIIR32sc_16sc_Sfs;
-    static constexpr auto in_place = kelsIIR32sc_16sc_ISfs;
-    static constexpr auto one = kelsIIROne32sc_16sc_Sfs;
 };
-
-struct Family_64f : Family<Kel64f, Kel64f> {
+struct Family_64f : Family<Kel64f, Kel64f, kelsIIRInitAlloc_64f, kelsIIRInitAlloc_BiQuad_64f, kelsIIRFree_64f,
+                           kelsIIRGetDlyLine_64f, kelsIIRSetDlyLine_64f, kelsIIR_64f, kelsIIR_64f_I, kelsIIROne_64f> {
     static constexpr const char* name = "64f";
-    static constexpr auto init = kelsIIRInitAlloc_64f;
-    static constexpr auto init_cascade = kelsIIRInitAlloc_BiQuad_64f;
-    static constexpr auto release = kelsIIRFree_64f;
-    static constexpr auto get_line = kelsIIRGetDlyLine_64f;
-    static constexpr auto set_line = kelsIIRSetDlyLine_64f;
-    static constexpr auto block = kelsIIR_64f;
-    static constexpr auto in_place = kelsIIR_64f_I;
-    static constexpr auto one = kelsIIROne_64f;
 };
-
-struct Family_64fc : Family<Kel64fc, Kel64fc> {
+struct Family_64fc
+    : Family<Kel64fc, Kel64fc, kelsIIRInitAlloc_64fc, kelsIIRInitAlloc_BiQuad_64fc, kelsIIRFree_64fc,
+             kelsIIRGetDlyLine_64fc, kelsIIRSetDlyLine_64fc, kelsIIR_64fc, kelsIIR_64fc_I, kelsIIROne_64fc> {
     static constexpr const char* name = "64fc";
-    static constexpr auto init = kelsIIRInitAlloc_64fc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc_BiQuad_64fc;
-    static constexpr auto release = kelsIIRFree_64fc;
-    static constexpr auto get_line = kelsIIRGetDlyLine_64fc;
-    static constexpr auto set_line = kelsIIRSetDlyLine_64fc;
-    static constexpr auto block = kelsIIR_64fc;
-    static constexpr auto in_place = kelsIIR_64fc_I;
-    static constexpr auto one = kelsIIROne_64fc;
 };
-
-struct Family_64f_32f : Family<Kel64f, Kel32f> {
+struct Family_64f_32f
+    : Family<Kel64f, Kel32f, kelsIIRInitAlloc64f_32f, kelsIIRInitAlloc64f_BiQuad_32f, kelsIIRFree64f_32f,
+             kelsIIRGetDlyLine64f_32f, kelsIIRSetDlyLine64f_32f, kelsIIR64f_32f, kelsIIR64f_32f_I, kelsIIROne64f_32f> {
     static constexpr const char* name = "64f_32f";
-    static constexpr auto init = kelsIIRInitAlloc64f_32f;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64f_BiQuad_32f;
-    static constexpr auto release = kelsIIRFree64f_32f;
-    static constexpr auto get_line = kelsIIRGetDlyLine64f_32f;
-    static constexpr auto set_line = kelsIIRSetDlyLine64f_32f;
-    static constexpr auto block = kelsIIR64f_32f;
-    static constexpr auto in_place = kelsIIR64f_32f_I;
-    static constexpr auto one = kelsIIROne64f_32f;
 };
-
-struct Family_64fc_32fc : Family<Kel64fc, Kel32fc> {
+struct Family_64fc_32fc : Family<Kel64fc, Kel32fc, kelsIIRInitAlloc64fc_32fc, kelsIIRInitAlloc64fc_BiQuad_32fc,
+                                 kelsIIRFree64fc_32fc, kelsIIRGetDlyLine64fc_32fc, kelsIIRSetDlyLine64fc_32fc,
+                                 kelsIIR64fc_32fc, kelsIIR64fc_32fc_I, kelsIIROne64fc_32fc> {
     static constexpr const char* name = "64fc_32fc";
-    static constexpr auto init = kelsIIRInitAlloc64fc_32fc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64fc_BiQuad_32fc;
-    static constexpr auto release = kelsIIRFree64fc_32fc;
-    static constexpr auto get_line = kelsIIRGetDlyLine64fc_32fc;
-    static constexpr auto set_line = kelsIIRSetDlyLine64fc_32fc;
-    static constexpr auto block = kelsIIR64fc_32fc;
-    static constexpr auto in_place = kelsIIR64fc_32fc_I;
-    static constexpr auto one = kelsIIROne64fc_32fc;
 };
-
-struct Family_64f_32s : Family<Kel64f, Kel32s> {
+struct Family_64f_32s : Family<Kel64f, Kel32s, kelsIIRInitAlloc64f_32s, kelsIIRInitAlloc64f_BiQuad_32s,
+                               kelsIIRFree64f_32s, kelsIIRGetDlyLine64f_32s, kelsIIRSetDlyLine64f_32s,
+                               kelsIIR64f_32s_Sfs, kelsIIR64f_32s_ISfs, kelsIIROne64f_32s_Sfs> {
     static constexpr const char* name = "64f_32s";
-    static constexpr auto init = kelsIIRInitAlloc64f_32s;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64f_BiQuad_32s;
-    static constexpr auto release = kelsIIRFree64f_32s;
-    static constexpr auto get_line = kelsIIRGetDlyLine64f_32s;
-    static constexpr auto set_line = kelsIIRSetDlyLine64f_32s;
-    static constexpr auto block = kelsIIR64f_32s_Sfs;
-    static constexpr auto in_place = kelsIIR64f_32s_ISfs;
-    static constexpr auto one = kelsIIROne64f_32s_Sfs;
 };
-
-struct Family_64fc_32sc : Family<Kel64fc, Kel32sc> {
+struct Family_64fc_32sc : Family<Kel64fc, Kel32sc, kelsIIRInitAlloc64fc_32sc, kelsIIRInitAlloc64fc_BiQuad_32sc,
+                                 kelsIIRFree64fc_32sc, kelsIIRGetDlyLine64fc_32sc, kelsIIRSetDlyLine64fc_32sc,
+                                 kelsIIR64fc_32sc_Sfs, kelsIIR64fc_32sc_ISfs, kelsIIROne64fc_32sc_Sfs> {
     static constexpr const char* name = "64fc_32sc";
-    static constexpr auto init = kelsIIRInitAlloc64fc_32sc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64fc_BiQuad_32sc;
-    static constexpr auto release = kelsIIRFree64fc_32sc;
-    static constexpr auto get_line = kelsIIRGetDlyLine64fc_32sc;
-    static constexpr auto set_line = kelsIIRSetDlyLine64fc_32sc;
-    static constexpr auto block = kelsIIR64fc_32sc_Sfs;
-    static constexpr auto in_place = kelsIIR64fc_32sc_ISfs;
-    static constexpr auto one = kelsIIROne64fc_32sc_Sfs;
 };
-
-struct Family_64f_16s : Family<Kel64f, Kel16s> {
+struct Family_64f_16s : Family<Kel64f, Kel16s, kelsIIRInitAlloc64f_16s, kelsIIRInitAlloc64f_BiQuad_16s,
+                               kelsIIRFree64f_16s, kelsIIRGetDlyLine64f_16s, kelsIIRSetDlyLine64f_16s,
+                               kelsIIR64f_16s_Sfs, kelsIIR64f_16s_ISfs, kelsIIROne64f_16s_Sfs> {
     static constexpr const char* name = "64f_16s";
-    static constexpr auto init = kelsIIRInitAlloc64f_16s;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64f_BiQuad_16s;
-    static constexpr auto release = kelsIIRFree64f_16s;
-    static constexpr auto get_line = kelsIIRGetDlyLine64f_16s;
-    static constexpr auto set_line = kelsIIRSetDlyLine64f_16s;
-    static constexpr auto block = kelsIIR64f_16s_Sfs;
-    static constexpr auto in_place = kelsIIR64f_16s_ISfs;
-    static constexpr auto one = kelsIIROne64f_16s_Sfs;
 };
-
-struct Family_64fc_16sc : Family<Kel64fc, Kel16sc> {
+struct Family_64fc_16sc : Family<Kel64fc, Kel16sc, kelsIIRInitAlloc64fc_16sc, kelsIIRInitAlloc64fc_BiQuad_16sc,
+                                 kelsIIRFree64fc_16sc, kelsIIRGetDlyLine64fc_16sc, kelsIIRSetDlyLine64fc_16sc,
+                                 kelsIIR64fc_16sc_Sfs, kelsIIR64fc_16sc_ISfs, kelsIIROne64fc_16sc_Sfs> {
     static constexpr const char* name = "64fc_16sc";
-    static constexpr auto init = kelsIIRInitAlloc64fc_16sc;
-    static constexpr auto init_cascade = kelsIIRInitAlloc64fc_BiQuad_16sc;
-    static constexpr auto release = kelsIIRFree64fc_16sc;
-    static constexpr auto get_line = kelsIIRGetDlyLine64fc_16sc;
-    static constexpr auto set_line = kelsIIRSetDlyLine64fc_16sc;
-    static constexpr auto block = kelsIIR64fc_16sc_Sfs;
-    static constexpr auto in_place = kelsIIR64fc_16sc_ISfs;
-    static constexpr auto one = kelsIIROne64fc_16sc_Sfs;
 };
 
 using Families = testing::Types<Family_32f, Family_32fc, Family_32f_16s, Family_32fc_16sc, Family_32s_16s,
                                 Family_32sc_16sc, Family_64f, Family_64fc, Family_64f_32f, Family_64fc_32fc,
                                 Family_64f_32s, Family_64fc_32sc, Family_64f_16s, Family_64fc_16sc>;
 
-using Context = std::unique_ptr<KelIirContext, KelStatus (*)(KelIirContext*)>;
+using Context = kels_test::Owned<KelIirContext>;
 
 /// A filter of any order or a cascade; integer taps have a factor.
-template <class F>
-KelStatus init(KelIirContext** context, bool cascade, const typename F::Taps* taps, int size, int tapsFactor,
+template <class F, bool cascade>
+KelStatus init(KelIirContext** context, const typename F::Taps* taps, int size, int tapsFactor,
                const typename F::Taps* state) {
     const auto make = cascade ? F::init_cascade : F::init;
     if constexpr (F::integer_taps)
@@ -204,15 +113,17 @@ KelStatus init(KelIirContext** context, bool cascade, const typename F::Taps* ta
     else
         return make(context, taps, size, state);
 }
+template <class F>
+auto init_of(bool cascade) {
+    return cascade ? init<F, true> : init<F, false>;
+}
 
 template <class F>
 Context make(bool cascade, const std::vector<typename F::Taps>& taps, int tapsFactor = 0,
              const std::vector<typename F::Taps>& state = {}) {
-    KelIirContext* context = nullptr;
     const int size = static_cast<int>(cascade ? taps.size() / 6 : taps.size() / 2 - 1);
-    EXPECT_EQ(init<F>(&context, cascade, taps.data(), size, tapsFactor, state.empty() ? nullptr : state.data()),
-              kelStatusOk);
-    return {context, F::release};
+    return kels_test::made(init_of<F>(cascade), F::release, taps.data(), size, tapsFactor,
+                           state.empty() ? nullptr : state.data());
 }
 
 /// The three ways of samples through a filter.

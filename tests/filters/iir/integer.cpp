@@ -211,25 +211,23 @@ TEST(IirInteger, RealTapsTakeAllBits) {
         {{NAN, 1}, 0, 1, -32768},
     };
     for (const FromReal& row : rows) {
-        KelIirContext* context = nullptr;
-        ASSERT_EQ(kelsIIRInitAlloc32s_16s32f(&context, row.taps.data(), 0, nullptr), kelStatusOk);
-        Kel16s y = 1;
-        EXPECT_EQ(kelsIIR32s_16s_Sfs(&row.sample, &y, 1, context, row.scale), kelStatusOk);
-        EXPECT_EQ(y, row.result) << row.taps[0] << ' ' << row.scale;
-        kelsIIRFree32s_16s(context);
+        const Context context =
+            kels_test::made(kelsIIRInitAlloc32s_16s32f, kelsIIRFree32s_16s, row.taps.data(), 0, nullptr);
+        EXPECT_EQ(filtered<F>(as_block, {row.sample}, context, row.scale)[0], row.result)
+            << row.taps[0] << ' ' << row.scale;
     }
 }
 
 /// What a filter of integer taps from real ones makes of noise, and what one of doubles does.
-template <class Integer, class Real, class Tap>
-void resembles(auto make_from_real, bool cascade, const std::vector<Tap>& taps) {
+template <class Integer, class Real, class Tap, class State>
+void resembles(KelStatus (*make_from_real)(KelIirContext**, const Tap*, int, const State*), bool cascade,
+               const std::vector<Tap>& taps) {
     Random random("resembles");
     const auto x = noise<typename Integer::Sample>(random, 500);
-    KelIirContext* made = nullptr;
-    ASSERT_EQ(make_from_real(&made, taps.data(), 2, nullptr), kelStatusOk);
     std::vector<typename Real::Taps> doubles;
     for (const Tap& tap : taps) doubles.push_back(narrow<typename Real::Taps>(wide<double>(tap)));
-    const auto a = filtered<Integer>(as_block, x, Context(made, Integer::release), 3);
+    const Context integers = kels_test::made(make_from_real, Integer::release, taps.data(), 2, nullptr);
+    const auto a = filtered<Integer>(as_block, x, integers, 3);
     const auto b = filtered<Real>(as_block, x, make<Real>(cascade, doubles), 3);
     for (std::size_t i = 0; i < x.size() * parts<typename Integer::Sample>; ++i)
         EXPECT_NEAR(values(a)[i], values(b)[i], 30) << i;

@@ -1,58 +1,53 @@
 // Adaptive filters driven step by step, against a model that keeps the whole stream.
 
 #include "kels/lms.h"
-#include "support/allocation_faults.h"
+#include "support/life_cycle.h"
 #include "support/random_data.h"
+#include "support/refusals.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 namespace {
 
-using kels_test::Random;
+using namespace kels_test;
 
-struct Real {
-    using Tap = Kel32s;
-    using Sample = Kel16s;
-    static constexpr int parts = 1;
-    static constexpr auto make = kelsFIRLMSMRInitAlloc32s_16s;
-    static constexpr auto release = kelsFIRLMSMRFree32s_16s;
-    static constexpr auto set_taps = kelsFIRLMSMRSetTaps32s_16s;
-    static constexpr auto get_taps = kelsFIRLMSMRGetTaps32s_16s;
-    static constexpr auto show_taps = kelsFIRLMSMRGetTapsPointer32s_16s;
-    static constexpr auto set_mu = kelsFIRLMSMRSetMu32s_16s;
-    static constexpr auto set_line = kelsFIRLMSMRSetDlyLine32s_16s;
-    static constexpr auto get_line = kelsFIRLMSMRGetDlyLine32s_16s;
-    static constexpr auto get_sample = kelsFIRLMSMRGetDlyVal32s_16s;
-    static constexpr auto put = kelsFIRLMSMRPutVal32s_16s;
-    static constexpr auto output = kelsFIRLMSMROne32s_16s;
-    static constexpr auto put_and_output = kelsFIRLMSMROneVal32s_16s;
-    static constexpr auto update = kelsFIRLMSMRUpdateTaps32s_16s;
+template <class T, class S, auto make_, auto release_, auto set_taps_, auto get_taps_, auto show_taps_, auto set_mu_,
+          auto set_line_, auto get_line_, auto get_sample_, auto put_, auto output_, auto put_and_output_, auto update_>
+struct Functions {
+    using Tap = T;
+    using Sample = S;
+    static constexpr int parts = type_of<S>().parts;
+    static constexpr auto make = make_;
+    static constexpr auto release = release_;
+    static constexpr auto set_taps = set_taps_;
+    static constexpr auto get_taps = get_taps_;
+    static constexpr auto show_taps = show_taps_;
+    static constexpr auto set_mu = set_mu_;
+    static constexpr auto set_line = set_line_;
+    static constexpr auto get_line = get_line_;
+    static constexpr auto get_sample = get_sample_;
+    static constexpr auto put = put_;
+    static constexpr auto output = output_;
+    static constexpr auto put_and_output = put_and_output_;
+    static constexpr auto update = update_;
 };
 
-struct Complex {
-    using Tap = Kel32sc;
-    using Sample = Kel16sc;
-    static constexpr int parts = 2;
-    static constexpr auto make = kelsFIRLMSMRInitAlloc32sc_16sc;
-    static constexpr auto release = kelsFIRLMSMRFree32sc_16sc;
-    static constexpr auto set_taps = kelsFIRLMSMRSetTaps32sc_16sc;
-    static constexpr auto get_taps = kelsFIRLMSMRGetTaps32sc_16sc;
-    static constexpr auto show_taps = kelsFIRLMSMRGetTapsPointer32sc_16sc;
-    static constexpr auto set_mu = kelsFIRLMSMRSetMu32sc_16sc;
-    static constexpr auto set_line = kelsFIRLMSMRSetDlyLine32sc_16sc;
-    static constexpr auto get_line = kelsFIRLMSMRGetDlyLine32sc_16sc;
-    static constexpr auto get_sample = kelsFIRLMSMRGetDlyVal32sc_16sc;
-    static constexpr auto put = kelsFIRLMSMRPutVal32sc_16sc;
-    static constexpr auto output = kelsFIRLMSMROne32sc_16sc;
-    static constexpr auto put_and_output = kelsFIRLMSMROneVal32sc_16sc;
-    static constexpr auto update = kelsFIRLMSMRUpdateTaps32sc_16sc;
-};
+using Real = Functions<Kel32s, Kel16s, kelsFIRLMSMRInitAlloc32s_16s, kelsFIRLMSMRFree32s_16s,
+                       kelsFIRLMSMRSetTaps32s_16s, kelsFIRLMSMRGetTaps32s_16s, kelsFIRLMSMRGetTapsPointer32s_16s,
+                       kelsFIRLMSMRSetMu32s_16s, kelsFIRLMSMRSetDlyLine32s_16s, kelsFIRLMSMRGetDlyLine32s_16s,
+                       kelsFIRLMSMRGetDlyVal32s_16s, kelsFIRLMSMRPutVal32s_16s, kelsFIRLMSMROne32s_16s,
+                       kelsFIRLMSMROneVal32s_16s, kelsFIRLMSMRUpdateTaps32s_16s>;
+using Complex =
+    Functions<Kel32sc, Kel16sc, kelsFIRLMSMRInitAlloc32sc_16sc, kelsFIRLMSMRFree32sc_16sc, kelsFIRLMSMRSetTaps32sc_16sc,
+              kelsFIRLMSMRGetTaps32sc_16sc, kelsFIRLMSMRGetTapsPointer32sc_16sc, kelsFIRLMSMRSetMu32sc_16sc,
+              kelsFIRLMSMRSetDlyLine32sc_16sc, kelsFIRLMSMRGetDlyLine32sc_16sc, kelsFIRLMSMRGetDlyVal32sc_16sc,
+              kelsFIRLMSMRPutVal32sc_16sc, kelsFIRLMSMROne32sc_16sc, kelsFIRLMSMROneVal32sc_16sc,
+              kelsFIRLMSMRUpdateTaps32sc_16sc>;
 
 /// A number of either family, in 64 bits.
 struct Wide {
@@ -112,9 +107,6 @@ std::vector<T> noise(Random& random, int n, bool extremes) {
 }
 
 template <class F>
-using Context = std::unique_ptr<KelLmsMrContext, KelStatus (*)(KelLmsMrContext*)>;
-
-template <class F>
 class LmsMr : public testing::Test {};
 using Families = testing::Types<Real, Complex>;
 TYPED_TEST_SUITE(LmsMr, Families);
@@ -135,10 +127,9 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
             auto taps = noise<typename F::Tap>(random, size.taps, extremes);
             auto line = noise<typename F::Sample>(random, L, extremes);
             int index = random.below(L);
-            KelLmsMrContext* context = nullptr;
-            ASSERT_EQ(F::make(&context, taps.data(), size.taps, line.data(), index, size.stride, size.delay, 12345),
-                      kelStatusOk);
-            const Context<F> owner(context, F::release);
+            const auto owner =
+                made(F::make, F::release, taps.data(), size.taps, line.data(), index, size.stride, size.delay, 12345);
+            KelLmsMrContext* const context = owner.get();
             Model model = {wide(taps), {}, size.stride, size.delay, 12345};
             for (int i = 0; i < L; ++i) model.stream.push_back(wide(line[static_cast<std::size_t>((index + i) % L)]));
 
@@ -176,17 +167,22 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
                     }
                 }
             }
-            std::vector<typename F::Tap> got(taps.size());
-            ASSERT_EQ(F::get_taps(context, got.data()), kelStatusOk);
-            EXPECT_EQ(wide(got), model.taps);
-            typename F::Tap* shown = nullptr;
-            ASSERT_EQ(F::show_taps(context, &shown), kelStatusOk);
-            EXPECT_TRUE(std::equal(got.rbegin(), got.rend(), shown, [](auto a, auto b) { return wide(a) == wide(b); }));
-            std::vector<typename F::Sample> stored(line.size());
-            int stored_index = -1;
-            ASSERT_EQ(F::get_line(context, stored.data(), &stored_index), kelStatusOk);
-            EXPECT_EQ(wide(stored), wide(line));
-            EXPECT_EQ(stored_index, index);
+            const auto expect_kept = [&](const std::vector<Wide>& kept_taps, const std::vector<Wide>& kept_line,
+                                         int at) {
+                std::vector<typename F::Tap> got(taps.size());
+                ASSERT_EQ(F::get_taps(context, got.data()), kelStatusOk);
+                EXPECT_EQ(wide(got), kept_taps);
+                typename F::Tap* shown = nullptr;
+                ASSERT_EQ(F::show_taps(context, &shown), kelStatusOk);
+                EXPECT_EQ(wide(std::vector<typename F::Tap>(shown, shown + size.taps)),
+                          std::vector<Wide>(kept_taps.rbegin(), kept_taps.rend()));
+                std::vector<typename F::Sample> stored(line.size());
+                int stored_index = -1;
+                ASSERT_EQ(F::get_line(context, stored.data(), &stored_index), kelStatusOk);
+                EXPECT_EQ(wide(stored), kept_line);
+                EXPECT_EQ(stored_index, at);
+            };
+            expect_kept(model.taps, wide(line), index);
 
             // Samples of the filtering window, as far as the ring goes, and not behind it.
             for (int at = -1; at <= L + 1; ++at) {
@@ -201,18 +197,18 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
 
             ASSERT_EQ(F::set_taps(context, taps.data()), kelStatusOk);
             ASSERT_EQ(F::set_line(context, line.data(), L - 1), kelStatusOk);
-            F::get_taps(context, got.data());
-            F::get_line(context, stored.data(), &stored_index);
-            EXPECT_EQ(wide(got), wide(taps));
-            EXPECT_EQ(wide(stored), wide(line));
-            EXPECT_EQ(stored_index, L - 1);
+            expect_kept(wide(taps), wide(line), L - 1);
             ASSERT_EQ(F::set_taps(context, nullptr), kelStatusOk);
             ASSERT_EQ(F::set_line(context, nullptr, 0), kelStatusOk);
-            F::get_taps(context, got.data());
-            F::get_line(context, stored.data(), &stored_index);
-            EXPECT_EQ(wide(got), std::vector<Wide>(taps.size()));
-            EXPECT_EQ(wide(stored), std::vector<Wide>(line.size()));
+            expect_kept(std::vector<Wide>(taps.size()), std::vector<Wide>(line.size()), 0);
         }
+}
+
+/// A filter of one tap with a sample of 1 in it.
+auto of_one_tap(Kel32s tap, Kel32s mu) {
+    auto context = made(Real::make, Real::release, &tap, 1, nullptr, 0, 1, 0, mu);
+    EXPECT_EQ(Real::put(1, context.get()), kelStatusOk);
+    return context;
 }
 
 TEST(LmsMrReal, Literals) {
@@ -220,96 +216,80 @@ TEST(LmsMrReal, Literals) {
         Kel32s tap, wanted;
     } outputs[] = {{0x0001FFFF, 1}, {0xFFFF, 0}, {-1, -1}, {-65536, -1}, {INT_MIN, -32768}};
     for (const auto& [tap, wanted] : outputs) {
-        KelLmsMrContext* context = nullptr;
-        ASSERT_EQ(kelsFIRLMSMRInitAlloc32s_16s(&context, &tap, 1, nullptr, 0, 1, 0, 0), kelStatusOk);
+        const auto context = of_one_tap(tap, 0);
         Kel32s y = 99, stored = 99;
-        EXPECT_EQ(kelsFIRLMSMROneVal32s_16s(1, &y, context), kelStatusOk);
+        EXPECT_EQ(Real::output(&y, context.get()), kelStatusOk);
         EXPECT_EQ(y, wanted);
-        kelsFIRLMSMRGetTaps32s_16s(context, &stored);
+        Real::get_taps(context.get(), &stored);
         EXPECT_EQ(stored, tap);
-        kelsFIRLMSMRFree32s_16s(context);
     }
     const struct {
         Kel32s mu, err, wanted;
     } updates[] = {{16384, 3, 2}, {16384, -3, -1}, {INT_MAX, 2, 0}, {32768, 5, 5}};
     for (const auto& [mu, err, wanted] : updates) {
-        KelLmsMrContext* context = nullptr;
-        ASSERT_EQ(kelsFIRLMSMRInitAlloc32s_16s(&context, nullptr, 1, nullptr, 0, 1, 0, mu), kelStatusOk);
-        kelsFIRLMSMRPutVal32s_16s(1, context);
-        EXPECT_EQ(kelsFIRLMSMRUpdateTaps32s_16s(err, context), kelStatusOk);
+        const auto context = of_one_tap(0, mu);
+        EXPECT_EQ(Real::update(err, context.get()), kelStatusOk);
         Kel32s tap = 99;
-        kelsFIRLMSMRGetTaps32s_16s(context, &tap);
+        Real::get_taps(context.get(), &tap);
         EXPECT_EQ(tap, wanted) << mu << ", " << err;
-        kelsFIRLMSMRFree32s_16s(context);
     }
 }
 
 TYPED_TEST(LmsMr, FindsAnUnknownSystem) {
     using F = TypeParam;
+    using Tap = typename F::Tap;
+    using Sample = typename F::Sample;
     Random random("identification at several rates");
-    KelLmsMrContext* context = nullptr;
-    ASSERT_EQ(F::make(&context, nullptr, 4, nullptr, 0, 2, 0, 512), kelStatusOk);
-    const Context<F> owner(context, F::release);
+    const auto context = made(F::make, F::release, nullptr, 4, nullptr, 0, 2, 0, 512);
     constexpr int system[] = {100, -50, 25, 0};
+    const auto number = []<class T>(T*, int re, int im) -> T {
+        if constexpr (F::parts == 1)
+            return static_cast<T>(re);
+        else
+            return {static_cast<decltype(T::re)>(re), static_cast<decltype(T::re)>(im)};
+    };
     std::vector<int> x(8);
     for (int i = 0; i < 20000; ++i) {
-        const int v = random.below(2001) - 1000;
-        x.insert(x.begin(), v);
+        x.insert(x.begin(), random.below(2001) - 1000);
         x.pop_back();
-        typename F::Tap y{}, error{};
-        if constexpr (F::parts == 1) {
-            F::put_and_output(static_cast<Kel16s>(v), &y, context);
-            for (int k = 0; k < 4; ++k) error += system[k] * x[static_cast<std::size_t>(2 * k)];
-            error -= y;
-        } else {
-            F::put_and_output({static_cast<Kel16s>(v), 0}, &y, context);
-            for (int k = 0; k < 4; ++k) error.re += system[k] * x[static_cast<std::size_t>(2 * k)];
-            error = {error.re - y.re, -y.im};
-        }
-        F::update(error, context);
+        int wanted = 0;
+        for (int k = 0; k < 4; ++k) wanted += system[k] * x[static_cast<std::size_t>(2 * k)];
+        Tap y{};
+        F::put_and_output(number(static_cast<Sample*>(nullptr), x[0], 0), &y, context.get());
+        const Wide got = wide(y);
+        F::update(number(static_cast<Tap*>(nullptr), wanted - static_cast<int>(got.re), static_cast<int>(-got.im)),
+                  context.get());
     }
-    typename F::Tap found[4];
-    F::get_taps(context, found);
+    Tap found[4];
+    F::get_taps(context.get(), found);
     for (int k = 0; k < 4; ++k) EXPECT_NEAR(static_cast<double>(wide(found[k]).re) / 65536, system[k], 1.5) << k;
+}
+
+TYPED_TEST(LmsMr, CreationRefusesAndRunsOutOfMemory) {
+    using F = TypeParam;
+    const auto expect = [](KelStatus status, int taps, int index, int stride, int delay) {
+        expect_not_made(status, F::make, nullptr, taps, nullptr, index, stride, delay, 0);
+    };
+    EXPECT_EQ(F::make(nullptr, nullptr, 0, nullptr, 0, 0, 0, 0), kelStatusNullPtr);
+    for (const int taps : {0, -1}) expect(kelStatusBadSize, taps, 0, 1, 5);
+    for (const int stride : {0, INT_MIN}) expect(kelStatusBadSize, 1, 0, stride, 5);
+    for (const int index : {-1, 7, INT_MAX}) expect(kelStatusBadSize, 2, index, 3, 1);
+    for (const int delay : {-1, INT_MIN}) expect(kelStatusBadSize, 1, 0, 1, delay);
+    for (const Sizes& huge :
+         {Sizes{INT_MAX, INT_MAX, INT_MAX}, {1 << 16, 1 << 16, 0}, {1, 1, INT_MAX}, {1, INT_MAX, 0}, {INT_MAX, 1, 0}})
+        expect(kelStatusNoMemory, huge.taps, 0, huge.stride, huge.delay);
+    expect_clean_failures(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0);
 }
 
 TYPED_TEST(LmsMr, RefusesInOrderAndStoresNothing) {
     using F = TypeParam;
     using Other = std::conditional_t<F::parts == 1, Complex, Real>;
-    char elsewhere;
-    auto* const untouched = reinterpret_cast<KelLmsMrContext*>(&elsewhere);
-    KelLmsMrContext* context = untouched;
-    const long before = kels_test::live_blocks();
-    EXPECT_EQ(F::make(nullptr, nullptr, 0, nullptr, 0, 0, 0, 0), kelStatusNullPtr);
-    const struct {
-        int taps, index, stride, delay;
-    } bad[] = {{0, 0, 1, 0}, {-1, 0, 1, 5},      {1, 0, 0, 5},  {1, 0, INT_MIN, 0}, {2, -1, 3, 1},
-               {2, 7, 3, 1}, {2, INT_MAX, 3, 1}, {2, 0, 3, -1}, {1, 0, 1, INT_MIN}};
-    for (const auto& b : bad)
-        EXPECT_EQ(F::make(&context, nullptr, b.taps, nullptr, b.index, b.stride, b.delay, 0), kelStatusBadSize);
-    const Sizes huge[] = {
-        {INT_MAX, INT_MAX, INT_MAX}, {1 << 16, 1 << 16, 0}, {1, 1, INT_MAX}, {1, INT_MAX, 0}, {INT_MAX, 1, 0}};
-    for (const Sizes& h : huge)
-        EXPECT_EQ(F::make(&context, nullptr, h.taps, nullptr, 0, h.stride, h.delay, 0), kelStatusNoMemory);
-    EXPECT_EQ(context, untouched);
-    kels_test::for_each_allocation_failure([&] {
-        KelLmsMrContext* made = untouched;
-        const KelStatus status = F::make(&made, nullptr, 2, nullptr, 6, 3, 1, 0);
-        if (status == kelStatusOk)
-            F::release(made);
-        else
-            EXPECT_EQ(made, untouched);
-        return status;
-    });
-    EXPECT_EQ(kels_test::live_blocks(), before);
-
-    ASSERT_EQ(F::make(&context, nullptr, 2, nullptr, 6, 3, 1, 0), kelStatusOk);
-    KelLmsMrContext* foreign = nullptr;
-    ASSERT_EQ(Other::make(&foreign, nullptr, 2, nullptr, 0, 3, 1, 0), kelStatusOk);
+    KelLmsMrContext* const context = made(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0).release();
+    KelLmsMrContext* const foreign = made(Other::make, Other::release, nullptr, 2, nullptr, 0, 3, 1, 0).release();
     typename F::Tap tap[2] = {}, *shown = nullptr;
     typename F::Sample sample[7] = {};
     int index = 7;
-    for (KelLmsMrContext* wrong : {static_cast<KelLmsMrContext*>(nullptr), foreign}) {
+    for (KelLmsMrContext* const wrong : {static_cast<KelLmsMrContext*>(nullptr), foreign}) {
         const KelStatus status = wrong ? kelStatusContextMismatch : kelStatusNullPtr;
         EXPECT_EQ(F::set_taps(wrong, tap), status);
         EXPECT_EQ(F::get_taps(wrong, tap), status);
@@ -321,12 +301,13 @@ TYPED_TEST(LmsMr, RefusesInOrderAndStoresNothing) {
         EXPECT_EQ(F::output(tap, wrong), status);
         EXPECT_EQ(F::put_and_output(sample[0], tap, wrong), status);
         EXPECT_EQ(F::update(tap[0], wrong), status);
-        EXPECT_EQ(F::get_taps(wrong, nullptr), kelStatusNullPtr);
-        EXPECT_EQ(F::get_line(wrong, nullptr, &index), kelStatusNullPtr);
-        EXPECT_EQ(F::get_line(wrong, sample, nullptr), kelStatusNullPtr);
-        EXPECT_EQ(F::get_sample(wrong, nullptr, 0), kelStatusNullPtr);
-        EXPECT_EQ(F::output(nullptr, wrong), kelStatusNullPtr);
-        EXPECT_EQ(F::put_and_output(sample[0], nullptr, wrong), kelStatusNullPtr);
+    }
+    for (KelLmsMrContext* const any : {context, foreign}) { // whose nulls come first
+        expect_nulls_refused(F::get_taps, any, tap);
+        expect_nulls_refused(F::get_line, any, sample, &index);
+        expect_nulls_refused(F::get_sample, any, sample, 0);
+        expect_nulls_refused(F::output, tap, any);
+        expect_nulls_refused(F::put_and_output, sample[0], tap, any);
     }
     EXPECT_EQ(F::show_taps(nullptr, &shown), kelStatusNullPtr);
     EXPECT_EQ(F::show_taps(context, nullptr), kelStatusNullPtr);
