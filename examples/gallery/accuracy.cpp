@@ -29,10 +29,9 @@ Complex<long double> reference(const Complex<long double>& x) {
 
 /// The root of the mean square of a transform's errors, relative to the results, in units of the type's last place.
 template <class T>
-double error(void (*transform)(Complex<T>&, int), int order, const Samples& values, const Complex<long double>& exact) {
+double error(void (*transform)(Complex<T>&, int), int order, const Complex<float>& values, const auto& exact) {
     if (!transform) return NAN;
-    Complex<T> points(exact.size());
-    for (std::size_t i = 0; i < points.size(); ++i) points[i] = {values[2 * i], values[2 * i + 1]};
+    Complex<T> points(values.begin(), values.end());
     transform(points, order);
     long double errors = 0, squares = 0;
     for (std::size_t k = 0; k < exact.size(); ++k) {
@@ -51,10 +50,9 @@ std::string examples::show(const Run& run) {
     double worst = 0;
     for (int order = 2; order <= (run.small ? 12 : 20); ++order) {
         orders.push_back(order);
-        const Samples values = noise(std::size_t{2} << order, 1, 1);
-        Complex<long double> points(std::size_t{1} << order);
-        for (std::size_t i = 0; i < points.size(); ++i) points[i] = {values[2 * i], values[2 * i + 1]};
-        const Complex<long double> exact = reference(points);
+        Complex<float> values(std::size_t{1} << order);
+        std::ranges::copy(noise(2 * values.size(), 1, 1), &reinterpret_cast<float&>(values[0]));
+        const Complex<long double> exact = reference({values.begin(), values.end()});
         for (std::size_t i = 0; i < all.size(); ++i) {
             single[i].push_back(error(all[i].single, order, values, exact));
             twice[i].push_back(error(all[i].of_doubles, order, values, exact));
@@ -64,7 +62,7 @@ std::string examples::show(const Run& run) {
     claim(worst < 1, text("The error reaches %.2f of its bound.", worst));
 
     Picture picture(1000, 450);
-    picture << "set multiplot layout 1,2 margins 0.07,0.98,0.15,0.88 spacing 0.07\nset key top left\nset yrange [0:3]\n"
+    picture << "set multiplot layout 1,2 margins 0.09,0.98,0.15,0.88 spacing 0.07\nset key top left\nset yrange [0:4]\n"
             << "set xrange [2:20]\nset xlabel 'log2 of the number of points'\nset ylabel 'Relative RMS error in eps'\n";
     for (const bool doubles : {false, true}) {
         if (doubles) picture << "unset ylabel\n";

@@ -39,8 +39,7 @@ std::vector<Kel16sc> heard(const std::vector<Pair>& sent, double power, double r
 }
 
 double share_of_errors(const std::vector<Pair>& sent, const std::vector<Pair>& decided) {
-    std::size_t errors = 0;
-    const std::size_t counted = sent.size() - 50; // the last ones are decided before all is heard that tells of them
+    std::size_t errors = 0, counted = sent.size() - 50; // the last ones are decided too early
     for (std::size_t i = 0; i < counted; ++i) errors += sent[i] != decided[i];
     return errors ? double(errors) / double(counted) : NAN;
 }
@@ -67,8 +66,8 @@ std::string examples::show(const Run& run) {
         with.push_back(share_of_errors(coded, code.decoded(heard(coded, code.power(), ratio))));
         without.push_back(share_of_errors(uncoded, nearest(heard(uncoded, plain_power, ratio))));
     }
-    const double level = run.small ? 1e-3 : 1e-4;
-    const double gain = crossing(ratios, without, level) - crossing(ratios, with, level);
+    const double level = run.small ? 1e-3 : 1e-4,
+                 gain = crossing(ratios, without, level) - crossing(ratios, with, level);
     claim(gain > (run.small ? 2.4 : 3.2), text("The code gains %.2f dB only.", gain));
     Picture picture(900, 480);
     picture.data("shares", ratios, without, with).title("Eight bits in two points: a trellis code of 16 states")
