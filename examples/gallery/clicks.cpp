@@ -53,7 +53,7 @@ std::string examples::show(const Run& run) {
     Picture picture(900, 640);
     picture.data("shown", axis(shown, 1e3 / speech_rate), cut(clean), cut(heard), cut(median), cut(average))
         << "set multiplot layout 3,1 margins 0.1,0.97,0.1,0.91 spacing 0.11\nunset key\nset yrange [-0.4:0.8]\n"
-        << "set ytics 0.4\nset format x ''\n";
+        << "set ytics 0.4\nset ylabel 'Amplitude'\nset format x ''\n";
     const std::string titles[] = {text("with clicks, over the clean speech: %.1f dB", before),
                                   text("median of 5: %.1f dB", after),
                                   text("average of %d, the best one: %.1f dB", best, linear)};
