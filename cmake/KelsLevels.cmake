@@ -22,6 +22,14 @@ set(KELS_COMPILE_OPTIONS
   -Wall -Wextra -Wshadow -Werror=missing-declarations
   -Wno-psabi) # wide vectors are passed between inlined functions only
 
+# The names that the objects export, each with the release that brought it: what is listed stays.
+set(KELS_EXPORTS ${CMAKE_CURRENT_LIST_DIR}/../src/exports.txt)
+set(KELS_VERSION_SCRIPT ${PROJECT_BINARY_DIR}/exports.map)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${KELS_EXPORTS})
+file(READ ${KELS_EXPORTS} exports)
+string(REGEX REPLACE " [^\n]*\n" ";\n" exports "${exports}")
+file(CONFIGURE OUTPUT ${KELS_VERSION_SCRIPT} CONTENT "{\nglobal:\n${exports}local: *;\n};\n" @ONLY)
+
 # kels_add_level(<target> <level> <output directory> <sources...>)
 function(kels_add_level target level directory)
   add_library(${target} SHARED ${ARGN})
@@ -31,7 +39,9 @@ function(kels_add_level target level directory)
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   if(NOT KELS_SANITIZE)
     # Nothing of the C++ library is called: programs in C load this one object.
-    target_link_options(${target} PRIVATE -Wl,-z,defs -Wl,--as-needed -static-libgcc)
+    target_link_options(${target} PRIVATE -Wl,-z,defs -Wl,--as-needed -static-libgcc
+      -Wl,--version-script=${KELS_VERSION_SCRIPT})
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS ${KELS_VERSION_SCRIPT})
   endif()
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME kels VERSION 2 SOVERSION 2

@@ -1,11 +1,6 @@
 # Fails on an export of the LIBRARIES that the program TESTS does not use. What it stands in for it uses as well.
 
-function(dynamic_symbols file option names)
-  execute_process(COMMAND ${NM} -D ${option} ${file} OUTPUT_VARIABLE lines COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL " [A-Za-z] [A-Za-z][A-Za-z0-9_]*" found "${lines}")
-  list(TRANSFORM found REPLACE "^ . " "")
-  set(${names} ${found} PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/dynamic_symbols.cmake)
 
 dynamic_symbols(${TESTS} --undefined-only used)
 dynamic_symbols(${TESTS} --defined-only interposed)

@@ -19,7 +19,7 @@
 #include <numbers>
 #include <sstream>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 using std::numbers::pi;
@@ -68,4 +68,4 @@ std::vector<float> design(const BandPass& band, int rate) {
     return rounded;
 }
 
-} // namespace demo
+} // namespace examples::demo

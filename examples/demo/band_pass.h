@@ -3,7 +3,7 @@
 
 #include <vector>
 
-namespace demo {
+namespace examples::demo {
 
 struct BandPass {
     double low;  ///< Hz, at least 0
@@ -17,4 +17,4 @@ void require_possible(const BandPass& band, int rate);
 /// The taps h[0] to h[taps - 1] of a linear-phase band-pass with a gain of 1 in the middle of the band.
 std::vector<float> design(const BandPass& band, int rate);
 
-} // namespace demo
+} // namespace examples::demo

@@ -24,7 +24,7 @@
 #include <memory>
 #include <numbers>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 using Complex = std::complex<double>;
@@ -39,8 +39,7 @@ using Cascade = std::unique_ptr<KelIirContext, Free>;
 
 Cascade make_cascade(const std::vector<double>& sections) {
     KelIirContext* state = nullptr;
-    check(kelsIIRInitAlloc64f_BiQuad_32f(&state, sections.data(), int(sections.size() / 6), nullptr),
-          "kelsIIRInitAlloc64f_BiQuad_32f");
+    check(kelsIIRInitAlloc64f_BiQuad_32f(&state, sections.data(), int(sections.size() / 6), nullptr));
     return Cascade(state);
 }
 
@@ -116,7 +115,7 @@ std::vector<float> filter_in_sections(const std::vector<double>& sections, const
     const Cascade cascade = make_cascade(sections);
     std::vector<float> filtered(samples.size());
     for_each_block(samples.size(), [&](std::size_t first, int count) {
-        check(kelsIIR64f_32f(&samples[first], &filtered[first], count, cascade.get()), "kelsIIR64f_32f");
+        check(kelsIIR64f_32f(&samples[first], &filtered[first], count, cascade.get()));
     });
     return filtered;
 }
@@ -124,8 +123,8 @@ std::vector<float> filter_in_sections(const std::vector<double>& sections, const
 std::vector<float> filter_in_sections_at_once(const std::vector<double>& sections, const std::vector<float>& samples) {
     const Cascade cascade = make_cascade(sections);
     std::vector<float> filtered = samples;
-    check(kelsIIR64f_32f_I(filtered.data(), int(filtered.size()), cascade.get()), "kelsIIR64f_32f_I");
+    check(kelsIIR64f_32f_I(filtered.data(), int(filtered.size()), cascade.get()));
     return filtered;
 }
 
-} // namespace demo
+} // namespace examples::demo

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace demo {
+namespace examples::demo {
 
 /// Fails with a sentence when there is no such cascade.
 void require_possible_order(int order);
@@ -18,4 +18,4 @@ std::vector<double> design_biquads(const BandPass& band, int order, int rate);
 std::vector<float> filter_in_sections(const std::vector<double>& sections, const std::vector<float>& samples);
 std::vector<float> filter_in_sections_at_once(const std::vector<double>& sections, const std::vector<float>& samples);
 
-} // namespace demo
+} // namespace examples::demo

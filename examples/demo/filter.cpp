@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 struct Free {
@@ -17,10 +17,9 @@ Filter make_filter(const Filtering& f) {
     KelFirContext* state = nullptr;
     const int taps = int(f.taps.size());
     if (f.changes_rate())
-        check(kelsFIRMRInitAlloc_32f(&state, f.taps.data(), taps, f.up, 0, f.down, 0, nullptr),
-              "kelsFIRMRInitAlloc_32f");
+        check(kelsFIRMRInitAlloc_32f(&state, f.taps.data(), taps, f.up, 0, f.down, 0, nullptr));
     else
-        check(kelsFIRInitAlloc_32f(&state, f.taps.data(), taps, nullptr), "kelsFIRInitAlloc_32f");
+        check(kelsFIRInitAlloc_32f(&state, f.taps.data(), taps, nullptr));
     return Filter(state);
 }
 
@@ -51,7 +50,7 @@ std::vector<float> filter_stream(const Filtering& f, const std::vector<float>& s
     const std::size_t periods = source.size() / f.down;
     std::vector<float> filtered(periods * f.up);
     for_each_block(periods, [&](std::size_t first, int count) {
-        check(kelsFIR_32f(&source[first * f.down], &filtered[first * f.up], count, filter.get()), "kelsFIR_32f");
+        check(kelsFIR_32f(&source[first * f.down], &filtered[first * f.up], count, filter.get()));
     });
     return for_samples(f, std::move(filtered), samples.size());
 }
@@ -61,15 +60,14 @@ std::vector<float> filter_at_once(const Filtering& f, const std::vector<float>& 
     const std::vector<float> source = whole_periods(f, samples);
     const std::size_t periods = source.size() / f.down;
     std::vector<float> filtered(periods * f.up);
-    check(kelsFIR_32f(source.data(), filtered.data(), int(periods), filter.get()), "kelsFIR_32f");
+    check(kelsFIR_32f(source.data(), filtered.data(), int(periods), filter.get()));
     return for_samples(f, std::move(filtered), samples.size());
 }
 
 std::vector<float> filter_one_by_one(const Filtering& f, const std::vector<float>& samples) {
     const Filter filter = make_filter(f);
     std::vector<float> filtered(samples.size());
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        check(kelsFIROne_32f(samples[i], &filtered[i], filter.get()), "kelsFIROne_32f");
+    for (std::size_t i = 0; i < samples.size(); ++i) check(kelsFIROne_32f(samples[i], &filtered[i], filter.get()));
     return filtered;
 }
 
@@ -79,8 +77,7 @@ std::vector<float> filter_without_context(const Filtering& f, const std::vector<
     const int taps = int(f.taps.size());
     std::vector<float> filtered(periods * f.up), line((taps + f.up - 1) / f.up);
     check(kelsFIRMR_Direct_32f(source.data(), filtered.data(), int(periods), f.taps.data(), taps, f.up, 0, f.down, 0,
-                               line.data()),
-          "kelsFIRMR_Direct_32f");
+                               line.data()));
     return for_samples(f, std::move(filtered), samples.size());
 }
 
@@ -94,4 +91,4 @@ std::string engines_of_stream(const Filtering& f, std::size_t samples) {
            (plan > 0 ? ", those of at most " + std::to_string(plan) + " samples" : "");
 }
 
-} // namespace demo
+} // namespace examples::demo

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace demo {
+namespace examples::demo {
 
 // Shorter and longer than any usual plan, so that both engines of the filter take part; none a multiple of another.
 inline constexpr int block_lengths[] = {1, 480, 17, 4096, 1023, 3, 9973, 64, 2050, 333};
@@ -45,4 +45,4 @@ std::vector<float> filter_without_context(const Filtering& filtering, const std:
 /// Which engines the stream's blocks run.
 std::string engines_of_stream(const Filtering& filtering, std::size_t samples);
 
-} // namespace demo
+} // namespace examples::demo

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace demo {
+namespace examples::demo {
 
 /// Relative to full scale: 1 is a sample of 1 as peak, and a square wave of full scale as RMS.
 struct Level {
@@ -25,4 +25,4 @@ inline Level level_of(const Recording& recording) {
 
 inline double decibels(double amplitude) { return 20 * std::log10(amplitude); }
 
-} // namespace demo
+} // namespace examples::demo

@@ -18,7 +18,7 @@
 #include <cstdlib>
 #include <exception>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 // Of the recording's peak: the rounding of the transforms inside the filter, with room to spare.
@@ -171,11 +171,11 @@ void run(const Options& options) {
 }
 
 } // namespace
-} // namespace demo
+} // namespace examples::demo
 
 int main(int argc, char** argv) {
     try {
-        if (const auto options = demo::parse_options(argc, argv)) demo::run(*options);
+        if (const auto options = examples::demo::parse_options(argc, argv)) examples::demo::run(*options);
         return EXIT_SUCCESS;
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "kels-demo: There is not enough memory.\n");

@@ -2,33 +2,14 @@
 
 #include "biquads.h"
 #include "failure.h"
+#include "speech.h"
 #include "test_signal.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdlib>
 #include <iostream>
-#include <sstream>
 
-namespace demo {
-namespace {
-
-namespace fs = std::filesystem;
-
-constexpr const char* default_recording = "sounds/alsa/Front_Center.wav";
-
-/// The recording that comes with Debian's alsa-utils, wherever this system keeps its shared data.
-fs::path find_default_recording() {
-    const char* listed = std::getenv("XDG_DATA_DIRS");
-    std::istringstream directories(listed && *listed ? listed : "/usr/local/share:/usr/share");
-    for (std::string directory; std::getline(directories, directory, ':');)
-        if (fs::path file = fs::path(directory) / default_recording; fs::exists(file)) return file;
-    throw Failure(std::string("No --input was given, and the recording ") + default_recording +
-                  " of the package alsa-utils is not installed.");
-}
-
-} // namespace
-
+namespace examples::demo {
 std::optional<Options> parse_options(int argc, char** argv) {
     Options options;
     CLI::App app("Filters a WAV recording with a band-pass, checks the result, and draws the spectra before and after.",
@@ -54,8 +35,8 @@ std::optional<Options> parse_options(int argc, char** argv) {
         throw Failure(std::string(error.what()) + " (see --help).");
     }
     if (biquads->count() > 0) require_possible_order(options.biquads);
-    if (input->count() == 0) options.input = find_default_recording();
+    if (input->count() == 0) options.input = find_speech("Front_Center.wav");
     return options;
 }
 
-} // namespace demo
+} // namespace examples::demo

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <optional>
 
-namespace demo {
+namespace examples::demo {
 
 struct Options {
     std::filesystem::path input;                          ///< a file, or the name of a test signal
@@ -19,4 +19,4 @@ struct Options {
 /// Nothing when the user asked for the help text, which has been printed then.
 std::optional<Options> parse_options(int argc, char** argv);
 
-} // namespace demo
+} // namespace examples::demo

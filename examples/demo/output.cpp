@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-namespace demo {
+namespace examples::demo {
 
 namespace fs = std::filesystem;
 
@@ -34,4 +34,4 @@ void PendingFile::commit() {
     if (error) throw Failure(final_.string() + " cannot be written: " + error.message() + ".");
 }
 
-} // namespace demo
+} // namespace examples::demo

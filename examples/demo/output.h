@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-namespace demo {
+namespace examples::demo {
 
 /// A directory for results. When it had to be made and stays empty, it goes again.
 class OutputDirectory {
@@ -37,4 +37,4 @@ private:
     std::filesystem::path final_, part_;
 };
 
-} // namespace demo
+} // namespace examples::demo

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace demo {
+namespace examples::demo {
 
 /// A spectrum and what it is called.
 struct Curve {
@@ -21,4 +21,4 @@ struct Curve {
 void plot(const std::filesystem::path& png, const std::string& title, const Spectrum& before,
           const std::vector<Curve>& after, const BandPass& band);
 
-} // namespace demo
+} // namespace examples::demo

@@ -8,7 +8,7 @@
 #include <memory>
 #include <numbers>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 constexpr int usual_order = 12;  // 4,096 samples: 12 Hz from bin to bin at 48 kHz
@@ -19,17 +19,16 @@ class RealTransform {
 public:
     explicit RealTransform(int order) {
         KelsFftPlan_32f* plan = nullptr;
-        check(kelsFFTInitAlloc_R_32f(&plan, order, kelFftNormNone, kelHintDefault), "kelsFFTInitAlloc_R_32f");
+        check(kelsFFTInitAlloc_R_32f(&plan, order, kelFftNormNone, kelHintDefault));
         plan_.reset(plan);
         int bytes = 0;
-        check(kelsFFTGetBufSize_R_32f(plan, &bytes), "kelsFFTGetBufSize_R_32f");
+        check(kelsFFTGetBufSize_R_32f(plan, &bytes));
         buffer_.resize(bytes);
     }
 
     /// From `segment` samples to 2 `bins` values: real part, imaginary part, bin by bin.
     void forward(const std::vector<float>& samples, std::vector<float>& spectrum) {
-        check(kelsFFTFwd_RToCCS_32f(samples.data(), spectrum.data(), plan_.get(), buffer_.data()),
-              "kelsFFTFwd_RToCCS_32f");
+        check(kelsFFTFwd_RToCCS_32f(samples.data(), spectrum.data(), plan_.get(), buffer_.data()));
     }
 
 private:
@@ -84,4 +83,4 @@ Spectrum spectrum_of(const Recording& recording, int usual_rate) {
     return spectrum;
 }
 
-} // namespace demo
+} // namespace examples::demo

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-namespace demo {
+namespace examples::demo {
 
 struct Spectrum {
     double spacing = 0;           ///< Hz from one bin to the next
@@ -16,4 +16,4 @@ struct Spectrum {
 /// fixed number of samples at the usual rate, and last about as long at any other.
 Spectrum spectrum_of(const Recording& recording, int usual_rate);
 
-} // namespace demo
+} // namespace examples::demo

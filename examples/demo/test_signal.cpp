@@ -6,7 +6,7 @@
 
 #include <iterator>
 
-namespace demo {
+namespace examples::demo {
 namespace {
 
 constexpr int rate = 48000, length = 5 * rate;
@@ -15,16 +15,16 @@ constexpr float magnitude = 0.5F;
 /// 1 kHz, in the middle of most bands.
 void tone(float* samples) {
     float phase = 0;
-    check(kelsTone_Direct_32f(samples, length, magnitude, 1000.0F / rate, &phase), "kelsTone_Direct_32f");
+    check(kelsTone_Direct_32f(samples, length, magnitude, 1000.0F / rate, &phase));
 }
 
 /// From 0 Hz up to half the rate.
-void sweep(float* samples) { check(kelsVectorJaehne_32f(samples, length, magnitude), "kelsVectorJaehne_32f"); }
+void sweep(float* samples) { check(kelsVectorJaehne_32f(samples, length, magnitude)); }
 
 /// All frequencies alike, the same noise each time.
 void noise(float* samples) {
     Kel32u seed = 1;
-    check(kelsRandUniform_Direct_32f(samples, length, -magnitude, magnitude, &seed), "kelsRandUniform_Direct_32f");
+    check(kelsRandUniform_Direct_32f(samples, length, -magnitude, magnitude, &seed));
 }
 
 struct Signal {
@@ -55,4 +55,4 @@ std::optional<Recording> make_signal(std::string_view name) {
     return std::nullopt;
 }
 
-} // namespace demo
+} // namespace examples::demo

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace demo {
+namespace examples::demo {
 
 /// A few seconds of a signal by its name (`tone`, `sweep`, `noise`), or nothing if none has that name.
 std::optional<Recording> make_signal(std::string_view name);
@@ -15,4 +15,4 @@ std::optional<Recording> make_signal(std::string_view name);
 /// All names, as a sentence lists them.
 std::string signal_names();
 
-} // namespace demo
+} // namespace examples::demo

@@ -1,6 +1,7 @@
 #!/bin/bash
 # One step of the consumer tests.
 #   run.sh install <scratch directory> <build tree>    installs the build tree, then moves what was installed
+#   run.sh unpack <scratch directory> <packages...>    unpacks Debian's packages, as if they were installed there
 #   run.sh cmake <scratch directory>                   builds and runs the consumers by find_package
 #   run.sh pkg_config <scratch directory>              the same from the command line
 #   run.sh subdirectory <scratch directory>            what a build that adds the source tree to itself gets
@@ -28,6 +29,20 @@ install() {
     ! find "$prefix/lib/glibc-hwcaps" -name libkels.so 2>/dev/null | grep . || fail "a level has a link name of its own"
 }
 
+unpack() {
+    local package
+    rm -rf "$scratch"
+    mkdir -p "$scratch/root"
+    for package in "$@"; do dpkg-deb -x "$package" "$scratch/root"; done
+    ln -s root/usr "$prefix"
+    [ "$(readlink "$(libdir)/libkels.so")" = libkels.so.2 ] || fail "the link name libkels.so does not lead to libkels.so.2"
+}
+
+# Where the libraries are: lib, or a directory of Debian's in it.
+libdir() {
+    dirname "$(find "$prefix/lib/" -name libkels.so)"
+}
+
 cmake() {
     local build=$scratch/cmake
     rm -rf "$build"
@@ -39,7 +54,7 @@ cmake() {
 }
 
 pkg_config() {
-    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+    export PKG_CONFIG_PATH=$(libdir)/pkgconfig
     local flags
     flags="-Wall -Wextra -pedantic -Werror $(pkg-config --cflags --libs kels) -Wl,-rpath,$(pkg-config --variable=libdir kels)"
     # shellcheck disable=SC2086
@@ -70,13 +85,13 @@ levels() {
     local level supported
     supported=$("$loader" --help)
     for level in x86-64-v4 x86-64-v3; do
-        [ -d "$prefix/lib/glibc-hwcaps/$level" ] && grep -q "$level (supported" <<<"$supported" && echo "$level"
+        [ -d "$(libdir)/glibc-hwcaps/$level" ] && grep -q "$level (supported" <<<"$supported" && echo "$level"
     done
     echo none
 }
 
 object_of() {
-    if [ "$1" = none ]; then echo "$prefix/lib/libkels.so.2"; else echo "$prefix/lib/glibc-hwcaps/$1/libkels.so.2"; fi
+    if [ "$1" = none ]; then realpath "$(libdir)/libkels.so.2"; else realpath "$(libdir)/glibc-hwcaps/$1/libkels.so.2"; fi
 }
 
 # loaded <program> <loader option...>: the library that the loader would take

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <memory>
 
-namespace demo {
+namespace examples {
 namespace {
 
 namespace fs = std::filesystem;
@@ -100,4 +100,4 @@ void write_wav(const fs::path& path, const Recording& recording) {
     if (sf_close(file.release()) != 0) fail(path, "cannot be written to its end.");
 }
 
-} // namespace demo
+} // namespace examples

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace demo {
+namespace examples {
 
 struct Recording {
     int rate = 0;                             ///< samples per second
@@ -21,4 +21,4 @@ Recording read_wav(const std::filesystem::path& path);
 /// A WAV file of the recording's rate, channels and sample format.
 void write_wav(const std::filesystem::path& path, const Recording& recording);
 
-} // namespace demo
+} // namespace examples
