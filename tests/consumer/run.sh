@@ -32,10 +32,11 @@ cmake() {
     local build=$scratch/cmake
     rm -rf "$build"
     "$CMAKE" -G "$GENERATOR" -S "$here/project" -B "$build" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX"
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" -DFACES="$FACES"
     "$CMAKE" --build "$build"
     runs_at_every_level "$build/consumer_c"
     runs_at_every_level "$build/consumer_cpp"
+    [ -z "$FACES" ] || runs_at_every_level "$build/face"
 }
 
 pkg_config() {

@@ -1,0 +1,25 @@
+# The C++ face: the part of it that follows from the C headers is made here, when the tree is configured. It needs
+# Python's standard library; without Python there is the library, and no kels.hpp.
+
+find_program(KELS_GENERATOR_PYTHON NAMES python3 DOC "Python that makes the C++ face")
+set(KELS_CPP ${KELS_GENERATOR_PYTHON})
+
+if(NOT KELS_GENERATOR_PYTHON)
+  message(STATUS "No python3: kels.hpp, the C++ face, is left out")
+  return()
+endif()
+
+set(KELS_FACES ${PROJECT_SOURCE_DIR}/faces)
+set(KELS_MADE ${PROJECT_BINARY_DIR}/include)
+
+# kels_generate(<task> <destination>)
+function(kels_generate task destination)
+  execute_process(
+    COMMAND ${KELS_GENERATOR_PYTHON} -B ${KELS_FACES}/generate.py ${task} ${PROJECT_SOURCE_DIR}/include/kels ${destination}
+    COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+file(GLOB inputs ${PROJECT_SOURCE_DIR}/include/kels/*.h ${KELS_FACES}/*.py)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${inputs})
+kels_generate(cpp ${KELS_MADE}/kels/cpp)
+target_include_directories(kels INTERFACE $<BUILD_INTERFACE:${KELS_MADE}>)
