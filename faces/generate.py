@@ -2,6 +2,7 @@
 """Makes what the C++ and Python faces take from the C headers.
 
     generate.py cpp <headers> <directory>       functions.hpp and families.hpp
+    generate.py python <headers> <directory>    table.inc and signatures.py
     generate.py count <headers> <nm> <library> <classes...>
                                                 where every function is; that the headers declare what the library
                                                 exports, and that the classes call what is behind them
@@ -13,6 +14,7 @@ from pathlib import Path
 
 import cpp
 import headers
+import python
 from shapes import member, sort_out
 
 
@@ -49,6 +51,9 @@ def main(task, directory, *rest):
     if task == "cpp":
         write(Path(rest[0]) / "functions.hpp", cpp.functions(faces))
         write(Path(rest[0]) / "families.hpp", cpp.families(behind))
+    if task == "python":
+        write(Path(rest[0]) / "table.inc", python.table(faces, behind))
+        write(Path(rest[0]) / "kels" / "signatures.py", python.signatures(found))
 
 
 if __name__ == "__main__":

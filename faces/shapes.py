@@ -34,6 +34,7 @@ class Shape:
     lengths: dict = field(default_factory=dict)
     extents: dict = field(default_factory=dict)  # `>= ` begins one that is a least size
     kinds: dict = field(default_factory=dict)
+    guesses: dict = field(default_factory=dict)  # sizes of outputs that nothing tells, where Python makes them
 
 
 RING = Shape(extents={"pDlyLine": "2 * tapsLen"})
@@ -43,8 +44,12 @@ SHAPES = {
     "ConvCyclic8x8": Shape(extents={"x": "8", "h": "8", "y": "8"}),
     "ConvCyclic4x4": Shape(extents={"x": "4", "h": "4", "y": "4"}),
     "WTHaarFwd": Shape({"len": "pSrc"}, HAAR),
-    "WTHaarInv": Shape({"len": "pDst"}, HAAR),
-    "ConjCcs": Shape({"len": "pDst"}, {"pSrc": "2 * (len / 2) + 2"}),
+    "WTHaarInv": Shape({"len": "pDst"}, HAAR, guesses={"pDst": "pSrcLow + pSrcHigh"}),
+    "ConjCcs": Shape({"len": "pDst"}, {"pSrc": "2 * (len / 2) + 2"}, guesses={"pDst": "pSrc - 2"}),
+    "AutoCorr": Shape(guesses={"pDst": "pSrc"}),
+    "AutoCorr_NormA": Shape(guesses={"pDst": "pSrc"}),
+    "AutoCorr_NormB": Shape(guesses={"pDst": "pSrc"}),
+    "CrossCorr": Shape(guesses={"pDst": "pSrc1 + pSrc2 - 1"}),
     "ConjCcs_I": Shape(),
     "SampleDown": Shape(extents={"pDst": ">= quotient_up(srcLen - pPhase, factor)"}),
     "SampleUp": Shape(extents={"pDst": ">= srcLen * factor"}),
@@ -69,7 +74,7 @@ RESULTS = {"pSum", "pMean", "pStdDev", "pMax", "pMin", "pIndx", "pOrder", "pNorm
            "pDstVal", "pDstLen"}
 # What a call reads and sets anew, for the next one.
 REFERENCES = {"pPhase", "pSeed", "pDlyLineIndex"}
-READ = re.compile(r"pSrc\w*|x|h|pTaps|pVals|pTable|pFreq")
+READ = re.compile(r"pSrc\w*|pRef|x|h|pTaps|pVals|pTable|pFreq")
 WRITTEN = re.compile(r"pDst\w*|y|pOutVals|pOutIndexes")
 CHANGED = re.compile(r"pSrcDst|pTaps|pDlyLine")
 VALUES = set("""val value level cmpMode rndMode vSub vDiv lowLag factor maskSize offset slope magn rFreq asym freq alpha
@@ -90,6 +95,7 @@ def kind_of(parameter, shape, function):
     """in, out, inout, result, reference, address, length, scale or value"""
     p = parameter
     if p.name in shape.kinds: return shape.kinds[p.name]
+    if p.is_opaque: return "handle"
     if p.stars == 0:
         if p.name == "scaleFactor": return "scale"
         if p.name in OWN_LENGTH or p.name in COMMON_LENGTH: return "length"
