@@ -10,6 +10,7 @@
 #include <pybind11/pybind11.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <deque>
 #include <map>
@@ -38,6 +39,11 @@ constexpr int element_size[types] = {1, 1, 2, 2, 4, 4, 8, 4, 8, 2, 4, 8, 16, 8, 
 
 std::array<PyObject*, types> dtypes;
 int numpy_type[types]; // NumPy's own numbers
+
+// The type of complex numbers whose parts are of a type.
+int complex_of(int type) {
+    return type == type_32f ? type_32fc : type == type_64f ? type_64fc : type == 3 ? 10 : no_type;
+}
 
 bool is_record(int type) { return type >= type_8sc && type < type_32fc; }
 
@@ -253,8 +259,8 @@ void store_record(slot& s, int type, PyObject* object) {
     const int part = part_types[type - type_8sc];
     if (PyComplex_Check(object)) {
         const Py_complex z = PyComplex_AsCComplex(object);
-        if (z.real != std::floor(z.real) || z.imag != std::floor(z.imag))
-            throw py::type_error("integer parts are wanted");
+        const auto whole = [](double part) { return part == std::floor(part) && std::abs(part) < 0x1p62; };
+        if (!whole(z.real) || !whole(z.imag)) throw py::type_error("integer parts are wanted");
         store_integer(s, part, static_cast<long long>(z.real));
         store_integer(s, part, static_cast<long long>(z.imag), element_size[part]);
         return;
@@ -380,7 +386,6 @@ public:
     // What shapes are written in: of arrays by their places among the parameters.
     long long size(int i, long long guess = -1) {
         array& a = arrays_[i];
-        if (!a.known() && row_.parameters[i].kind == kind::changed) return arrays_[i].size;
         if (!a.known()) a.size = options_.length >= 0 ? options_.length : guess;
         if (a.size < 0) throw py::type_error("how long the result is, out= or length= must say");
         return a.size;
@@ -455,27 +460,39 @@ private:
     }
 
     void take_array(int i, const parameter& p, PyObject* argument) {
-        if (!row_.shape && argument == Py_None) {
+        const bool of_class = !row_.shape;
+        if (of_class && argument == Py_None) {
             arrays_[i].size = 0; // a delay line that is silent
             return;
         }
-        if (!row_.shape && (!is_array(argument) || py::detail::array_proxy(argument)->nd != 1))
-            throw py::type_error("an array of one dimension is wanted");
-        arrays_[i] = array(argument);
-        if (!row_.shape && arrays_[i].type != p.type) throw py::type_error("an array of another type is wanted");
+        arrays_[i] = checked(argument, p.type, of_class);
         if (p.kind == kind::inout && !arrays_[i].is_writable())
             throw py::value_error("an array that is changed must be writable and contiguous");
     }
 
+    // What goes to C is an array of the type that C takes, whoever calls. Classes pass spectra as the reals that they
+    // are made of.
+    static array checked(PyObject* object, int type, bool parts_will_do) {
+        if (!object || !is_array(object) || py::detail::array_proxy(object)->nd != 1)
+            throw py::type_error("an array of one dimension is wanted");
+        const array found(object);
+        if (found.type != type && !(parts_will_do && found.type == complex_of(type)))
+            throw py::type_error(std::string("an array of another type is wanted: ") + type_names[type]);
+        return found;
+    }
+
     void take_out() {
         const bool many = PyTuple_Check(options_.out);
-        int n = 0;
+        const Py_ssize_t count = many ? PyTuple_GET_SIZE(options_.out) : 1;
+        Py_ssize_t n = 0;
         for (int i = 0; i < row_.size; ++i) {
-            if (!row_.parameters[i].is_written()) continue;
-            const array given(many ? PyTuple_GET_ITEM(options_.out, n) : options_.out);
+            const parameter& p = row_.parameters[i];
+            if (!p.is_written()) continue;
+            if (n == count) break;
+            const array given = checked(many ? PyTuple_GET_ITEM(options_.out, n) : options_.out, p.type, false);
             ++n;
             if (!given.is_writable()) throw py::value_error("out must be writable and contiguous");
-            if (row_.parameters[i].kind == kind::changed) {
+            if (p.kind == kind::changed) {
                 if (given.size != arrays_[i].size) fail(kelStatusBadSize);
                 target_ = given;
             } else {

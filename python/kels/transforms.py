@@ -2,7 +2,7 @@
 import numpy
 
 from .errors import Error
-from .types import DTYPES, array, function, letters_of, output, sized
+from .types import DTYPES, array, function, letters_of, output, refuse, sized
 
 _NORMS = {"forward": 1, "backward": 2, "ortho": 4, None: 8}
 _COMPLEX = {"32f": "32fc", "64f": "64fc", "16s": "16sc"}
@@ -22,32 +22,28 @@ class _Fourier:
         self.size = size
         self._made_from = self._length(), _NORMS[norm], hint
         self._plans = {}
-        self._plan("32f")
+        self._plan(numpy.dtype(numpy.float32))
 
-    def _plan(self, letters):
-        """(the plan, the function forward, the one back) for samples of a type."""
-        if letters not in self._plans:
-            kind = ("C_" if letters in _REAL else "R_") + letters
-            plan = function(f"kels{self._family}InitAlloc_{kind}")(*self._made_from)
-            tail = "_Sfs" if letters.startswith("16") else ""
-            there, back = ("CToC", "CToC") if letters in _REAL else ("RToCCS", "CCSToR")
-            self._plans[letters] = (plan, function(f"kels{self._family}Fwd_{there}_{letters}{tail}"),
-                                    function(f"kels{self._family}Inv_{back}_{letters}{tail}"))
-        return self._plans[letters]
+    def _plan(self, dtype):
+        """(plan, function forward, back, and what it makes of samples of a type: how many bins, of which type)"""
+        if dtype not in self._plans:
+            letters = letters_of(dtype)
+            whole = letters in _REAL
+            plan = function(f"kels{self._family}InitAlloc_{'C' if whole else 'R'}_{letters}")(*self._made_from)
+            there, back = ("CToC", "CToC") if whole else ("RToCCS", "CCSToR")
+            tail = f"{letters}_Sfs" if letters.startswith("16") else letters
+            self._plans[dtype] = (
+                plan, function(f"kels{self._family}Fwd_{there}_{tail}"), function(f"kels{self._family}Inv_{back}_{tail}"),
+                self.size if whole else self.size // 2 + 1, dtype if whole else DTYPES[_COMPLEX[letters]])
+        return self._plans[dtype]
 
     def forward(self, x, out=None, scale=0):
         """The spectrum: `size` bins of complex samples, size // 2 + 1 of real ones."""
-        x = sized(array(x), self.size)
-        letters = letters_of(x.dtype)
-        plan, there, _ = self._plan(letters)
-        if letters in _REAL:
-            bins = flat = output(out, self.size, x.dtype)
-        else:
-            bins = output(out, self.size // 2 + 1, DTYPES[_COMPLEX[letters]])
-            flat = bins.view(x.dtype)
-            if letters == "16s":
-                flat = bins.view(numpy.int16)
-        there(x, flat, plan, **_scale(letters, scale))
+        if type(x) is not numpy.ndarray:
+            x = numpy.asarray(x)
+        plan, there, _, count, dtype = self._plans.get(x.dtype) or self._plan(x.dtype)
+        bins = output(out, count, dtype)
+        there(sized(x, self.size), bins, plan, **_scale(x.dtype, scale))
         return bins
 
     def inverse(self, bins, out=None, scale=0, real=False):
@@ -55,19 +51,19 @@ class _Fourier:
 
         A single bin, the spectrum of one sample, may be either: `real` says.
         """
-        bins = array(bins)
-        whole = letters_of(bins.dtype)
-        real = real or bins.size == self.size // 2 + 1 != self.size
-        sized(bins, self.size // 2 + 1 if real else self.size)
-        letters = _REAL[whole] if real else whole
-        plan, _, back = self._plan(letters)
-        samples = output(out, self.size, DTYPES[letters])
-        back(bins.view(samples.dtype) if real else bins, samples, plan, **_scale(letters, scale))
+        if type(bins) is not numpy.ndarray:
+            bins = numpy.asarray(bins)
+        dtype = bins.dtype
+        if real or bins.size == self.size // 2 + 1 != self.size:
+            dtype = DTYPES[_REAL.get(letters_of(dtype)) or refuse(dtype)]
+        plan, _, back, count, _ = self._plans.get(dtype) or self._plan(dtype)
+        samples = output(out, self.size, dtype)
+        back(sized(bins, count), samples, plan, **_scale(dtype, scale))
         return samples
 
 
-def _scale(letters, scale):
-    if letters.startswith("16"):
+def _scale(dtype, scale):
+    if dtype.kind == "i" or dtype.kind == "V":
         return {"scale": scale}
     if scale:
         raise TypeError("only integers have a scale factor")
@@ -123,7 +119,7 @@ class DCT:
         letters = letters_of(x.dtype)
         plan, transform = self._plan(direction, letters)
         y = output(out, self.size, x.dtype)
-        transform(x, y, plan, **_scale(letters, scale))
+        transform(x, y, plan, **_scale(x.dtype, scale))
         return y
 
     def forward(self, x, out=None, scale=0):

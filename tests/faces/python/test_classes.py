@@ -79,6 +79,20 @@ def test_fir_of_integers():
         kels.FIR([])(np.ones(3))
 
 
+def test_a_filter_keeps_to_its_type():
+    fir, x = kels.FIR(np.ones(3, f4), dtype=f4), np.ones(8, f4)
+    for wrong in (np.ones(8), np.ones((2, 4), f4), np.ones(8, np.complex64)):
+        with pytest.raises(TypeError):
+            fir(wrong)
+    for out in (np.ones(8), np.ones((2, 4), f4), 3):
+        with pytest.raises(TypeError):
+            fir(x, out=out)
+    with pytest.raises(kels.Error):
+        fir(x, out=np.ones(7, f4))
+    with pytest.raises(TypeError):
+        kels.FFT(8).forward(x, out=np.ones(5, np.complex128))
+
+
 def test_fir_that_changes_the_rate(rng):
     h, x = rng.standard_normal(48), rng.standard_normal(300)
     wanted = signal.upfirdn(h, x, 2, 3)[:200]

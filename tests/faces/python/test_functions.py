@@ -141,6 +141,10 @@ def test_integer_complex_samples():
     assert kels.mul(z, (0, 1))["re"].tolist() == [-2, -4]
     assert kels.sum(z)["re"] == 4
     assert kels.real(z).tolist() == [1, 3]
+    assert kels.set(3 - 4j, out=np.zeros(2, kels.complex16s))["im"].tolist() == [-4, -4]
+    for wrong in (0.5j, complex(np.inf, 0), complex(0, np.nan)):
+        with pytest.raises(TypeError):
+            kels.mul(z, wrong)
 
 
 def test_every_function_tells_what_it_does():
