@@ -18,7 +18,7 @@ def expression(text, face):
     def word(match):
         argument = arguments.get(match[0])
         if argument is None: return f"detail::{match[0]}" if match[0] in HELPERS else plain_name(match[0])
-        return f"detail::length({argument.name})" if argument.is_array else argument.name
+        return f"detail::counted({argument.name}.size())" if argument.is_array else argument.name
 
     return re.sub(r"[A-Za-z]\w*", word, text)
 
@@ -42,7 +42,7 @@ def overload(face):
         lines.append(f"const long long {plain_name(name)} = {expression(text, face)};")
     for name, extent in face.extents.items():
         least = extent.startswith(">= ")
-        lines.append(f"detail::{'has_at_least' if least else 'has'}({plain_name(name)}, {expression(extent.removeprefix('>= '), face)});")
+        lines.append(f"detail::{'at_least' if least else 'equal'}({plain_name(name)}.size(), {expression(extent.removeprefix('>= '), face)});")
     call = f"detail::checked({face.function.name}({', '.join(map(passed, face.arguments))}))"
     if not face.results:
         return define("inline KelStatus", face.name, arguments, [*lines, f"return {call};"])

@@ -2,6 +2,8 @@
 
 #include <kels.hpp>
 
+#include <complex>
+
 namespace kels {
 
 template class fft<float>;

@@ -5,9 +5,9 @@
 #include <kels.h>
 
 #include <climits>
-#include <complex>
 #include <concepts>
 #include <exception>
+#include <iterator>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -37,17 +37,25 @@ struct split;
 
 namespace detail {
 
-// The C type of a sample: std::complex has the layout of the library's records.
+// std::complex<Real>, which has the layout of the library's records. Known by what it offers, for its header takes as long
+// to compile as all of this.
+template <class T, class Real>
+concept complex_of = std::same_as<typename T::value_type, Real> && sizeof(T) == 2 * sizeof(Real) && requires(const T& z) {
+    { z.real() } -> std::same_as<Real>;
+    { z.imag() } -> std::same_as<Real>;
+};
+
+// The C type of a sample.
 template <class T>
 struct c_type_of {
     using type = T;
 };
-template <>
-struct c_type_of<std::complex<float>> {
+template <complex_of<float> T>
+struct c_type_of<T> {
     using type = Kel32fc;
 };
-template <>
-struct c_type_of<std::complex<double>> {
+template <complex_of<double> T>
+struct c_type_of<T> {
     using type = Kel64fc;
 };
 template <class Real>
@@ -57,19 +65,17 @@ struct c_type_of<split<Real>> {
 template <class T>
 using c_type = typename c_type_of<std::remove_cv_t<T>>::type;
 
-// The standard's complex type of a record that has one, else the record itself.
-template <class Record>
-using standard_complex = std::conditional_t<std::is_same_v<Record, Kel32fc>, std::complex<float>,
-                                            std::conditional_t<std::is_same_v<Record, Kel64fc>, std::complex<double>, Record>>;
-
 template <class T>
 concept record = requires(T t) { t.re, t.im; };
+
+template <class Range>
+using element_of = std::remove_reference_t<decltype(*std::data(std::declval<Range&>()))>;
 
 // A span of records, which are made of std::complex too.
 template <class Record>
 class record_span : public std::span<Record> {
-    using complex = standard_complex<std::remove_const_t<Record>>;
-    using complexes = std::span<std::conditional_t<std::is_const_v<Record>, const complex, complex>>;
+    template <class Range>
+    using complexes = std::span<std::conditional_t<std::is_const_v<Record>, const element_of<Range>, element_of<Range>>>;
 
 public:
     constexpr record_span() = default;
@@ -80,9 +86,11 @@ public:
     constexpr record_span(Range&& range) : std::span<Record>(std::forward<Range>(range)) {}
 
     template <class Range>
-        requires(!std::constructible_from<std::span<Record>, Range &&> && std::constructible_from<complexes, Range &&>)
+        requires complex_of<std::remove_const_t<element_of<Range>>, decltype(Record::re)> &&
+                 (std::is_const_v<Record> || !std::is_const_v<element_of<Range>>) &&
+                 std::constructible_from<complexes<Range>, Range&&>
     constexpr record_span(Range&& range)
-        : std::span<Record>(reinterpret_cast<Record*>(complexes(range).data()), complexes(range).size()) {}
+        : std::span<Record>(reinterpret_cast<Record*>(std::data(range)), std::size(range)) {}
 };
 
 template <class T>
@@ -93,9 +101,8 @@ struct record_value {
     Record value;
     constexpr record_value(Record v) : value(v) {}
     constexpr record_value(decltype(Record::re) re, decltype(Record::im) im = 0) : value{re, im} {}
-    constexpr record_value(standard_complex<Record> z)
-        requires(!std::same_as<standard_complex<Record>, Record>)
-        : value{z.real(), z.imag()} {}
+    template <complex_of<decltype(Record::re)> Complex>
+    constexpr record_value(const Complex& z) : value{z.real(), z.imag()} {}
     constexpr operator Record() const { return value; }
 };
 
@@ -117,23 +124,30 @@ inline KelStatus checked(KelStatus status) {
 }
 
 // Lengths are formed in 64 bits, so that none of their sums and products wraps.
+inline long long counted(std::size_t size) {
+    if (size > INT_MAX) [[unlikely]]
+        fail(kelStatusBadSize);
+    return static_cast<long long>(size);
+}
+
+inline void equal(std::size_t size, long long extent) {
+    if (static_cast<long long>(size) != extent) [[unlikely]]
+        fail(kelStatusBadSize);
+}
+
+inline void at_least(std::size_t size, long long extent) {
+    if (static_cast<long long>(size) < extent) [[unlikely]]
+        fail(kelStatusBadSize);
+}
+
 template <class T>
 long long length(const std::span<T>& array) {
-    if (array.size() > INT_MAX) [[unlikely]]
-        fail(kelStatusBadSize);
-    return static_cast<long long>(array.size());
+    return counted(array.size());
 }
 
 template <class T>
 void has(const std::span<T>& array, long long extent) {
-    if (static_cast<long long>(array.size()) != extent) [[unlikely]]
-        fail(kelStatusBadSize);
-}
-
-template <class T>
-void has_at_least(const std::span<T>& array, long long extent) {
-    if (static_cast<long long>(array.size()) < extent) [[unlikely]]
-        fail(kelStatusBadSize);
+    equal(array.size(), extent);
 }
 
 // Quotients of lengths; a divisor below 1 is an error that the function itself tells.

@@ -1,6 +1,7 @@
 // A C++20 program that calls functions by their operations' names.
 #include <kels.hpp>
 
+#include <complex>
 #include <iostream>
 #include <vector>
 
