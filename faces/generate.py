@@ -27,7 +27,7 @@ def write(path, text):
 
 def exported(nm, library):
     lines = subprocess.run([nm, "-D", "--defined-only", library], check=True, capture_output=True, text=True).stdout
-    return set(re.findall(r"^\S+ T (\w+)$", lines, re.M))
+    return set(re.findall(r"^\S+ T (k\w+)$", lines, re.M))
 
 
 def count(found, nm, library, *sources):

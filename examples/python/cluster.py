@@ -1,6 +1,6 @@
 """A recording that is longer than memory, filtered on a cluster.
 
-    cluster.py [--minutes 120] [--taps 127] [--workers 1 2] [--scheduler tcp://host:8786] [--file recording.f32]
+    cluster.py [--minutes 120] [--taps 511] [--workers 1 2] [--scheduler tcp://host:8786] [--file recording.f32]
 
 The recording is a file of float32 samples, which is made if it is not there; every worker reads the chunks that it
 filters, so on a real cluster (--scheduler) all of them see the file. Chunks overlap by the filter's length. A direct
@@ -32,35 +32,38 @@ def record(path, minutes):
             kels.add(tone, noise(CHUNK), out=tone).tofile(file)
 
 
-def read(path, block_info=None):
-    start, stop = block_info[None]["array-location"][0]
+def read(path, start, stop):
     return np.fromfile(path, np.float32, stop - start, offset=4 * start)
 
 
-def filtered(x, taps):
-    """Direct at any length, and silent before the first sample."""
+def filtered(path, taps, block_info=None):
+    """A chunk, filtered: read with the samples before it that the filter remembers, and silence before the first."""
+    start, stop = block_info[None]["array-location"][0]
+    before = min(start, taps.size - 1)
+    return direct(read(path, start - before, stop), taps)[before:]
+
+
+def direct(x, taps):
     return kels.fir_direct(x, taps, np.zeros(2 * taps.size, np.float32), 0)[0]
 
 
 def digest(x):
     """32 bytes that stand for a chunk."""
-    return np.frombuffer(hashlib.blake2b(x.tobytes(), digest_size=32).digest(), np.uint8)
+    return np.frombuffer(hashlib.blake2b(x, digest_size=32).digest(), np.uint8)
 
 
 def on_one_machine(path, chunks, taps):
     ring, index, digests = np.zeros(2 * taps.size, np.float32), 0, []
     for i in range(chunks):
-        x = np.fromfile(path, np.float32, CHUNK, offset=4 * i * CHUNK)
-        y, index = kels.fir_direct(x, taps, ring, index)
+        y, index = kels.fir_direct(read(path, i * CHUNK, (i + 1) * CHUNK), taps, ring, index)
         digests.append(digest(y))
     return np.concatenate(digests)
 
 
 def on_cluster(client, path, chunks, taps):
-    recording = da.map_blocks(read, path, chunks=((CHUNK,) * chunks,), dtype=np.float32, meta=np.empty(0, np.float32))
-    result = da.map_overlap(filtered, recording, taps=taps, depth=taps.size - 1, boundary=0, dtype=np.float32,
-                            meta=np.empty(0, np.float32))
-    digests = result.map_blocks(digest, chunks=((32,) * chunks,), dtype=np.uint8, meta=np.empty(0, np.uint8))
+    recording = da.map_blocks(filtered, path, taps, chunks=((CHUNK,) * chunks,), dtype=np.float32,
+                              meta=np.empty(0, np.float32))
+    digests = recording.map_blocks(digest, chunks=((32,) * chunks,), dtype=np.uint8, meta=np.empty(0, np.uint8))
     return client.compute(digests, sync=True)
 
 
@@ -78,7 +81,7 @@ def measure(client, path, chunks, taps, wanted):
 def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     options.add_argument("--minutes", type=int, default=120)
-    options.add_argument("--taps", type=int, default=127)
+    options.add_argument("--taps", type=int, default=511)
     options.add_argument("--workers", type=int, nargs="*", default=[1, 2])
     options.add_argument("--scheduler", help="address of a running cluster")
     options.add_argument("--file", default="recording.f32")

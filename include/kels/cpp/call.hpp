@@ -7,7 +7,6 @@
 #include <climits>
 #include <concepts>
 #include <exception>
-#include <iterator>
 #include <span>
 #include <type_traits>
 #include <utility>

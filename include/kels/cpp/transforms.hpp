@@ -202,7 +202,7 @@ public:
 
     int size() const { return size_; }
     int scratch_size() const {
-        return std::max(detail::scratch_size(forward_), detail::scratch_size(inverse_));
+        return static_cast<int>(detail::larger(detail::scratch_size(forward_), detail::scratch_size(inverse_)));
     }
 
     KelStatus forward(in<Sample> x, out<Sample> y, scale by = scale(0), scratch work = {}) const {
