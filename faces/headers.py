@@ -32,6 +32,7 @@ class Parameter:
 class Function:
     header: str
     group: str  # the text of its documentation
+    statuses: str  # what the head of the file says of all its functions' statuses
     returns: str
     name: str
     parameters: tuple
@@ -78,7 +79,7 @@ def parameter(text, where):
 
 def plain(comment):
     """A comment without its frame."""
-    lines = [re.sub(r"^\s*\*? ?", "", line) for line in comment.strip("/* \n").splitlines()]
+    lines = [re.sub(r"^\s*(\* {0,2})?", "", line) for line in comment.strip("/* \n").splitlines()]
     text = "\n".join(line.rstrip() for line in lines if "@{" not in line)
     return re.sub(r"@name ", "", text).strip()
 
@@ -87,12 +88,15 @@ def read(directory):
     """All that the headers of a directory declare, in their order."""
     found = Headers()
     for path in sorted(Path(directory).glob("*.h")):
-        group = ""
+        group = statuses = ""
         text = path.read_text()
         for match in re.finditer(r"/\*\*(?!<).*?\*/|^\s*KELS_API[^;]*;|^\s*(kel\w+)\s*=\s*([^,/]+?),?\s*/\*\*<(.*?)\*/",
                                  text, re.S | re.M):
             token = match[0].strip()
-            if token.startswith("/**"):
+            if token.startswith("/** @file"):
+                about = re.search(r"^\*\*Statuses\*\*.*?(?=\n\n|\Z)", plain(token), re.S | re.M)
+                statuses = about[0] if about else ""
+            elif token.startswith("/**"):
                 group = "" if "@}" in token else plain(token)
             elif match[1]:
                 found.enumerators.append((match[1], int(match[2], 0), " ".join(match[3].split())))
@@ -105,5 +109,5 @@ def read(directory):
                     raise Refused(f"{path.name}: cannot read '{token}'")
                 inner = [] if read[3].strip() == "void" else read[3].split(",")
                 parameters = tuple(parameter(text, read[2]) for text in inner)
-                found.functions.append(Function(path.name, group, " ".join(read[1].split()), read[2], parameters))
+                found.functions.append(Function(path.name, group, statuses, " ".join(read[1].split()), read[2], parameters))
     return found

@@ -98,7 +98,8 @@ def documentation(faces):
     for name, group in groups.items():
         calls = dict.fromkeys(signature(face) for face in group if not face.function.in_place)
         calls = calls or dict.fromkeys(signature(face) for face in group)
-        prose = dict.fromkeys(face.function.group for face in group)
+        calls = [call for call in calls if call.replace(")", ", scale=0)") not in calls]
+        prose = dict.fromkeys([f.function.group for f in group] + [f.function.statuses for f in group if f.function.statuses])
         functions = " ".join(face.function.name for face in group)
         texts[name] = "\n".join(calls) + "\n\n" + "\n\n".join(prose) + "\n\nIn C: " + functions
     return texts
@@ -127,5 +128,5 @@ def table(faces, behind):
     text = "// Made from the C headers by faces/generate.py.\n\n"
     for body, number in shapes.items(): text += f"void shape_{number}(frame& f) {{\n{body}}}\n\n"
     text += f"const row rows[] = {{\n{rows}}};\n\nconst documentation texts[] = {{\n"
-    for name, prose in documentation(faces).items(): text += f'    {{"{name}", R"({prose})"}},\n'
+    for name, prose in documentation(faces).items(): text += f'    {{"{name}", R"text({prose})text"}},\n'
     return text + "};\n"

@@ -151,6 +151,8 @@ def test_every_function_tells_what_it_does():
     for name in kels._core.functions:
         text = getattr(kels, name).__doc__
         assert text.startswith(name + "(") and "In C: kels" in text
+    text = kels.add.__doc__
+    assert "Sum of two vectors" in text and "kelStatusBadSize" in text and "add(src1, src2, out=None, scale=0)" in text
 
 
 def test_other_threads_run_during_a_call():
