@@ -1,4 +1,5 @@
 """Functions: that the right one is found for the types of the arguments, and what is refused."""
+import re
 import threading
 import warnings
 
@@ -203,3 +204,45 @@ def test_raw_functions():
     assert raw.kelsAbs_32f_I(None, 4) == raw.kelStatusNullPtr
     assert raw.kelGetStatusString(0).startswith(b"No error")
     assert raw.kelsGetLibVersion().contents.major == 2
+
+
+def arrays_of(kind, rng, count):
+    """Positive samples, that every function has a result for, of a C type."""
+    dtype = kels.raw._DTYPES[kind]
+    if dtype.kind == "f":
+        return (rng.random(count) + 0.5).astype(dtype)
+    if dtype.kind == "c":
+        return (rng.random(count) + 0.5 + 1j * rng.random(count)).astype(dtype)
+    parts = rng.integers(1, 100, 2 * count)
+    if dtype.names:
+        z = np.empty(count, dtype)
+        z["re"], z["im"] = parts[:count], parts[count:]
+        return z
+    return parts[:count].astype(dtype)
+
+
+def element_wise():
+    """(operation, C name, types of the arrays, the last of which is written, whether it has a scale factor)"""
+    for operation, called in kels._core.functions.items():
+        for name in called.__doc__.split("In C: ")[1].split():
+            parameters = " ".join(kels.raw.FUNCTIONS[name][1])
+            found = re.fullmatch(r"((?:const Kel\w+\* ){1,2})(Kel\w+)\* int( int)?", parameters)
+            of_one_length = operation not in ("conj_ccs", "wt_haar_inv")
+            if found and of_one_length and "_I" not in name and bool(found[3]) == name.endswith("_Sfs"):
+                yield operation, name, re.findall(r"Kel\w+", found[1]), found[2], bool(found[3])
+
+
+def test_the_function_of_the_types_is_the_one_that_is_called(rng):
+    seen = 0
+    for operation, name, sources, result, scaled in element_wise():
+        given = [arrays_of(kind, rng, 20) for kind in sources]
+        out, wanted = arrays_of(result, rng, 20), arrays_of(result, rng, 20)
+        factor = [2] if scaled else []
+        with warnings.catch_warnings():
+            warnings.simplefilter("ignore")
+            in_order = given[::-1] if operation in ("sub", "div") else given
+            getattr(kels, operation)(*in_order, out=out, **({"scale": 2} if scaled else {}))
+        assert getattr(kels.raw, name)(*given, wanted, 20, *factor) >= 0
+        assert out.tobytes() == wanted.tobytes(), name
+        seen += 1
+    assert seen > 150
