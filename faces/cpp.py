@@ -3,7 +3,16 @@ import re
 
 from shapes import member, plain_name
 
-HEAD = "// Made from the C headers by faces/generate.py.\n#pragma once\n\n#include <kels/cpp/call.hpp>\n\nnamespace kels {{\n\n{}\n}} // namespace kels\n"
+HEAD = """// Made from the C headers by faces/generate.py.
+#pragma once
+
+#include <kels/cpp/call.hpp>
+
+namespace kels {{
+
+{}
+}} // namespace kels
+"""
 PARAMETER = {"in": "in<{}>", "out": "out<{}>", "inout": "out<{}>", "value": "value<{}>", "address": "{}",
              "reference": "{}&", "scale": "scale"}
 
@@ -41,8 +50,8 @@ def overload(face):
     for name, text in face.lengths.items():
         lines.append(f"const long long {plain_name(name)} = {expression(text, face)};")
     for name, extent in face.extents.items():
-        least = extent.startswith(">= ")
-        lines.append(f"detail::{'at_least' if least else 'equal'}({plain_name(name)}.size(), {expression(extent.removeprefix('>= '), face)});")
+        wanted = expression(extent.removeprefix(">= "), face)
+        lines.append(f"detail::{'at_least' if extent[0] == '>' else 'equal'}({plain_name(name)}.size(), {wanted});")
     call = f"detail::checked({face.function.name}({', '.join(map(passed, face.arguments))}))"
     if not face.results:
         return define("inline KelStatus", face.name, arguments, [*lines, f"return {call};"])

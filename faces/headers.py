@@ -109,5 +109,6 @@ def read(directory):
                     raise Refused(f"{path.name}: cannot read '{token}'")
                 inner = [] if read[3].strip() == "void" else read[3].split(",")
                 parameters = tuple(parameter(text, read[2]) for text in inner)
-                found.functions.append(Function(path.name, group, statuses, " ".join(read[1].split()), read[2], parameters))
+                returns = " ".join(read[1].split())
+                found.functions.append(Function(path.name, group, statuses, returns, read[2], parameters))
     return found

@@ -39,15 +39,17 @@ def shape(face):
     for name, length in face.lengths.items():
         text += f"    const long long {name} = f.length({places[name]}, {expression(length)});\n"
     for name, extent in face.extents.items():
-        text += f"    f.{'has_at_least' if extent.startswith('>= ') else 'has'}({places[name]}, {expression(extent.removeprefix('>= '))});\n"
+        wanted = expression(extent.removeprefix(">= "))
+        text += f"    f.{'has_at_least' if extent[0] == '>' else 'has'}({places[name]}, {wanted});\n"
     unused = [n for n in face.lengths if not any(re.search(rf"\b{n}\b", e) for e in face.extents.values())]
     return text + "".join(f"    (void){name};\n" for name in unused)
 
 
 def of_block(function):
     """Whether the lengths of a function with a context are those of its arrays."""
-    return bool(re.fullmatch(r"kels(FIR|IIR|FIRLMS|RandUniform|RandGauss)\d*(uc|sc|fc|u|s|f)?_\w+", function.name)) and \
-        member(function).verb in ("run", "run_in_place")
+    found = member(function)
+    return found.family in ("fir", "iir", "lms", "uniform_noise", "normal_noise") and \
+        found.verb in ("run", "run_in_place")
 
 
 def explicit(function):
@@ -78,7 +80,8 @@ def called(face):
 
 def row(name, function, rows, shaped, in_place, scaled, plain, freed="", kind="", may=("scaleFactor",)):
     flags = ", ".join(str(bool(flag)).lower() for flag in (in_place, scaled, plain))
-    cells = [f"{{kind::{role}, {CODE.get(p.type, 0)}, {place}, {str(p.name in may).lower()}}}" for p, role, place in rows]
+    cells = [f"{{kind::{role}, {CODE.get(p.type, 0)}, {place}, {str(p.name in may).lower()}}}"
+             for p, role, place in rows]
     return (f'    {{"{name}", "{function.name}{kind}", "{freed}", &invoke<{function.name}>, '
             f"{shaped}, {flags}, {len(cells)}, {{{', '.join(cells)}}}}},\n")
 
@@ -99,7 +102,8 @@ def documentation(faces):
         calls = dict.fromkeys(signature(face) for face in group if not face.function.in_place)
         calls = calls or dict.fromkeys(signature(face) for face in group)
         calls = [call for call in calls if call.replace(")", ", scale=0)") not in calls]
-        prose = dict.fromkeys([f.function.group for f in group] + [f.function.statuses for f in group if f.function.statuses])
+        prose = dict.fromkeys([f.function.group for f in group] + [f.function.statuses for f in group])
+        prose.pop("", None)
         functions = " ".join(face.function.name for face in group)
         texts[name] = "\n".join(calls) + "\n\n" + "\n\n".join(prose) + "\n\nIn C: " + functions
     return texts

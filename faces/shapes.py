@@ -1,7 +1,7 @@
 """From a C prototype to a call as C++ and Python have it.
 
-A function is in one of three places: behind a class, if a plan or a context goes through it; listed below with a reason;
-or called by its operation's name, by the rules of `Face`. What fits no rule is refused.
+A function is in one of three places: behind a class, if a plan or a context goes through it; listed below with a
+reason; or called by its operation's name, by the rules of `Face`. What fits no rule is refused.
 """
 import re
 from collections import defaultdict
@@ -19,7 +19,8 @@ LISTED = [
 
 # Operations whose names in snake case would not do: words of both languages, names that a class has, abbreviations.
 RENAMED = {
-    "And": "bit_and", "Or": "bit_or", "Xor": "bit_xor", "Not": "bit_not", "LShift": "shift_left", "RShift": "shift_right",
+    "And": "bit_and", "Or": "bit_or", "Xor": "bit_xor", "Not": "bit_not",
+    "LShift": "shift_left", "RShift": "shift_right",
     "FIR_Direct": "fir_direct", "FIROne_Direct": "fir_direct_one", "FIRMR_Direct": "fir_multirate_direct",
     "FIRLMSOne_Direct": "lms_direct_one", "FIRLMSOne_DirectQ15": "lms_direct_one_q15",
 }
@@ -66,12 +67,13 @@ SHAPES = {
 }
 
 # A length parameter counts the elements of its own array; `len` and `numIters` of all others.
-OWN_LENGTH = {"len1": "pSrc1", "len2": "pSrc2", "srcLen": "pSrc", "dstLen": "pDst", "tapsLen": "pTaps", "tblLen": "pTable"}
+OWN_LENGTH = {"len1": "pSrc1", "len2": "pSrc2", "srcLen": "pSrc", "dstLen": "pDst", "tapsLen": "pTaps",
+              "tblLen": "pTable"}
 COMMON_LENGTH = {"len", "numIters"}
 
 # What is stored through a pointer to one element.
-RESULTS = {"pSum", "pMean", "pStdDev", "pMax", "pMin", "pIndx", "pOrder", "pNorm", "pDp", "pVal", "pOutValue", "pOutIndex",
-           "pDstVal", "pDstLen"}
+RESULTS = {"pSum", "pMean", "pStdDev", "pMax", "pMin", "pIndx", "pOrder", "pNorm", "pDp", "pVal", "pOutValue",
+           "pOutIndex", "pDstVal", "pDstLen"}
 # What a call reads and sets anew, for the next one.
 REFERENCES = {"pPhase", "pSeed", "pDlyLineIndex"}
 READ = re.compile(r"pSrc\w*|pRef|x|h|pTaps|pVals|pTable|pFreq")
@@ -202,7 +204,7 @@ def sort_out(functions):
 
 
 def complete(faces):
-    """Sets what follows from the other functions of a name: default scale factors, and which result is the plain one."""
+    """Sets what follows from the other functions of a name: default scale factors, and the plain one of several results."""
     groups = defaultdict(list)
     for face in faces: groups[face.key].append(face)
     for group in groups.values():
@@ -212,7 +214,7 @@ def complete(faces):
             if len(same) > 1 and not all(face.results for face in same):
                 raise Refused("one call for two functions: " + ", ".join(face.function.name for face in same))
             sources = [a.type for face in same for a in face.called if a.is_array]
-            plain = next((face for face in same if face.results and face.results[0].type in sources), same[0] if same else None)
+            plain = next((face for face in same if face.results and face.results[0].type in sources), (same or [None])[0])
             for face in same:
                 face.is_plain = face is plain
                 if scaled and not unscaled: face.of("scale")[0].default = "0"

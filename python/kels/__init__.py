@@ -1,7 +1,7 @@
 """Signal processing on NumPy arrays: exact, safe at the edges, fast.
 
-Functions find the C function for the types of their arguments, and give a new array or fill `out`. What has a state or a
-plan is a class. `kels.raw` has every C function under its own name.
+Functions find the C function for the types of their arguments, and give a new array or fill `out`. What has a state or
+a plan is a class. `kels.raw` has every C function under its own name.
 """
 import importlib
 
@@ -30,6 +30,6 @@ def __getattr__(name):
 
 
 __all__ = [
-    "Biquads", "DCT", "DFT", "Error", "FFT", "FIR", "FIRMultirate", "FilterBank", "IIR", "LMS", "LMSMultirate", "Median",
-    "NormalNoise", "UniformNoise", "Warning", "complex8s", "complex16s", "complex32s", "complex64s", "text",
+    "Biquads", "DCT", "DFT", "Error", "FFT", "FIR", "FIRMultirate", "FilterBank", "IIR", "LMS", "LMSMultirate",
+    "Median", "NormalNoise", "UniformNoise", "Warning", "complex8s", "complex16s", "complex32s", "complex64s", "text",
 ]

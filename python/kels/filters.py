@@ -118,7 +118,7 @@ class FIR(_Filter):
 
 
 class FIRMultirate(_Filter):
-    """The FIR filter that changes the rate by up / down: `down` samples give `up`, and blocks are multiples of `down`."""
+    """The FIR filter that changes the rate by up / down: of every `down` samples of a block it makes `up`."""
     _operation = "FIR"
 
     def __init__(self, taps, up, down, up_phase=0, down_phase=0, dtype=None, taps_factor=0):
@@ -250,16 +250,16 @@ class LMSMultirate:
 class FilterBank:
     """Two bands at half the rate of a signal, and the signal from them.
 
-    Bands are (taps, offset) pairs or taps alone: `apart` the low and the high one that take the signal apart, `together`
-    those that put it together. Samples are float32 or 8- and 16-bit integers.
+    Bands are (taps, offset) pairs or taps alone: `apart` the low and the high one that take the signal apart,
+    `together` those that put it together. Samples are float32 or 8- and 16-bit integers.
     """
 
     def __init__(self, apart, together, dtype=numpy.float32):
         samples = letters_of(dtype)
         self._dtype = DTYPES[samples]
-        names = {"Fwd": "_32f" if samples == "32f" else f"_{samples}32f", "Inv": "_32f" if samples == "32f" else f"_32f{samples}"}
-        self._forward = self._half("Fwd", names["Fwd"], apart)
-        self._inverse = self._half("Inv", names["Inv"], together)
+        integers = samples != "32f"
+        self._forward = self._half("Fwd", f"_{samples}32f" if integers else "_32f", apart)
+        self._inverse = self._half("Inv", f"_32f{samples}" if integers else "_32f", together)
 
     @staticmethod
     def _half(direction, names, bands):

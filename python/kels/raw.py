@@ -1,7 +1,7 @@
 """Every C function under its own name, by ctypes.
 
-A pointer takes a NumPy array of its type (contiguous, and writable unless the function only reads it), a ctypes pointer or
-array, `ctypes.byref(...)`, or None. Lengths are the caller's matter, as in C, and nothing is checked but types.
+A pointer takes a NumPy array of its type (contiguous, and writable unless the function only reads it), a ctypes
+pointer or array, `ctypes.byref(...)`, or None. Lengths are the caller's matter, as in C, and nothing is checked but types.
 
     x = numpy.ones(4, numpy.float32)
     kels.raw.kelsMulC_32f_I(2.5, x, x.size)

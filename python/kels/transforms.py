@@ -33,7 +33,8 @@ class _Fourier:
             there, back = ("CToC", "CToC") if whole else ("RToCCS", "CCSToR")
             tail = f"{letters}_Sfs" if letters.startswith("16") else letters
             self._plans[dtype] = (
-                plan, function(f"kels{self._family}Fwd_{there}_{tail}"), function(f"kels{self._family}Inv_{back}_{tail}"),
+                plan, function(f"kels{self._family}Fwd_{there}_{tail}"),
+                function(f"kels{self._family}Inv_{back}_{tail}"),
                 self.size if whole else self.size // 2 + 1, dtype if whole else DTYPES[_COMPLEX[letters]])
         return self._plans[dtype]
 

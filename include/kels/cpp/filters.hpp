@@ -80,33 +80,12 @@ using fir_base = filter<fir_calls<c_type<Taps>, c_type<Sample>>, c_type<Sample>,
 template <class Taps, class Sample>
 using iir_base = filter<iir_calls<c_type<Taps>, c_type<Sample>>, c_type<Sample>, c_type<Taps>>;
 
-// Reading the taps of a FIR filter, as they were given or, of integer ones, as they are kept.
-template <class Calls, class Tap, class Handle>
-std::vector<Tap> fir_taps(const Handle* handle, long long count) {
-    std::vector<Tap> taps(static_cast<std::size_t>(count));
-    checked(Calls::get_taps(handle, taps.data()));
-    return taps;
-}
-
+// Integer taps as they are kept.
 template <class Tap>
 struct scaled_taps {
     std::vector<Tap> taps;
     int factor; // they stand for themselves times 2^factor
 };
-
-template <class Calls, class Tap, class Handle>
-scaled_taps<Tap> fir_scaled_taps(const Handle* handle, long long count) {
-    scaled_taps<Tap> found{std::vector<Tap>(static_cast<std::size_t>(count)), 0};
-    checked(Calls::get_taps(handle, found.taps.data(), &found.factor));
-    return found;
-}
-
-template <class Calls, class Tap, class Handle>
-std::vector<unrounded<Tap>> fir_real_taps(const Handle* handle, long long count) {
-    std::vector<unrounded<Tap>> taps(static_cast<std::size_t>(count));
-    checked(Calls::get_taps_real(handle, taps.data()));
-    return taps;
-}
 
 } // namespace detail
 
@@ -138,29 +117,31 @@ public:
 
     template <class T = tap>
         requires(!detail::whole<T>)
-    std::vector<tap> taps() const
-    {
-        return detail::fir_taps<calls, tap>(this->handle(), count_);
+    std::vector<T> taps() const {
+        std::vector<T> found(count_);
+        detail::checked(calls::get_taps(this->handle(), found.data()));
+        return found;
     }
     template <class T = tap>
         requires detail::whole<T>
-    detail::scaled_taps<tap> taps() const
-    {
-        return detail::fir_scaled_taps<calls, tap>(this->handle(), count_);
+    detail::scaled_taps<T> taps() const {
+        detail::scaled_taps<T> found{std::vector<T>(count_), 0};
+        detail::checked(calls::get_taps(this->handle(), found.taps.data(), &found.factor));
+        return found;
     }
     template <class T = tap>
         requires detail::whole<T>
-    std::vector<detail::unrounded<tap>> real_taps() const
-    {
-        return detail::fir_real_taps<calls, tap>(this->handle(), count_);
+    std::vector<detail::unrounded<T>> real_taps() const {
+        std::vector<detail::unrounded<T>> found(count_);
+        detail::checked(calls::get_taps_real(this->handle(), found.data()));
+        return found;
     }
 
 private:
     fir(std::size_t count, made owned)
-        : detail::fir_base<Taps, Sample>(std::move(owned), static_cast<long long>(count)),
-          count_(static_cast<long long>(count)) {}
+        : detail::fir_base<Taps, Sample>(std::move(owned), static_cast<long long>(count)), count_(count) {}
 
-    long long count_;
+    std::size_t count_;
 };
 
 // How a filter changes the rate: up / down, and which ticks of the fast stream inputs and outputs stand at.
