@@ -80,7 +80,8 @@ READ = re.compile(r"pSrc\w*|pRef|x|h|pTaps|pVals|pTable|pFreq")
 WRITTEN = re.compile(r"pDst\w*|y|pOutVals|pOutIndexes")
 CHANGED = re.compile(r"pSrcDst|pTaps|pDlyLine")
 VALUES = set("""val value level cmpMode rndMode vSub vDiv lowLag factor maskSize offset slope magn rFreq asym freq alpha
-    alphaQ15 low high mean stdDev srcShiftRight src refVal mu muQ15 tapsFactor upFactor upPhase downFactor downPhase hint
+    alphaQ15 low high mean stdDev srcShiftRight src refVal mu muQ15 tapsFactor upFactor upPhase downFactor downPhase
+    hint
     """.split())
 
 

@@ -63,7 +63,7 @@ python() {
     cp -r "$here"/../../{faces,include,python,pyproject.toml,setup.py} "$source"
     CMAKE_ARGS="-DCMAKE_PREFIX_PATH=$prefix" CC=$CC CXX=$CXX "$PYTHON" -m pip wheel --quiet --no-index --no-deps \
         --no-build-isolation --wheel-dir "$scratch/wheels" "$source"
-    "$PYTHON" -m pip install --quiet --no-index --no-deps --target "$site" "$scratch"/wheels/kels-*.whl
+    "$PYTHON" -m pip install --quiet --root-user-action=ignore --no-index --no-deps --target "$site" "$scratch"/wheels/kels-*.whl
     local printed
     printed=$(cd "$scratch" && PYTHONPATH=$site "$PYTHON" -B "$here/../../examples/first.py")
     [ "$printed" = "0.0 0.0 0.25 0.5 0.75 1.0 1.0 1.0 No error, it's ok" ] || fail "Python printed: $printed"
