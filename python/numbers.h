@@ -76,7 +76,7 @@ inline void store_record(slot& s, int type, PyObject* object) {
     const int part = part_types[type - type_8sc];
     if (PyComplex_Check(object)) {
         const Py_complex z = PyComplex_AsCComplex(object);
-        const auto whole = [](double part) { return part == std::floor(part) && std::abs(part) < 0x1p62; };
+        const auto whole = [](double x) { return x == std::floor(x) && std::abs(x) < 0x1p62; };
         if (!whole(z.real) || !whole(z.imag)) throw py::type_error("integer parts are wanted");
         store_integer(s, part, static_cast<long long>(z.real));
         store_integer(s, part, static_cast<long long>(z.imag), element_size[part]);
