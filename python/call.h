@@ -337,7 +337,7 @@ private:
         if (n == 1) return std::move(found[0]);
         py::tuple all(n);
         for (std::size_t i = 0; i < n; ++i) all[i] = std::move(found[i]);
-        return std::move(all);
+        return all;
     }
 
     py::object own() {
