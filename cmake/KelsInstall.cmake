@@ -7,6 +7,9 @@ set(KELS_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/kels)
 set(KELS_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+if(KELS_CPP)
+  install(DIRECTORY include/ ${KELS_MADE}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.hpp")
+endif()
 
 # Programs link the object in the library directory itself; the further levels need no link name.
 install(TARGETS kels EXPORT kelsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -4,6 +4,7 @@
 #   run.sh unpack <scratch directory> <packages...>    unpacks Debian's packages, as if they were installed there
 #   run.sh cmake <scratch directory>                   builds and runs the consumers by find_package
 #   run.sh pkg_config <scratch directory>              the same from the command line
+#   run.sh python <scratch directory>                  builds a wheel on what was installed, and runs with it alone
 #   run.sh subdirectory <scratch directory>            what a build that adds the source tree to itself gets
 set -euo pipefail
 
@@ -47,10 +48,11 @@ cmake() {
     local build=$scratch/cmake
     rm -rf "$build"
     "$CMAKE" -G "$GENERATOR" -S "$here/project" -B "$build" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX"
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" -DFACES="$FACES"
     "$CMAKE" --build "$build"
     runs_at_every_level "$build/consumer_c"
     runs_at_every_level "$build/consumer_cpp"
+    [ -z "$FACES" ] || runs_at_every_level "$build/face"
 }
 
 pkg_config() {
@@ -66,6 +68,20 @@ pkg_config() {
     runs_at_every_level "$scratch/consumer_c"
     runs_at_every_level "$scratch/consumer_cpp"
     runs_at_every_level "$scratch/first"
+}
+
+# Without a network: what pip would fetch is installed, or the test fails. The sources are copied, for it builds in them.
+python() {
+    local source=$scratch/python site=$scratch/site
+    rm -rf "$source" "$site"
+    mkdir -p "$source"
+    cp -r "$here"/../../{faces,include,python,pyproject.toml,setup.py} "$source"
+    CMAKE_ARGS="-DCMAKE_PREFIX_PATH=$prefix" CC=$CC CXX=$CXX "$PYTHON" -m pip wheel --quiet --no-index --no-deps \
+        --no-build-isolation --wheel-dir "$scratch/wheels" "$source"
+    "$PYTHON" -m pip install --quiet --root-user-action=ignore --no-index --no-deps --target "$site" "$scratch"/wheels/kels-*.whl
+    local printed
+    printed=$(cd "$scratch" && PYTHONPATH=$site "$PYTHON" -B "$here/../../examples/first.py")
+    [ "$printed" = "0.0 0.0 0.25 0.5 0.75 1.0 1.0 1.0 No error, it's ok" ] || fail "Python printed: $printed"
 }
 
 subdirectory() {

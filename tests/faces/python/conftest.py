@@ -1,0 +1,7 @@
+import numpy
+import pytest
+
+
+@pytest.fixture
+def rng():
+    return numpy.random.default_rng(20)
