@@ -28,6 +28,7 @@ public:
     }
 
     T* data() { return first; }
+    const T* data() const { return first; }
     std::vector<T> values() const { return {first, first + count}; }
 
 private:

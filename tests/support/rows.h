@@ -28,6 +28,7 @@
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace kels_test {
 
@@ -409,5 +410,14 @@ Row reduction(KelStatus (*function)(A...), Reference, const char* file = __built
 /// Registers the tests of every row. `rows` must live as long as the program. An in-place row whose name, without the
 /// ending, is that of another row is also held against it.
 bool add_rows(const char* family, std::span<const Row> rows);
+
+/// Every row that has been registered, in the order of the functions' names.
+std::vector<const Row*> all_rows();
+
+class Random;
+
+/// One call with the k-th draw of values, at any place and in place, against the reference. Its results count in the
+/// row's digest.
+void try_row(const Row& row, int len, int k, Random& random);
 
 } // namespace kels_test
