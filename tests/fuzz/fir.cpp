@@ -12,6 +12,11 @@ namespace {
 using namespace fir_test;
 using namespace kels_test;
 
+Rates draw_rates(Input& in) {
+    const int up = 1 + in.below(6), up_phase = in.below(up), down = 1 + in.below(6), down_phase = in.below(down);
+    return {up, up_phase, down, down_phase};
+}
+
 /// A family of which no context belongs to F.
 template <class F>
 using Stranger = std::conditional_t<std::is_same_v<F, Family_32f>, Family_64f, Family_32f>;
@@ -31,10 +36,7 @@ struct Filter {
     explicit Filter(Input& in) {
         multi_rate = in.one_in(3);
         const int count = in.length(multi_rate || F::least_for_plan == 0 ? 300 : 3 * F::least_for_plan);
-        if (multi_rate) {
-            rates.up = 1 + in.below(6), rates.down = 1 + in.below(6);
-            rates.upPhase = in.below(rates.up), rates.downPhase = in.below(rates.down);
-        }
+        if (multi_rate) rates = draw_rates(in);
         const bool degenerate = F::degenerates && rates.up == 1 && rates.down == 1;
         plan = !multi_rate || degenerate ? plan_length<F>(count) : 0;
         taps = in.data<Taps>(count, style());
@@ -71,23 +73,21 @@ struct Filter {
             const GuardedArray<Sample> source(x, in.edge());
             auto y = results<Sample>(
                 in, room, [&](Sample* to) { return call(F::block, scale, source.data(), to, count, context.get()); });
-            if (is_direct(count)) digest_block(y);
+            if (is_direct(count)) digest(F::block, y);
             return y;
         }
-        if (way == 1) {
-            auto y = results_in_place(
-                in, x, [&](Sample* to) { return call(F::in_place, scale, to, count, context.get()); }, room);
-            return piece(y, 0, static_cast<int>(room));
-        }
         auto y = x;
+        if (way == 1) {
+            y = results_in_place(
+                in, x, [&](Sample* to) { return call(F::in_place, scale, to, count, context.get()); }, room);
+            y.resize(room);
+            return y;
+        }
         for (Sample& v : y) EXPECT_EQ(call(F::one, scale, v, &v, context.get()), kelStatusOk);
         return y;
     }
 
     bool is_direct(int count) const { return plan == 0 || (count <= plan && !F::plan_in_place_always); }
-    void digest_block(const std::vector<Sample>& y) const {
-        if constexpr (requires { digest(F::block, y); }) digest(F::block, y);
-    }
 
     /// What two ways may differ by once one has gone through transforms.
     double tolerance() const {
@@ -154,83 +154,59 @@ struct Direct {
         std::vector<Sample> line;
         int index = 0;
         int tapsFactor = 0, scale = 0;
+        bool change = false;
         Rates r;
 
+        /// Taps and their factor between what stands before and behind them.
         template <class Function, class... Before>
-        KelStatus with_rates(Function f, const Taps* h, Sample* x, Before... before) const {
-            const int count = static_cast<int>(taps.size());
-            if constexpr (F::integer_taps)
-                return call(f, scale, before..., h, count, tapsFactor, r.up, r.upPhase, r.down, r.downPhase, x);
-            else
-                return call(f, scale, before..., h, count, r.up, r.upPhase, r.down, r.downPhase, x);
-        }
-        template <class Function, class... Before>
-        KelStatus with_ring(Function f, const Taps* h, Sample* x, int* at, Before... before) const {
-            const int count = static_cast<int>(taps.size());
-            if constexpr (F::integer_taps)
-                return call(f, scale, before..., h, count, tapsFactor, x, at);
-            else
-                return call(f, scale, before..., h, count, x, at);
+        auto with_taps(Function f, const Taps* h, Before... before) const {
+            return [=, this](auto... behind) {
+                const int count = static_cast<int>(taps.size());
+                if constexpr (F::integer_taps)
+                    return call(f, scale, before..., h, count, tapsFactor, behind...);
+                else
+                    return call(f, scale, before..., h, count, behind...);
+            };
         }
 
         std::vector<Sample> filtered(Input& in, const std::vector<Sample>& x) {
             const GuardedArray<Taps> h(taps, in.edge());
-            GuardedArray<Sample> ring(line, in.edge());
             const GuardedArray<Sample> source(x, in.edge());
-            const int way = in.below(4), count = static_cast<int>(x.size());
-            std::vector<Sample> y = x;
+            GuardedArray<Sample> kept(line, in.edge());
+            const int way = in.below(change ? 2 : 4), count = static_cast<int>(x.size()) / r.down;
+            const auto room = static_cast<std::size_t>(count * r.up);
+            const auto run = [&](auto ring_form, auto rates_form, auto... before) {
+                if (!change) return with_taps(ring_form, h.data(), before...)(kept.data(), &index);
+                return with_taps(rates_form, h.data(), before...)(r.up, r.upPhase, r.down, r.downPhase, kept.data());
+            };
+            auto y = x;
             if (way == 0) {
-                y = results<Sample>(in, x.size(), [&](Sample* to) {
-                    return with_ring(block, h.data(), ring.data(), &index, source.data(), to, count);
-                });
-                if constexpr (requires { digest(block, y); }) digest(block, y);
+                y = results<Sample>(in, room, [&](Sample* to) { return run(block, rates, source.data(), to, count); });
+                change ? digest(rates, y) : digest(block, y);
             } else if (way == 1) {
-                y = results_in_place(in, x, [&](Sample* to) {
-                    return with_ring(block_in_place, h.data(), ring.data(), &index, to, count);
-                });
+                y = results_in_place(
+                    in, x, [&](Sample* to) { return run(block_in_place, rates_in_place, to, count); }, room);
+                y.resize(room);
             } else {
                 for (Sample& v : y)
-                    EXPECT_EQ(way == 2 ? with_ring(one, h.data(), ring.data(), &index, v, &v)
-                                       : with_ring(one_in_place, h.data(), ring.data(), &index, &v),
+                    EXPECT_EQ(way == 2 ? with_taps(one, h.data(), v, &v)(kept.data(), &index)
+                                       : with_taps(one_in_place, h.data(), &v)(kept.data(), &index),
                               kelStatusOk);
+                if (way == 2) digest(one, y);
             }
-            line = ring.values();
-            return y;
-        }
-
-        std::vector<Sample> rate_changed(Input& in, const std::vector<Sample>& x) {
-            const GuardedArray<Taps> h(taps, in.edge());
-            GuardedArray<Sample> history(line, in.edge());
-            const GuardedArray<Sample> source(x, in.edge());
-            const int count = static_cast<int>(x.size()) / r.down, room = count * r.up;
-            std::vector<Sample> y;
-            if (in.below(2) == 0)
-                y = results<Sample>(in, static_cast<std::size_t>(room), [&](Sample* to) {
-                    return with_rates(rates, h.data(), history.data(), source.data(), to, count);
-                });
-            else
-                y = piece(
-                    results_in_place(
-                        in, x,
-                        [&](Sample* to) { return with_rates(rates_in_place, h.data(), history.data(), to, count); },
-                        static_cast<std::size_t>(room)),
-                    0, room);
-            line = history.values();
+            line = kept.values();
             return y;
         }
     };
 
     static void drive(Input& in) {
         Arrays whole;
-        const bool change = in.one_in(3);
-        if (change) {
-            whole.r.up = 1 + in.below(6), whole.r.down = 1 + in.below(6);
-            whole.r.upPhase = in.below(whole.r.up), whole.r.downPhase = in.below(whole.r.down);
-        }
+        whole.change = in.one_in(3);
+        if (whole.change) whole.r = draw_rates(in);
         const int count = in.length(300), half = (count + whole.r.up - 1) / whole.r.up;
         whole.taps = in.data<Taps>(count);
         whole.line = in.data<Sample>(half);
-        if (!change) append(whole.line, std::vector<Sample>(whole.line));
+        if (!whole.change) append(whole.line, std::vector<Sample>(whole.line));
         whole.index = in.below(count);
         whole.tapsFactor = in.below(9) - 4;
         whole.scale = F::integer_samples ? in.scale_factor() : 0;
@@ -238,14 +214,10 @@ struct Direct {
         while (in.more()) {
             const int iterations = in.length(400), cut = in.below(iterations), down = whole.r.down;
             const auto x = in.data<Sample>(iterations * down);
-            const auto filter = [&](Arrays& arrays, int from, int n) {
-                if (n == 0) return std::vector<Sample>();
-                const auto some = piece(x, from * down, n * down);
-                return change ? arrays.rate_changed(in, some) : arrays.filtered(in, some);
-            };
-            const auto at_once = filter(whole, 0, iterations);
-            auto cut_up = filter(parts, 0, cut);
-            append(cut_up, filter(parts, cut, iterations - cut));
+            const auto at_once = whole.filtered(in, x);
+            std::vector<Sample> cut_up;
+            if (cut > 0) cut_up = parts.filtered(in, piece(x, 0, cut * down));
+            append(cut_up, parts.filtered(in, piece(x, cut * down, (iterations - cut) * down)));
             expect_same(at_once, cut_up, F::name);
             expect_same(whole.line, parts.line, "delay lines");
             EXPECT_EQ(whole.index, parts.index);
@@ -264,22 +236,15 @@ const bool contexts_added = add_contexts(Families{});
            kelsFIR##taps##_Direct_##separate, kelsFIR##taps##_Direct_##in_place, kelsFIRMR##taps##_Direct_##separate,  \
            kelsFIRMR##taps##_Direct_##in_place>::drive
 
-const bool direct_forms_added = add_target("fir_direct", {
-                                                             KELS_DIRECT(Family_32f, , 32f, 32f_I),
-                                                             KELS_DIRECT(Family_32fc, , 32fc, 32fc_I),
-                                                             KELS_DIRECT(Family_64f, , 64f, 64f_I),
-                                                             KELS_DIRECT(Family_64fc, , 64fc, 64fc_I),
-                                                             KELS_DIRECT(Family_64f_32f, 64f, 32f, 32f_I),
-                                                             KELS_DIRECT(Family_64fc_32fc, 64fc, 32fc, 32fc_I),
-                                                             KELS_DIRECT(Family_32f_16s, 32f, 16s_Sfs, 16s_ISfs),
-                                                             KELS_DIRECT(Family_32fc_16sc, 32fc, 16sc_Sfs, 16sc_ISfs),
-                                                             KELS_DIRECT(Family_64f_16s, 64f, 16s_Sfs, 16s_ISfs),
-                                                             KELS_DIRECT(Family_64fc_16sc, 64fc, 16sc_Sfs, 16sc_ISfs),
-                                                             KELS_DIRECT(Family_64f_32s, 64f, 32s_Sfs, 32s_ISfs),
-                                                             KELS_DIRECT(Family_64fc_32sc, 64fc, 32sc_Sfs, 32sc_ISfs),
-                                                             KELS_DIRECT(Family_32s_16s, 32s, 16s_Sfs, 16s_ISfs),
-                                                             KELS_DIRECT(Family_32sc_16sc, 32sc, 16sc_Sfs, 16sc_ISfs),
-                                                         });
+const bool direct_forms_added = add_target(
+    "fir_direct",
+    {KELS_DIRECT(Family_32f, , 32f, 32f_I), KELS_DIRECT(Family_32fc, , 32fc, 32fc_I),
+     KELS_DIRECT(Family_64f, , 64f, 64f_I), KELS_DIRECT(Family_64fc, , 64fc, 64fc_I),
+     KELS_DIRECT(Family_64f_32f, 64f, 32f, 32f_I), KELS_DIRECT(Family_64fc_32fc, 64fc, 32fc, 32fc_I),
+     KELS_DIRECT(Family_32f_16s, 32f, 16s_Sfs, 16s_ISfs), KELS_DIRECT(Family_32fc_16sc, 32fc, 16sc_Sfs, 16sc_ISfs),
+     KELS_DIRECT(Family_64f_16s, 64f, 16s_Sfs, 16s_ISfs), KELS_DIRECT(Family_64fc_16sc, 64fc, 16sc_Sfs, 16sc_ISfs),
+     KELS_DIRECT(Family_64f_32s, 64f, 32s_Sfs, 32s_ISfs), KELS_DIRECT(Family_64fc_32sc, 64fc, 32sc_Sfs, 32sc_ISfs),
+     KELS_DIRECT(Family_32s_16s, 32s, 16s_Sfs, 16s_ISfs), KELS_DIRECT(Family_32sc_16sc, 32sc, 16sc_Sfs, 16sc_ISfs)});
 #undef KELS_DIRECT
 
 } // namespace
