@@ -48,16 +48,13 @@ struct Filter {
     Style style() const { return plan > 0 ? Style::tame : Style::any; }
 
     Context make(Input& in) const {
-        KelFirContext* context = nullptr;
         const int count = static_cast<int>(taps.size());
         const GuardedArray<Taps> h(taps, in.edge());
         const GuardedArray<Sample> x(line, in.edge());
-        const auto made = call_again_without_memory(in, [&] {
-            return multi_rate ? init_multi_rate<F>(&context, h.data(), count, rates, x.data())
-                              : init<F>(&context, h.data(), count, x.data());
+        return made(in, F::release, [&](KelFirContext** context) {
+            return multi_rate ? init_multi_rate<F>(context, h.data(), count, rates, x.data())
+                              : init<F>(context, h.data(), count, x.data());
         });
-        EXPECT_EQ(made, kelStatusOk);
-        return {context, F::release};
     }
 
     std::vector<Sample> line_of(Input& in, const Context& context) const {
@@ -113,12 +110,12 @@ void drive_contexts(Input& in) {
     while (in.more()) {
         const int iterations = in.length(filter.plan > 0 ? 6 * filter.plan : 400), down = filter.rates.down;
         const auto x = in.data<Sample>(iterations * down, filter.style());
-        const int cut = in.below(iterations);
-        const auto whole = filter.filtered(in, one, x);
-        std::vector<Sample> parts;
-        if (cut > 0) parts = filter.filtered(in, two, piece(x, 0, cut * down));
-        append(parts, filter.filtered(in, two, piece(x, cut * down, (iterations - cut) * down)));
-        filter.expect_alike(whole, parts);
+        at_once_and_cut(
+            one, two, iterations, in.below(iterations),
+            [&](const Context& context, int from, int n) {
+                return filter.filtered(in, context, piece(x, from * down, n * down));
+            },
+            [&](const auto& whole, const auto& parts, const char*) { filter.expect_alike(whole, parts); });
         const auto line = filter.line_of(in, one);
         expect_same(line, filter.line_of(in, two), "delay lines");
         const int step = in.below(6);
@@ -212,13 +209,11 @@ struct Direct {
         whole.scale = F::integer_samples ? in.scale_factor() : 0;
         Arrays parts = whole;
         while (in.more()) {
-            const int iterations = in.length(400), cut = in.below(iterations), down = whole.r.down;
+            const int iterations = in.length(400), down = whole.r.down;
             const auto x = in.data<Sample>(iterations * down);
-            const auto at_once = whole.filtered(in, x);
-            std::vector<Sample> cut_up;
-            if (cut > 0) cut_up = parts.filtered(in, piece(x, 0, cut * down));
-            append(cut_up, parts.filtered(in, piece(x, cut * down, (iterations - cut) * down)));
-            expect_same(at_once, cut_up, F::name);
+            at_once_and_cut(whole, parts, iterations, in.below(iterations), [&](Arrays& arrays, int from, int n) {
+                return arrays.filtered(in, piece(x, from * down, n * down));
+            });
             expect_same(whole.line, parts.line, "delay lines");
             EXPECT_EQ(whole.index, parts.index);
         }

@@ -4,8 +4,6 @@
 #include "kels/random.h"
 #include "kels/tones.h"
 
-#include <memory>
-
 namespace {
 
 using namespace kels_test;
@@ -16,26 +14,16 @@ template <class T, auto make, auto run_noise, auto release, auto direct>
 void drive_noise(Input& in) {
     const auto parameters = in.data<T>(2);
     const auto seed = static_cast<Kel32u>(in.random().bits());
-    using State =
-        std::remove_pointer_t<decltype([]<class S>(KelStatus (*)(S*)) { return static_cast<S*>(nullptr); }(release))>;
-    const auto made = [&] {
-        State* state = nullptr;
-        EXPECT_EQ(call_again_without_memory(in, [&] { return make(&state, parameters[0], parameters[1], seed); }),
-                  kelStatusOk);
-        return std::unique_ptr<State, KelStatus (*)(State*)>(state, release);
+    const auto create = [&] {
+        return made(in, release, [&](auto** state) { return make(state, parameters[0], parameters[1], seed); });
     };
-    const auto one = made(), two = made();
-    const auto noise = [&](State* state, int n) {
-        if (n == 0) return std::vector<T>();
-        return results<T>(in, static_cast<std::size_t>(n), [&](T* to) { return run_noise(to, n, state); });
-    };
+    const auto one = create(), two = create();
     for (bool first = true; first || in.more(); first = false) {
-        const int len = in.length(2000), cut = in.below(len);
-        const auto whole = noise(one.get(), len);
+        const int len = in.length(2000);
+        const auto whole = at_once_and_cut(one, two, len, in.below(len), [&](const auto& state, int, int n) {
+            return results<T>(in, static_cast<std::size_t>(n), [&](T* to) { return run_noise(to, n, state.get()); });
+        });
         digest(run_noise, whole);
-        auto parts = noise(two.get(), cut);
-        append(parts, noise(two.get(), len - cut));
-        expect_same(whole, parts, "noise");
         if constexpr (!std::is_null_pointer_v<decltype(direct)>) {
             Kel32u own = seed;
             const auto head = results<T>(in, whole.size(),

@@ -87,11 +87,9 @@ void drive(Input& in) {
         const auto x = in.data<Sample>(count);
         const Way way = in.one_in(4) ? one_by_one : in.below(2) == 0 ? as_block : iir_test::in_place;
         const Way other = way == one_by_one ? way : in.below(2) == 0 ? as_block : iir_test::in_place;
-        const auto whole = filter.filtered(in, way, one, x);
-        std::vector<Sample> parts;
-        if (cut > 0) parts = filter.filtered(in, other, two, piece(x, 0, cut));
-        append(parts, filter.filtered(in, other, two, piece(x, cut, count - cut)));
-        expect_same(whole, parts, F::name);
+        at_once_and_cut(one, two, count, cut, [&](const Context& context, int from, int n) {
+            return filter.filtered(in, &context == &one ? way : other, context, piece(x, from, n));
+        });
         const auto state = filter.state_of(in, one);
         expect_same(state, filter.state_of(in, two), "states");
         const int step = in.below(6);

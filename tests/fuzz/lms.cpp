@@ -4,55 +4,44 @@
 #include "kels/lms.h"
 #include "fuzz/sequence.h"
 
-#include <memory>
-
 namespace {
 
 using namespace kels_test;
 
 template <class T, auto make, auto release, auto get_taps, auto get_line, auto set_line, auto block, auto one>
 void drive(Input& in) {
-    using Context = std::unique_ptr<KelLmsContext, KelStatus (*)(KelLmsContext*)>;
     const int count = in.length(300);
     const auto style = in.below(2) == 0 ? Style::tame : Style::any;
     const auto taps = in.data<Kel32f>(count, style);
     const auto first = in.data<T>(count, style);
     const int first_index = in.below(count);
     const auto mu = static_cast<Kel32f>(std::ldexp(1.0, -in.below(40)));
-    const auto made = [&](const std::vector<T>& line, const std::vector<Kel32f>& from, int index) {
-        KelLmsContext* context = nullptr;
+    const auto create = [&](const std::vector<T>& line, const std::vector<Kel32f>& from, int index) {
         const GuardedArray<T> samples(line, in.edge());
         const GuardedArray<Kel32f> h(from, in.edge());
-        EXPECT_EQ(call_again_without_memory(in, [&] { return make(&context, h.data(), count, samples.data(), index); }),
-                  kelStatusOk);
-        return Context(context, release);
+        return made(in, release, [&](auto** context) { return make(context, h.data(), count, samples.data(), index); });
     };
-    const auto taps_of = [&](const Context& context) {
+    const auto taps_of = [&](const auto& context) {
         return results<Kel32f>(in, taps.size(), [&](Kel32f* to) { return get_taps(context.get(), to); });
     };
     int index = 0;
-    const auto line_of = [&](const Context& context) {
+    const auto line_of = [&](const auto& context) {
         return results<T>(in, first.size(), [&](T* to) { return get_line(context.get(), to, &index); });
     };
-    const Context whole = made(first, taps, first_index);
-    Context cut_up = made(first, taps, first_index);
+    const auto whole = create(first, taps, first_index);
+    auto cut_up = create(first, taps, first_index);
     while (in.more()) {
-        const int len = in.length(200), cut = in.below(len);
+        const int len = in.length(200);
         const auto x = in.data<T>(len, style), r = in.data<T>(len, style);
-        const auto filtered = [&](const Context& context, int from, int n) {
-            if (n == 0) return std::vector<T>();
+        const auto y = at_once_and_cut(whole, cut_up, len, in.below(len), [&](const auto& context, int from, int n) {
             const GuardedArray<T> source(piece(x, from, n), in.edge()), reference(piece(r, from, n), in.edge());
             if (in.one_in(3))
                 return results_in_place(in, piece(x, from, n),
                                         [&](T* to) { return block(to, reference.data(), to, n, mu, context.get()); });
             return results<T>(in, static_cast<std::size_t>(n),
                               [&](T* to) { return block(source.data(), reference.data(), to, n, mu, context.get()); });
-        };
-        const auto y = filtered(whole, 0, len);
+        });
         digest(block, y);
-        auto z = filtered(cut_up, 0, cut);
-        append(z, filtered(cut_up, cut, len - cut));
-        expect_same(y, z, "cuts");
         const auto h = taps_of(whole);
         expect_same(h, taps_of(cut_up), "taps");
         auto line = line_of(whole);
@@ -61,7 +50,7 @@ void drive(Input& in) {
         EXPECT_EQ(at, index);
         const int step = in.below(4);
         if (step == 1) {
-            cut_up = made(line, h, at);
+            cut_up = create(line, h, at);
         } else if (step == 2) {
             line = in.data<T>(count, style);
             for (KelLmsContext* context : {whole.get(), cut_up.get()})
@@ -77,7 +66,7 @@ void drive(Input& in) {
             digest(one, std::vector<T>{alone});
             expect_same<T>({alone}, {in_context}, "without a context");
             expect_same(std::vector<Kel32f>(reversed.rbegin(), reversed.rend()), taps_of(cut_up), "taps of both forms");
-            cut_up = made(line, h, at);
+            cut_up = create(line, h, at);
         }
     }
 }
@@ -85,23 +74,19 @@ void drive(Input& in) {
 template <class Tap, class T, auto make, auto release, auto set_taps, auto get_taps, auto set_mu, auto set_line,
           auto get_line, auto get_sample, auto put, auto output, auto put_and_output, auto update>
 void drive_rates(Input& in) {
-    using Context = std::unique_ptr<KelLmsMrContext, KelStatus (*)(KelLmsMrContext*)>;
     const int count = in.length(60), stride = 1 + in.below(4), delay = in.below(6), ring = stride * count + delay;
     const auto taps = in.data<Tap>(count);
     const auto line = in.data<T>(ring);
     const int first_index = in.below(ring), mu = in.below(1 << 16) - (1 << 15);
-    const auto made = [&](const std::vector<Tap>& h, const std::vector<T>& samples, int index, int step) {
-        KelLmsMrContext* context = nullptr;
+    const auto create = [&](const std::vector<Tap>& h, const std::vector<T>& samples, int index, int step) {
         const GuardedArray<Tap> from(h, in.edge());
         const GuardedArray<T> history(samples, in.edge());
-        EXPECT_EQ(
-            call_again_without_memory(
-                in, [&] { return make(&context, from.data(), count, history.data(), index, stride, delay, step); }),
-            kelStatusOk);
-        return Context(context, release);
+        return made(in, release, [&](auto** context) {
+            return make(context, from.data(), count, history.data(), index, stride, delay, step);
+        });
     };
-    const Context one = made(taps, line, first_index, mu);
-    Context two = made(taps, line, first_index, mu);
+    const auto one = create(taps, line, first_index, mu);
+    auto two = create(taps, line, first_index, mu);
     int step = mu;
     while (in.more()) {
         const int samples = in.length(40);
@@ -125,7 +110,7 @@ void drive_rates(Input& in) {
         const auto history = results<T>(in, line.size(), [&](T* to) { return get_line(one.get(), to, &index); });
         const int change = in.below(6);
         if (change == 1) {
-            two = made(h, history, index, step);
+            two = create(h, history, index, step);
         } else if (change == 2) {
             step = in.below(1 << 16) - (1 << 15);
             for (KelLmsMrContext* context : {one.get(), two.get()}) EXPECT_EQ(set_mu(context, step), kelStatusOk);

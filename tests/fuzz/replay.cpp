@@ -1,5 +1,5 @@
-// The fuzzer's targets as tests: kept inputs, random ones, and the digests of what functions store on the way, which are
-// the same at every level and on 32-bit x86. KELS_TEST_NEW_DIGESTS names a file for a new table.
+// The fuzzer's targets as tests: kept inputs, random ones, and the digests of what functions store on the way, which
+// are the same at every level and on 32-bit x86. KELS_TEST_NEW_DIGESTS names a file for a new table.
 
 #include "fuzz/sequence.h"
 #include "support/emulation.h"

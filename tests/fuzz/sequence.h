@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -124,6 +125,14 @@ std::vector<T> results_in_place(Input& in, std::vector<T> x, Call call, std::siz
     return y.values();
 }
 
+/// The context that make(&context) makes.
+template <class Context, class Make>
+std::unique_ptr<Context, KelStatus (*)(Context*)> made(Input& in, KelStatus (*release)(Context*), Make make) {
+    Context* context = nullptr;
+    EXPECT_EQ(call_again_without_memory(in, [&] { return make(&context); }), kelStatusOk);
+    return {context, release};
+}
+
 template <class T>
 std::vector<T> piece(const std::vector<T>& x, int from, int count) {
     return {x.begin() + from, x.begin() + from + count};
@@ -169,6 +178,22 @@ void expect_near(const std::vector<T>& x, const std::vector<T>& y, double tolera
         const auto a = static_cast<double>(parts.a[i]), b = static_cast<double>(parts.b[i]);
         ASSERT_LE(std::abs(a - b), tolerance) << what << ": " << a << " and " << b << ", part " << i;
     }
+}
+
+constexpr auto exactly = [](const auto& whole, const auto& parts, const char* what) {
+    expect_same(whole, parts, what);
+};
+
+/// What one stream gives at once, held against what another gives in two pieces: stream(context, from, count).
+template <class One, class Two, class Stream, class Compare = decltype(exactly)>
+auto at_once_and_cut(One&& one, Two&& two, int count, int cut, Stream stream, Compare compare = exactly) {
+    const auto whole = stream(one, 0, count);
+    auto parts = whole;
+    parts.clear();
+    if (cut > 0) parts = stream(two, 0, cut);
+    append(parts, stream(two, cut, count - cut));
+    compare(whole, parts, "cut stream");
+    return whole;
 }
 
 /// The sum of all parts' magnitudes.

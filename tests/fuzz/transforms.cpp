@@ -4,8 +4,6 @@
 #include "kels/dct.h"
 #include "kels/dft.h"
 
-#include <memory>
-
 namespace {
 
 using namespace kels_test;
@@ -21,16 +19,6 @@ struct DFTSize {
     static int draw(Input& in) { return in.one_in(32) ? 1 + in.below(20000) : in.length(1500); }
     static int points(int len) { return len; }
 };
-
-template <class Plan>
-using Owner = std::unique_ptr<Plan, KelStatus (*)(Plan*)>;
-
-template <class Plan, class... A>
-Owner<Plan> made(Input& in, KelStatus (*make)(Plan**, A...), KelStatus (*release)(Plan*), A... arguments) {
-    Plan* plan = nullptr;
-    EXPECT_EQ(call_again_without_memory(in, [&] { return make(&plan, arguments...); }), kelStatusOk);
-    return {plan, release};
-}
 
 /// Calls with the scale factor where a transform has one.
 template <class Function, class... A>
@@ -99,7 +87,8 @@ template <class T, class Size, auto make, auto release, auto size_of, auto stran
 void drive_complex(Input& in) {
     do {
         const int size = Size::draw(in), flag = flags[in.below(4)], n = Size::points(size), scale = in.below(20) - 4;
-        const auto plan = made(in, make, release, size, flag, in.below(4));
+        const int hint = in.below(4);
+        const auto plan = made(in, release, [=](auto** to) { return make(to, size, flag, hint); });
         const auto x = in.data<T>(n, Style::tame);
         const auto y = transformed(in, forward, static_cast<const typename decltype(plan)::element_type*>(plan.get()),
                                    size_of, x, x.size(), scale);
@@ -119,7 +108,8 @@ template <class T, class Size, auto make, auto release, auto size_of, auto stran
 void drive_real(Input& in) {
     do {
         const int size = Size::draw(in), flag = flags[in.below(4)], n = Size::points(size), scale = in.below(20) - 4;
-        const auto plan = made(in, make, release, size, flag, in.below(4));
+        const int hint = in.below(4);
+        const auto plan = made(in, release, [=](auto** to) { return make(to, size, flag, hint); });
         const auto* use = static_cast<const typename decltype(plan)::element_type*>(plan.get());
         const auto x = in.data<T>(n, Style::tame);
         const auto room = static_cast<std::size_t>(layout == CCS ? n / 2 * 2 + 2 : n);
@@ -144,9 +134,10 @@ void drive_split(Input& in) {
     do {
         const int size = Size::draw(in), flag = flags[in.below(4)], n = Size::points(size), scale = in.below(20) - 4;
         const int hint = in.below(4);
-        const auto plan = made(in, make, release, size, flag, hint);
+        const auto plan = made(in, release, [=](auto** to) { return make(to, size, flag, hint); });
         const auto* use = static_cast<const typename decltype(plan)::element_type*>(plan.get());
-        const auto joint = made(in, make_interleaved, release_interleaved, size, flag, hint);
+        const auto joint =
+            made(in, release_interleaved, [=](auto** to) { return make_interleaved(to, size, flag, hint); });
         const auto* use_joint = static_cast<const typename decltype(plan)::element_type*>(joint.get());
         const auto re = in.data<T>(n, Style::tame), im = in.data<T>(n, Style::tame);
         const auto count = static_cast<std::size_t>(n);
@@ -182,8 +173,9 @@ template <class T, auto make, auto release, auto size_of, auto function, auto ma
 void drive_cosine(Input& in) {
     do {
         const int len = DFTSize::draw(in), scale = in.below(20) - 4;
-        const auto plan = made(in, make, release, len, in.below(4));
-        const auto plan_back = made(in, make_back, release_back, len, in.below(4));
+        const int hint = in.below(4);
+        const auto plan = made(in, release, [=](auto** to) { return make(to, len, hint); });
+        const auto plan_back = made(in, release_back, [=](auto** to) { return make_back(to, len, hint); });
         using Plan = const typename decltype(plan)::element_type;
         const auto x = in.data<T>(len, Style::tame);
         const auto y = transformed(in, function, static_cast<Plan*>(plan.get()), size_of, x, x.size(), scale);

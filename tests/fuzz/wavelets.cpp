@@ -5,7 +5,6 @@
 #include "kels/haar.h"
 
 #include <iterator>
-#include <memory>
 
 namespace {
 
@@ -26,7 +25,6 @@ KelStatus (*const synthesis_releases[])(WTInvState*) = {kelsWTInvFree_32f, kelsW
 template <class State, auto make, auto release, auto get, auto set>
 struct Bank {
     static constexpr bool forward = std::is_same_v<State, WTFwdState>;
-    using Owner = std::unique_ptr<State, KelStatus (*)(State*)>;
 
     Band low, high;
 
@@ -38,21 +36,16 @@ struct Bank {
     }
     explicit Bank(Input& in) : low(draw_band(in)), high(draw_band(in)) {}
 
-    Owner made(Input& in) const {
-        State* state = nullptr;
+    auto create(Input& in) const {
         const GuardedArray<Kel32f> l(low.taps, in.edge()), h(high.taps, in.edge());
-        EXPECT_EQ(call_again_without_memory(in,
-                                            [&] {
-                                                return make(&state, l.data(), static_cast<int>(low.taps.size()),
-                                                            low.offset, h.data(), static_cast<int>(high.taps.size()),
-                                                            high.offset);
-                                            }),
-                  kelStatusOk);
-        return {state, release};
+        return made(in, release, [&](State** state) {
+            return make(state, l.data(), static_cast<int>(low.taps.size()), low.offset, h.data(),
+                        static_cast<int>(high.taps.size()), high.offset);
+        });
     }
 
     /// Both delay lines, one after the other.
-    std::vector<Kel32f> lines(Input& in, const Owner& state) const {
+    std::vector<Kel32f> lines(Input& in, const auto& state) const {
         GuardedArray<Kel32f> l(low.kept, in.edge()), h(high.kept, in.edge());
         EXPECT_EQ(get(state.get(), l.data(), h.data()), kelStatusOk);
         auto both = l.values();
@@ -60,12 +53,12 @@ struct Bank {
         return both;
     }
 
-    void check_and_change(Input& in, const Owner& one, Owner& two) const {
+    void check_and_change(Input& in, const auto& one, auto& two) const {
         const auto kept = lines(in, one);
         expect_same(kept, lines(in, two), "delay lines");
         const int step = in.below(4);
         if (step == 1) { // a new state goes on
-            two = made(in);
+            two = create(in);
             const GuardedArray<Kel32f> l(piece(kept, 0, static_cast<int>(low.kept)), in.edge());
             const GuardedArray<Kel32f> h({kept.begin() + static_cast<int>(low.kept), kept.end()}, in.edge());
             EXPECT_EQ(set(two.get(), l.data(), h.data()), kelStatusOk);
@@ -85,26 +78,21 @@ struct Bank {
 template <class T, auto make, auto release, auto block, auto get, auto set>
 void analyse(Input& in) {
     const Bank<WTFwdState, make, release, get, set> bank(in);
-    const auto one = bank.made(in);
-    auto two = bank.made(in);
+    const auto one = bank.create(in);
+    auto two = bank.create(in);
     while (in.more()) {
-        const int len = in.length(300), cut = in.below(len);
+        const int len = in.length(300);
         const auto x = in.data<T>(2 * len);
-        const auto bands = [&](WTFwdState* state, int from, int n) {
+        const auto y = at_once_and_cut(one, two, len, in.below(len), [&](const auto& state, int from, int n) {
             const GuardedArray<T> source(piece(x, 2 * from, 2 * n), in.edge());
-            GuardedArray<Kel32f> low(static_cast<std::size_t>(n), in.edge()), high(low.values(), in.edge());
-            if (n > 0) EXPECT_EQ(block(source.data(), low.data(), high.data(), n, state), kelStatusOk);
-            return std::pair(low.values(), high.values());
-        };
-        const auto [low, high] = bands(one.get(), 0, len);
-        auto [low_parts, high_parts] = bands(two.get(), 0, cut);
-        const auto [low_rest, high_rest] = bands(two.get(), cut, len - cut);
-        append(low_parts, low_rest);
-        append(high_parts, high_rest);
-        expect_same(low, low_parts, "low band");
-        expect_same(high, high_parts, "high band");
-        digest(block, low);
-        digest(block, high);
+            const auto count = static_cast<std::size_t>(n);
+            GuardedArray<Kel32f> low(count, in.edge()), high(count, in.edge());
+            EXPECT_EQ(block(source.data(), low.data(), high.data(), n, state.get()), kelStatusOk);
+            std::vector<Kel32fc> both(count);
+            for (std::size_t i = 0; i < count; ++i) both[i] = {low.data()[i], high.data()[i]};
+            return both;
+        });
+        digest(block, y);
         bank.check_and_change(in, one, two);
     }
 }
@@ -112,23 +100,18 @@ void analyse(Input& in) {
 template <class T, auto make, auto release, auto block, auto get, auto set>
 void synthesise(Input& in) {
     const Bank<WTInvState, make, release, get, set> bank(in);
-    const auto one = bank.made(in);
-    auto two = bank.made(in);
+    const auto one = bank.create(in);
+    auto two = bank.create(in);
     while (in.more()) {
-        const int len = in.length(300), cut = in.below(len);
+        const int len = in.length(300);
         constexpr auto style = std::is_integral_v<T> ? Style::finite : Style::any; // a NaN's sign is free
         const auto low = in.data<Kel32f>(len, style), high = in.data<Kel32f>(len, style);
-        const auto signal = [&](WTInvState* state, int from, int n) {
-            if (n == 0) return std::vector<T>();
+        const auto y = at_once_and_cut(one, two, len, in.below(len), [&](const auto& state, int from, int n) {
             const GuardedArray<Kel32f> l(piece(low, from, n), in.edge()), h(piece(high, from, n), in.edge());
             return results<T>(in, static_cast<std::size_t>(2 * n),
-                              [&](T* to) { return block(l.data(), h.data(), n, to, state); });
-        };
-        const auto whole = signal(one.get(), 0, len);
-        auto parts = signal(two.get(), 0, cut);
-        append(parts, signal(two.get(), cut, len - cut));
-        expect_same(whole, parts, "signal");
-        digest(block, whole);
+                              [&](T* to) { return block(l.data(), h.data(), n, to, state.get()); });
+        });
+        digest(block, y);
         bank.check_and_change(in, one, two);
     }
 }
