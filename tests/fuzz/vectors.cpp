@@ -75,8 +75,8 @@ void correlate(Input& in) {
     expect_near(of_itself, with_itself, 2 * noise_of(a, a, scale), "with itself");
     const bool direct = lags < 90;
     for (const auto function : {plain, biased, unbiased}) {
-        const auto y = results<T>(in, count, [&](T* to) { return call(function, scale, x.data(), n, to, lags); });
-        if (direct) digest(function, y);
+        const auto sums = results<T>(in, count, [&](T* to) { return call(function, scale, x.data(), n, to, lags); });
+        if (direct) digest(function, sums);
     }
     // The lags of a part are among those of the whole.
     const auto all =
