@@ -1,8 +1,9 @@
-// Convolutions, correlations and medians against their definitions; rate changes, searches and running estimates whole
-// and in pieces.
+// Convolutions, correlations, spectra at a frequency and medians against their definitions; rate changes, searches and
+// running estimates whole and in pieces.
 
 #include "fuzz/sequence.h"
 #include "kels/convolution.h"
+#include "kels/goertzel.h"
 #include "kels/median.h"
 #include "kels/rate_change.h"
 #include "kels/search.h"
@@ -87,6 +88,24 @@ void correlate(Input& in) {
         return call(cross, scale, x.data(), n, y.data(), m, to, lags - skip, low + skip);
     });
     expect_near(piece(all, skip, lags - skip), some, 2 * noise_of(a, b, scale), "lags");
+}
+
+/// Two frequencies at once are two frequencies.
+template <class T, class Frequency, auto one, auto two>
+void evaluate_spectrum(Input& in) {
+    const int n = in.length(2000), scale = in.scale_factor();
+    const auto x = in.data<T>(n, Style::tame);
+    const std::vector<Frequency> frequencies = {static_cast<Frequency>(in.below(999) / 999.0),
+                                                static_cast<Frequency>(in.below(998) / 998.0)};
+    const GuardedArray<T> source(x, in.edge());
+    const GuardedArray<Frequency> at(frequencies, in.edge());
+    const auto both = results<T>(in, 2, [&](T* to) { return call(two, scale, source.data(), n, to, at.data()); });
+    std::vector<T> each;
+    for (const Frequency f : frequencies)
+        append(each, results<T>(in, 1, [&](T* to) { return call(one, scale, source.data(), n, to, f); }));
+    expect_near(both, each, noise_of(x, {{1, 0}}, scale), "frequencies");
+    digest(two, both);
+    digest(one, each);
 }
 
 template <class T, auto function, auto in_place>
@@ -187,25 +206,29 @@ void estimate(Input& in) {
 #define KELS_MEDIAN(suffix) find_medians<Kel##suffix, kelsFilterMedian_##suffix, kelsFilterMedian_##suffix##_I>
 #define KELS_RATE(suffix)   change_rate<Kel##suffix, kelsSampleDown_##suffix, kelsSampleUp_##suffix>
 
-const bool added = add_target("vectors", {convolve<Kel32f, kelsConv_32f>,
-                                          convolve<Kel16s, kelsConv_16s_Sfs>,
-                                          KELS_CORRELATE(32f, ),
-                                          KELS_CORRELATE(64f, ),
-                                          KELS_CORRELATE(32fc, ),
-                                          KELS_CORRELATE(64fc, ),
-                                          KELS_CORRELATE(16s, _Sfs),
-                                          KELS_MEDIAN(8u),
-                                          KELS_MEDIAN(16s),
-                                          KELS_MEDIAN(32f),
-                                          KELS_MEDIAN(64f),
-                                          KELS_RATE(16s),
-                                          KELS_RATE(16sc),
-                                          KELS_RATE(32f),
-                                          KELS_RATE(32fc),
-                                          KELS_RATE(64f),
-                                          KELS_RATE(64fc),
-                                          find_nearest,
-                                          estimate<kelsUpdateLinear_16s32s_I>,
-                                          estimate<kelsUpdatePower_16s32s_I>});
+const bool added =
+    add_target("vectors", {convolve<Kel32f, kelsConv_32f>,
+                           convolve<Kel16s, kelsConv_16s_Sfs>,
+                           KELS_CORRELATE(32f, ),
+                           KELS_CORRELATE(64f, ),
+                           KELS_CORRELATE(32fc, ),
+                           KELS_CORRELATE(64fc, ),
+                           KELS_CORRELATE(16s, _Sfs),
+                           evaluate_spectrum<Kel32fc, Kel32f, kelsGoertz_32fc, kelsGoertzTwo_32fc>,
+                           evaluate_spectrum<Kel64fc, Kel64f, kelsGoertz_64fc, kelsGoertzTwo_64fc>,
+                           evaluate_spectrum<Kel16sc, Kel32f, kelsGoertz_16sc_Sfs, kelsGoertzTwo_16sc_Sfs>,
+                           KELS_MEDIAN(8u),
+                           KELS_MEDIAN(16s),
+                           KELS_MEDIAN(32f),
+                           KELS_MEDIAN(64f),
+                           KELS_RATE(16s),
+                           KELS_RATE(16sc),
+                           KELS_RATE(32f),
+                           KELS_RATE(32fc),
+                           KELS_RATE(64f),
+                           KELS_RATE(64fc),
+                           find_nearest,
+                           estimate<kelsUpdateLinear_16s32s_I>,
+                           estimate<kelsUpdatePower_16s32s_I>});
 
 } // namespace
