@@ -55,13 +55,13 @@ public:
     std::vector<T> data(int count, Style style = Style::any) {
         constexpr Type type = type_of<T>();
         constexpr bool real = type.kind == Kind::f32 || type.kind == Kind::f64;
-        constexpr bool is_signed = real || type.kind == Kind::s8 || type.kind == Kind::s16 || type.kind == Kind::s32;
+        constexpr bool is_unsigned = type.kind == Kind::u8 || type.kind == Kind::u16 || type.kind == Kind::u32;
         constexpr double largest = real ? 1 : type.part_size() == 1 ? 100 : 32000;
         Random source = random();
         const int choice = style == Style::tame ? 0 : below(style == Style::finite ? 2 : 3);
         const double high = choice == 0 ? largest : 0;
         std::vector<T> x(static_cast<std::size_t>(count));
-        fill_random(source, type, x.data(), x.size(), is_signed ? -high : 0, high,
+        fill_random(source, type, x.data(), x.size(), is_unsigned ? 0 : -high, high,
                     choice == 2 ? usual_special_share : 0);
         return x;
     }

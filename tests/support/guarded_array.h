@@ -3,7 +3,7 @@
 
 #include "support/guarded_memory.h"
 
-#include <cstring>
+#include <algorithm>
 #include <initializer_list>
 #include <span>
 #include <type_traits>
@@ -24,7 +24,7 @@ public:
         first = reinterpret_cast<T*>(edge == Edge::back ? memory.end() - n * sizeof(T) : memory.begin());
     }
     GuardedArray(const std::vector<T>& values, Edge edge) : GuardedArray(values.size(), edge) {
-        std::memcpy(static_cast<void*>(first), values.data(), values.size() * sizeof(T));
+        std::copy(values.begin(), values.end(), first);
     }
 
     T* data() { return first; }
