@@ -10,17 +10,19 @@
 // (frame/tables.h).
 #pragma once
 
+#include "frame/complex_vector.h"
 #include "frame/two_doubles.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
-#include <utility>
 
 namespace kels {
 
-/// Roots in the read-only table of the whole circle.
-inline constexpr int table_roots = 4096;
+/// Roots in the read-only table of the whole circle, and how many are made at a time.
+inline constexpr int table_roots = 4096, root_lanes = std::max(4, max_lanes<double>);
 
 /// Cosine and sine of 2 pi j / 4096 as sums of two doubles.
 struct TableRoot {
@@ -42,66 +44,114 @@ public:
         angle_.low = ((two_pi - product) - product_error(angle_.high, parts, product) + two_pi_rest) / parts;
     }
 
-    /// exp(-2 pi i k / n) for k below n, rounded once.
+    /// Exponents of roots that are made together, below n (or 2 n, where nobody keeps the root), and the roots as real
+    /// and as imaginary parts.
+    using Exponents = Vec<int, root_lanes>;
+    static Exponents progression(std::size_t first, std::size_t step) {
+        return [=]<int... lane>(std::integer_sequence<int, lane...>) KELS_INLINE {
+            return splat<Exponents>(static_cast<int>(first)) +
+                   splat<Exponents>(static_cast<int>(step)) * Exponents{lane...};
+        }
+        (std::make_integer_sequence<int, root_lanes>{});
+    }
     template <class T>
-    [[gnu::always_inline]] void write(T* out, std::size_t k) const {
-        const auto exponent = static_cast<double>(static_cast<std::ptrdiff_t>(k));
-        const int octant = static_cast<int>(exponent * eighths_);
-        double inside = exponent * 8 - octant * n_; // of n parts of the octant, exact as all but the angle is
-        if (octant % 2) inside = n_ - inside;
-        const int j = static_cast<int>(inside * steps_ + 0.5);
-        const double rest = inside * (table_roots / 8) - j * n_;
-        const TableRoot& entry = eighth_of_circle[static_cast<std::size_t>(j)];
-        double c = entry.cosine, s = entry.sine;
-        if (rest != 0) turn<std::is_same_v<T, double>>(c, s, entry, rest);
-        if ((octant + 1) & 2) std::swap(c, s);
-        out[0] = static_cast<T>((octant + 2) & 4 ? -c : c);
-        out[1] = static_cast<T>(octant & 4 ? s : -s);
+    struct Roots {
+        Vec<T, root_lanes> re, im;
+    };
+    template <class T>
+    [[gnu::always_inline]] Roots<T> roots(Exponents k) const {
+        const Lanes exponent = convert<double>(k);
+        const Exponents octants = convert<int>(exponent * splat<Lanes>(eighths_));
+        const Whole octant = convert<std::int64_t>(octants);
+        // Of n parts of the octant, exact as all but the angle is.
+        const Lanes ahead = exponent * splat<Lanes>(8) - convert<double>(octants) * splat<Lanes>(n_);
+        const Lanes inside = (octant & 1) != 0 ? splat<Lanes>(n_) - ahead : ahead;
+        const Exponents j = convert<int>(inside * splat<Lanes>(steps_) + splat<Lanes>(0.5));
+        const Lanes rest = inside * splat<Lanes>(table_roots / 8) - convert<double>(j) * splat<Lanes>(n_);
+        const Turned z = turned<std::is_same_v<T, double>>(j, rest);
+        const auto steep = ((octant + 1) & 2) != 0;
+        const Lanes c = steep ? z.sine : z.cosine, s = steep ? z.cosine : z.sine;
+        return {convert<T>(((octant + 2) & 4) != 0 ? -c : c), convert<T>((octant & 4) != 0 ? s : -s)};
+    }
+
+    /// Writes exp(-2 pi i (first + i step) / n) for every i below `count`, each rounded once.
+    template <class T>
+    void write(T* out, std::size_t count, std::size_t first, std::size_t step) const {
+        if (count < root_lanes) {
+            for (std::size_t i = 0; i < count; ++i) write(out + 2 * i, first + i * step);
+            return;
+        }
+        for (std::size_t i = 0; i < count; i += root_lanes) {
+            const std::size_t at = std::min(i, count - root_lanes); // the last ones reach back
+            const Roots<T> z = roots<T>(progression(first + at * step, step));
+            store(out + 2 * at, zip(z.re, z.im));
+        }
+    }
+
+    /// exp(-2 pi i k / n).
+    template <class T>
+    void write(T* out, std::size_t k) const {
+        const Roots<T> z = roots<T>(progression(k, 0));
+        out[0] = z.re[0];
+        out[1] = z.im[0];
     }
 
 private:
     double n_, eighths_, steps_;
     TwoDoubles angle_; // 2 pi / (4096 n)
 
-    /// The entry turned by `parts` 4096ths of an n-th of the circle; with the rests if exact.
+    using Lanes = Vec<double, root_lanes>;
+    using Whole = Vec<std::int64_t, root_lanes>;
+    struct Turned {
+        Lanes cosine, sine;
+    };
+
+    /// Entries j turned by `parts` 4096ths of an n-th of the circle; with the rests if exact.
     template <bool exact>
-    [[gnu::always_inline]] void turn(double& c, double& s, const TableRoot& entry, double parts) const {
-        const double d = parts * angle_.high, square = d * d;
-        const double less = square * (square * (1.0 / 24) - 0.5);    // cos d - 1
-        double more = d * square * (square * (1.0 / 120) - 1.0 / 6); // sin d - d
-        const double cosine = entry.cosine, sine = entry.sine;
+    [[gnu::always_inline]] Turned turned(Exponents j, Lanes parts) const {
+        using Entry = Vec<double, 4>;
+        Entry entries[root_lanes / 4][4]; // turned from a root in each to cosines, sines and their rests
+        unrolled<root_lanes>([&](auto i) KELS_INLINE {
+            entries[i / 4][i % 4] = load<Entry>(&eighth_of_circle[static_cast<std::size_t>(j[int{i}])]);
+        });
+        Lanes part[4];
+        unrolled<root_lanes / 4>([&](auto i) KELS_INLINE { transpose<Entry>(entries[i]); });
+        unrolled<4>([&](auto i) KELS_INLINE {
+            if constexpr (root_lanes == 4)
+                part[i] = entries[0][i];
+            else
+                part[i] = both(entries[0][i], entries[1][i]);
+        });
+        const auto& [cosine, sine, cosine_rest, sine_rest] = part;
+        const Lanes angle = splat<Lanes>(angle_.high), d = parts * angle, square = d * d;
+        const Lanes less = square * (square * splat<Lanes>(1.0 / 24) - splat<Lanes>(0.5));    // cos d - 1
+        Lanes more = d * square * (square * splat<Lanes>(1.0 / 120) - splat<Lanes>(1.0 / 6)); // sin d - d
         if constexpr (exact) {
-            more += product_error(parts, angle_.high, d) + parts * angle_.low;
-            const auto sum = [&](double a, double a_rest, double b, double b_rest) KELS_INLINE { // a cos d + b sin d
-                const double product = b * d, high = a + product;
-                const double low = sum_error(a, product, high) + product_error(b, d, product);
+            more += product_error(parts, angle, d) + parts * splat<Lanes>(angle_.low);
+            const auto sum = [&](Lanes a, Lanes a_rest, Lanes b, Lanes b_rest) KELS_INLINE { // a cos d + b sin d
+                const Lanes product = b * d, high = a + product;
+                const Lanes low = sum_error(a, product, high) + product_error(b, d, product);
                 return high + (low + (a_rest + b_rest * d + (a * less + b * more)));
             };
-            c = sum(cosine, entry.cosine_rest, -sine, -entry.sine_rest);
-            s = sum(sine, entry.sine_rest, cosine, entry.cosine_rest);
+            return {sum(cosine, cosine_rest, -sine, -sine_rest), sum(sine, sine_rest, cosine, cosine_rest)};
         } else {
             more += d;
-            c = cosine + (cosine * less - sine * more);
-            s = sine + (sine * less + cosine * more);
+            return {cosine + (cosine * less - sine * more), sine + (sine * less + cosine * more)};
         }
     }
 };
-
-/// One root of unity exp(-2 pi i k / n), k below n, rounded once.
-template <class T>
-void write_root(T* out, std::size_t k, const Circle& circle) {
-    circle.write(out, k);
-}
 
 /// Roots exp(-2 pi i exponent(lane) / n), exponents below n, as a vector of V real and one of V imaginary parts; gives
 /// the place behind.
 template <int V, class T, class F>
 T* write_root_vectors(T* table, const Circle& circle, F exponent) {
-    for (int lane = 0; lane < V; ++lane) {
-        T root[2];
-        circle.write(root, static_cast<std::size_t>(exponent(static_cast<std::size_t>(lane))));
-        table[lane] = root[0];
-        table[V + lane] = root[1];
+    constexpr int group = std::min(V, root_lanes);
+    for (int lane = 0; lane < V; lane += group) {
+        alignas(64) int exponents[root_lanes] = {};
+        for (int i = 0; i < group; ++i) exponents[i] = static_cast<int>(exponent(static_cast<std::size_t>(lane + i)));
+        const auto z = circle.roots<T>(load<Circle::Exponents>(exponents));
+        store(table + lane, slice<group, 0>(z.re));
+        store(table + V + lane, slice<group, 0>(z.im));
     }
     return table + 2 * V;
 }

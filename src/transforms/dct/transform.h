@@ -21,11 +21,12 @@ const T* lay_dct_turns(std::ptrdiff_t n, TableSpace& space) {
     T* table = space.take<T>(static_cast<std::size_t>(2 * pairs));
     const Circle circle(static_cast<std::size_t>(4 * n));
     const double scale = (inverse ? 0.5 : 1) * std::sqrt(2 / static_cast<double>(n));
-    for (std::ptrdiff_t k = 1; table && k <= pairs; ++k) {
-        double root[2];
-        circle.write(root, static_cast<std::size_t>(k));
-        table[2 * k - 2] = static_cast<T>(scale * root[0]);
-        table[2 * k - 1] = static_cast<T>(scale * root[1]);
+    for (std::ptrdiff_t k = 1; table && k <= pairs; k += root_lanes) {
+        const auto roots = circle.roots<double>(Circle::progression(static_cast<std::size_t>(k), 1));
+        const auto scaled = zip(roots.re, roots.im);
+        T turns[2 * root_lanes];
+        store(turns, convert<T>(scaled * splat<std::remove_const_t<decltype(scaled)>>(scale)));
+        std::copy_n(turns, 2 * std::min<std::ptrdiff_t>(root_lanes, pairs - k + 1), table + 2 * k - 2);
     }
     return table;
 }

@@ -5,17 +5,19 @@
 #include "transforms/dft/chirp.h"
 #include "transforms/dft/direct.h"
 #include "transforms/dft/mixed.h"
+#include "transforms/dft/short.h"
 
 #include <cmath>
 
 namespace kels {
 
-enum class Way { straight, direct, mixed, chirp };
+enum class Way { straight, short_steps, direct, mixed, chirp };
 
 template <class T>
 struct AnyLength {
     std::ptrdiff_t length = 0;
     Way way = Way::straight;
+    ShortTransform<T> steps;
     DirectTransform<T> direct;
     MixedTransform<T> mixed;
     ChirpTransform<T> chirp;
@@ -31,9 +33,12 @@ struct AnyLength {
 /// Lengths up to this one are straight code.
 inline constexpr std::ptrdiff_t longest_straight = 4;
 
-/// Direct lengths whose factors are small, and others: what the widths of vectors make of them.
+/// Direct lengths of complex and of real data, the latter where a complex transform would do half of its work for
+/// nothing, and those whose factors are not small: what the widths of vectors make of them.
 template <class T>
 inline constexpr std::ptrdiff_t longest_smooth_direct = 17;
+template <class T>
+inline constexpr std::ptrdiff_t longest_odd_direct = sizeof(T) == 4 ? 33 : 3;
 template <class T>
 inline constexpr std::ptrdiff_t longest_rough_direct = std::min<std::ptrdiff_t>(64 + 8 * max_lanes<T>, longest_direct);
 
@@ -43,10 +48,14 @@ KelStatus choose_way(AnyLength<T>& t, std::ptrdiff_t length) {
     t.length = length;
     if (length <= longest_straight) {
         t.way = Way::straight;
+    } else if (is_short<T>(length)) {
+        t.way = Way::short_steps;
+        split_short(t.steps, length);
     } else if (length <= longest_smooth_direct<T>) {
         t.way = Way::direct;
-    } else if (std::isfinite(mixed_cost<T>(length))) {
+    } else if (is_mixed<T>(length)) {
         t.way = Way::mixed;
+        split_mixed(t.mixed, length);
     } else if (length <= longest_rough_direct<T>) {
         t.way = Way::direct;
     } else {
@@ -64,8 +73,9 @@ KelStatus choose_way(AnyLength<T>& t, std::ptrdiff_t length) {
 
 template <class T>
 void lay_any_length(AnyLength<T>& t, TableSpace& space) {
+    if (t.way == Way::short_steps) lay_short(t.steps, space);
     if (t.way == Way::direct) lay_direct(t.direct, t.length, space);
-    if (t.way == Way::mixed) lay_mixed(t.mixed, t.length, space);
+    if (t.way == Way::mixed) lay_mixed(t.mixed, space);
     if (t.way == Way::chirp) lay_chirp(t.chirp, space);
 }
 
@@ -87,6 +97,8 @@ void run_any_length(const AnyLength<T>& t, Source source, Sink sink, bool invers
     switch (t.way) {
     case Way::straight:
         return run_straight(t.length, source, sink, inverse, factor);
+    case Way::short_steps:
+        return run_short(t.steps, source, sink, inverse, factor);
     case Way::direct:
         return run_direct(t.direct, source, sink, inverse, factor);
     case Way::mixed:

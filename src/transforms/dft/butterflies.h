@@ -9,6 +9,8 @@
 #include "transforms/circle_point.h"
 #include "transforms/dft/points.h"
 
+#include <iterator>
+
 namespace kels {
 
 /// z exp(-2 pi i k / n).
@@ -100,5 +102,13 @@ template <int R, class V>
         });
     }
 }
+
+/// The radices of passes, and instructions that their transforms take, loads and stores with them.
+struct PassRadix {
+    int radix, instructions;
+};
+inline constexpr PassRadix radices[] = {{16, 168}, {15, 153}, {13, 131}, {12, 102}, {11, 101}, {10, 81}, {9, 78},
+                                        {8, 60},   {7, 49},   {6, 38},   {5, 30},   {4, 19},   {3, 14},  {2, 7}};
+inline constexpr int radix_count = std::size(radices);
 
 } // namespace kels

@@ -10,13 +10,6 @@
 namespace kels {
 namespace {
 
-/// The radices, and instructions that their butterflies take, loads and stores with them.
-struct Radix {
-    int radix, instructions;
-};
-constexpr Radix radices[] = {{16, 168}, {15, 153}, {13, 131}, {12, 102}, {11, 101}, {10, 81}, {9, 78},
-                             {8, 60},   {7, 49},   {6, 38},   {5, 30},   {4, 19},   {3, 14},  {2, 7}};
-constexpr int radix_count = std::size(radices);
 /// A turn, and what a pass costs beside its butterflies, for every point.
 constexpr double turn_cost = 3.5, pass_cost = 0.5;
 
@@ -57,49 +50,63 @@ void choose_kernels(ColumnPass<T>& p, int radix) {
     });
 }
 
-/// The best passes of n points, none of a higher radix than the `first` one; as many in `chosen` as are returned.
-struct Choice {
-    double cost;
-    int count;
-    int chosen[ColumnTransform<float>::most_passes];
-};
+/// What a pass of n points costs a point.
+double pass_cost_of(std::ptrdiff_t n, const PassRadix& pass) {
+    return static_cast<double>(pass.instructions) / pass.radix + pass_cost + (n > pass.radix ? turn_cost : 0);
+}
 
-Choice choose(std::ptrdiff_t n, int first) {
-    Choice best{std::numeric_limits<double>::infinity(), 0, {}};
-    if (n == 1) return {0, 0, {}};
+/// The cost of the best passes of n points, none of a higher radix than the `first` one, if it is below the limit.
+double least_cost(std::ptrdiff_t n, int first, double limit) {
+    if (n == 1) return 0;
+    double least = std::numeric_limits<double>::infinity();
     for (int i = first; i < radix_count; ++i) {
-        const auto [radix, instructions] = radices[i];
-        if (n % radix != 0) continue;
-        Choice rest = choose(n / radix, i);
-        const double cost = static_cast<double>(instructions) / radix + pass_cost + (n > radix ? turn_cost : 0);
-        if (rest.cost + cost >= best.cost || rest.count + 1 > ColumnTransform<float>::most_passes) continue;
-        best = rest;
-        best.cost += cost;
-        best.chosen[best.count++] = radix;
+        if (n % radices[i].radix != 0) continue;
+        const double cost = pass_cost_of(n, radices[i]);
+        if (cost >= limit) continue;
+        const double whole = cost + least_cost(n / radices[i].radix, i, limit - cost);
+        if (whole < limit) limit = least = whole;
+    }
+    return least;
+}
+
+/// The highest radix of the best passes.
+int best_radix(std::ptrdiff_t n, int first) {
+    double least = std::numeric_limits<double>::infinity();
+    int best = first;
+    for (int i = first; i < radix_count; ++i) {
+        if (n % radices[i].radix != 0) continue;
+        const double cost = pass_cost_of(n, radices[i]);
+        const double whole = cost + least_cost(n / radices[i].radix, i, least - cost);
+        if (whole >= least) continue;
+        least = whole;
+        best = i;
     }
     return best;
 }
 
 } // namespace
 
-double column_cost(std::ptrdiff_t n) { return choose(n, 0).cost; }
+double column_cost(std::ptrdiff_t n, double limit) { return least_cost(n, 0, limit); }
 
 template <class T>
 void lay_columns(ColumnTransform<T>& transform, std::ptrdiff_t n, TableSpace& space) {
-    const Choice choice = choose(n, 0);
     transform.length = n;
-    transform.count = choice.count;
+    transform.count = 0;
+    int chosen[ColumnTransform<T>::most_passes];
+    for (std::ptrdiff_t left = n, i = 0; left > 1; left /= radices[i].radix)
+        chosen[transform.count++] = static_cast<int>(i = best_radix(left, static_cast<int>(i)));
     std::ptrdiff_t s = 1, left = n;
-    for (int i = 0; i < choice.count; ++i) {
-        const int radix = choice.chosen[i];
+    for (int i = 0; i < transform.count; ++i) {
+        const int radix = radices[chosen[transform.count - 1 - i]].radix; // the lowest ones first
         const Circle circle(static_cast<std::size_t>(left));
         left /= radix;
         T* roots = left > 1 ? space.take<T>(static_cast<std::size_t>(2 * left * (radix - 1))) : nullptr;
         ColumnPass<T>& pass = transform.passes[i];
         pass = {left, s, roots, {}};
         choose_kernels(pass, radix);
-        for (std::ptrdiff_t p = 0; roots && p < left; ++p)
-            for (int k = 1; k < radix; ++k, roots += 2) circle.write(roots, static_cast<std::size_t>(p * k));
+        for (std::ptrdiff_t p = 0; roots && p < left; ++p, roots += 2 * (radix - 1))
+            circle.write(roots, static_cast<std::size_t>(radix - 1), static_cast<std::size_t>(p),
+                         static_cast<std::size_t>(p));
         s *= radix;
     }
 }

@@ -46,8 +46,9 @@ struct ColumnTransform {
     ColumnPass<T> passes[most_passes];
 };
 
-/// Time that a transform of n points takes per point, in terms of instructions; infinite where n has other factors.
-double column_cost(std::ptrdiff_t n);
+/// Time that a transform of n points takes per point, in terms of instructions; infinite where n has other factors, or
+/// where it is not below the limit.
+double column_cost(std::ptrdiff_t n, double limit);
 
 /// Sets the passes of n points, whose factors are small, and lays their tables.
 template <class T>

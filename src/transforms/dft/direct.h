@@ -49,7 +49,7 @@ void lay_direct(DirectTransform<T>& t, std::ptrdiff_t length, TableSpace& space)
     t.table = table;
     if (!table) return;
     const Circle circle(static_cast<std::size_t>(length));
-    for (std::ptrdiff_t k = 0; k < length; ++k) circle.write(roots + 2 * k, static_cast<std::size_t>(k));
+    circle.write(roots, static_cast<std::size_t>(length), 0, 1);
     for (std::ptrdiff_t first = 0; first < t.results; first += t.lanes)
         for (std::ptrdiff_t j = 1; j <= t.pairs; ++j, table += 2 * t.lanes) {
             std::ptrdiff_t exponent = j * first % length;

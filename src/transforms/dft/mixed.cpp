@@ -8,18 +8,19 @@ namespace kels {
 namespace {
 
 /// Room on the stack for the rows of a piece of columns, twice.
-constexpr std::ptrdiff_t scratch_bytes = 40960;
+constexpr std::ptrdiff_t scratch_bytes = 57344, inner_cache = 40960;
 
 /// Turns a piece of the first step's rows, k1 counting them and n2 in the row from `n2` on, and stores it transposed.
-template <bool inverse, class V, class T>
+template <bool inverse, bool is_long, class V, class T>
 void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptrdiff_t n2, std::ptrdiff_t columns,
                         T factor, T* middle) {
     constexpr int P = points_in<V>;
     const std::ptrdiff_t A = t.A, B = t.B;
     for (std::ptrdiff_t c = 0; c < columns; c += P) {
+        const std::ptrdiff_t column = n2 + c, q = column / max_points<T>, r = column % max_points<T>;
         T* to[P];
         unrolled<P>([&](auto i) KELS_INLINE {
-            const std::ptrdiff_t row = n2 + c + i;
+            const std::ptrdiff_t row = column + i;
             to[i] = middle + 2 * A * (inverse && row > 0 ? B - row : row);
         });
         for (std::ptrdiff_t block = 0; block < A; block += P) {
@@ -27,7 +28,13 @@ void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptr
             V x[P];
             unrolled<P>([&](auto i) KELS_INLINE {
                 const std::ptrdiff_t k = k1 + i, row = inverse && k > 0 ? A - k : k;
-                const V z = load<V>(rows.data + row * rows.row + 2 * c), w = load<V>(t.turns + 2 * (k * B + n2 + c));
+                const V z = load<V>(rows.data + row * rows.row + 2 * c);
+                V w;
+                if constexpr (is_long)
+                    w = times_scalar(load<V>(t.turns + 2 * (k * t.fine + r)),
+                                     t.coarse + 2 * (k * t.coarse_in_row() + q));
+                else
+                    w = load<V>(t.turns + 2 * (k * B + column));
                 x[i] = (inverse ? conjugate_product(z, w) : point_product(z, w)) * splat<V>(factor);
             });
             transpose_points<V>(x);
@@ -42,20 +49,23 @@ void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptr
     while (points > t.A) points /= 2;
     with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
         using V = PointVec<T, P>;
-        if (inverse)
-            turn_and_transpose<true, V>(t, rows, n2, columns, factor, middle);
-        else
-            turn_and_transpose<false, V>(t, rows, n2, columns, factor, middle);
+        const auto run =
+            inverse       ? t.is_long() ? turn_and_transpose<true, true, V, T> : turn_and_transpose<true, false, V, T>
+                  : t.is_long() ? turn_and_transpose<false, true, V, T>
+                          : turn_and_transpose<false, false, V, T>;
+        run(t, rows, n2, columns, factor, middle);
     });
 }
 
-/// The columns of a piece: as many as the scratch has room for, twice, in vectors that one row holds.
+/// The columns of a piece: as many as the scratch has room for, twice, in vectors that one row holds. Where the data
+/// come from far, more of a row at a time counts for more than that the scratch stays in the innermost cache.
 template <class T>
 struct Pieces {
     std::ptrdiff_t widest;
     int points = max_points<T>;
 
-    explicit Pieces(std::ptrdiff_t length) : widest(scratch_bytes / (4 * static_cast<int>(sizeof(T)) * length)) {
+    Pieces(std::ptrdiff_t longest, bool from_afar)
+        : widest((from_afar ? scratch_bytes : inner_cache) / (4 * static_cast<int>(sizeof(T)) * longest)) {
         while (points > widest && points > 1) points /= 2;
         widest = std::max<std::ptrdiff_t>(widest / points * points, 1);
     }
@@ -63,7 +73,7 @@ struct Pieces {
 
 /// Columns that find room at all; a longer length is no mixed one.
 template <class T>
-inline constexpr std::ptrdiff_t longest_column = scratch_bytes / (4 * static_cast<int>(sizeof(T)));
+inline constexpr std::ptrdiff_t longest_column = inner_cache / (4 * static_cast<int>(sizeof(T)));
 
 template <class T>
 struct Scratch {
@@ -111,56 +121,73 @@ double vectors(std::ptrdiff_t n) {
     return sum;
 }
 
-/// The factor A of the length, and what a vector of points takes.
-struct Split {
-    std::ptrdiff_t A;
-    double cost;
-};
-
-template <class T>
-Split best_split(std::ptrdiff_t length) {
-    Split best{0, INFINITY};
+/// Calls f(A) for the factors that may be taken, near the root, until it says that it has had enough.
+template <class T, class F>
+void each_factor(std::ptrdiff_t length, F f) {
     std::ptrdiff_t rest = length;
     for (const int p : {2, 3, 5, 7, 11, 13})
         while (rest % p == 0) rest /= p;
-    if (rest != 1) return best;
+    if (rest != 1) return;
     const auto root = static_cast<std::ptrdiff_t>(std::sqrt(static_cast<double>(length)));
-    for (std::ptrdiff_t A = std::max<std::ptrdiff_t>(root / 6, 2); A <= 6 * (root + 1) && A < length; ++A) {
-        if (length % A != 0 || std::max(A, length / A) > longest_column<T>) continue;
-        const std::ptrdiff_t B = length / A;
-        const auto a = static_cast<double>(A), b = static_cast<double>(B);
-        const double cost = a * column_cost(A) * vectors<T>(B) + b * column_cost(B) * vectors<T>(A) +
-                            10 * vectors<T>(A) * vectors<T>(B) * max_points<T>;
-        if (cost < best.cost) best = {A, cost};
-    }
-    return best;
+    for (std::ptrdiff_t A = std::max<std::ptrdiff_t>(root / 6, 2); A <= 6 * (root + 1) && A < length; ++A)
+        if (length % A == 0 && std::max(A, length / A) <= longest_column<T>)
+            if (f(A)) return;
 }
 
 } // namespace
 
 template <class T>
-double mixed_cost(std::ptrdiff_t length) {
-    return best_split<T>(length).cost;
+bool is_mixed(std::ptrdiff_t length) {
+    bool found = false;
+    each_factor<T>(length, [&](std::ptrdiff_t) { return found = true; });
+    return found;
 }
 
 template <class T>
-void lay_mixed(MixedTransform<T>& t, std::ptrdiff_t length, TableSpace& space) {
+void split_mixed(MixedTransform<T>& t, std::ptrdiff_t length) {
+    double least = INFINITY;
+    each_factor<T>(length, [&](std::ptrdiff_t A) {
+        const std::ptrdiff_t B = length / A;
+        const double of_a = static_cast<double>(A) * vectors<T>(B), of_b = static_cast<double>(B) * vectors<T>(A);
+        double cost = 10 * vectors<T>(A) * vectors<T>(B) * max_points<T>;
+        cost += of_a * column_cost(A, (least - cost) / of_a);
+        if (cost < least) cost += of_b * column_cost(B, (least - cost) / of_b);
+        if (cost < least) {
+            least = cost;
+            t.A = A;
+            t.B = B;
+        }
+        return false;
+    });
     t.length = length;
-    t.A = best_split<T>(length).A;
-    t.B = length / t.A;
+}
+
+template <class T>
+void lay_mixed(MixedTransform<T>& t, TableSpace& space) {
     lay_columns(t.first, t.A, space);
     lay_columns(t.second, t.B, space);
-    T* turns = space.take<T>(2 * static_cast<std::size_t>(length));
+    const auto row = static_cast<std::size_t>(t.turns_in_row());
+    const auto coarse_row = static_cast<std::size_t>(t.is_long() ? t.coarse_in_row() : 0);
+    T* turns = space.take<T>(2 * row * static_cast<std::size_t>(t.A));
+    T* coarse = space.take<T>(2 * coarse_row * static_cast<std::size_t>(t.A));
     t.turns = turns;
-    const Circle circle(static_cast<std::size_t>(length));
-    for (std::ptrdiff_t k1 = 0; turns && k1 < t.A; ++k1)
-        for (std::ptrdiff_t n2 = 0; n2 < t.B; ++n2, turns += 2) circle.write(turns, static_cast<std::size_t>(k1 * n2));
+    t.coarse = coarse;
+    const Circle circle(static_cast<std::size_t>(t.length));
+    for (std::size_t k1 = 0; turns && k1 < static_cast<std::size_t>(t.A); ++k1) {
+        circle.write(turns + 2 * k1 * row, row, 0, k1);
+        circle.write(coarse + 2 * k1 * coarse_row, coarse_row, 0, k1 * max_points<T>);
+    }
 }
 
 template <class T, class Source, class Sink>
 void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool inverse, T factor, T* middle) {
     Scratch<T> scratch;
-    const Pieces<T> pieces(std::max(t.A, t.B));
+    const Pieces<T> pieces(std::max(t.A, t.B), t.is_long());
+    bool through_destination = false;
+    if constexpr (interleaved<Source> && interleaved<Sink>)
+        through_destination = t.is_long() && source.data != sink.data;
+    if constexpr (interleaved<Sink>)
+        if (through_destination) middle = sink.data;
     each_piece(t.B, pieces.widest, pieces.points, [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
         const Rows<T> result = scratch.rows(0, t.A, columns), spare = scratch.rows(1, t.A, columns);
         const bool into_spare = t.first.count % 2 == 0; // the first pass writes there
@@ -168,7 +195,7 @@ void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool invers
         run_columns(t.first, in, result, spare, result, columns, points);
         turn_and_transpose<T>(t, result, first, columns, points, inverse, factor, middle);
     });
-    each_piece(t.A, pieces.widest, pieces.points, [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
+    const auto second_step = [&](std::ptrdiff_t first, std::ptrdiff_t columns, int points) {
         const Rows<T> other = scratch.rows(0, t.B, columns), spare = scratch.rows(1, t.B, columns);
         const Rows<const T> in = Rows<const T>{middle, 2 * t.A}.from(first);
         if constexpr (interleaved<Sink>) {
@@ -177,12 +204,17 @@ void run_mixed(const MixedTransform<T>& t, Source source, Sink sink, bool invers
             run_columns(t.second, in, other, spare, other, columns, points);
             write_rows<T>(t, other, sink, first, columns, points);
         }
-    });
+    };
+    if (through_destination)
+        each_disjoint_piece(t.A, pieces.widest, pieces.points, second_step);
+    else
+        each_piece(t.A, pieces.widest, pieces.points, second_step);
 }
 
 #define KELS_MIXED(T)                                                                                                  \
-    template double mixed_cost<T>(std::ptrdiff_t);                                                                     \
-    template void lay_mixed(MixedTransform<T>&, std::ptrdiff_t, TableSpace&);                                          \
+    template bool is_mixed<T>(std::ptrdiff_t);                                                                         \
+    template void split_mixed(MixedTransform<T>&, std::ptrdiff_t);                                                     \
+    template void lay_mixed(MixedTransform<T>&, TableSpace&);                                                          \
     template void run_mixed(const MixedTransform<T>&, InterleavedSource<T>, InterleavedSink<T>, bool, T, T*);          \
     template void run_mixed(const MixedTransform<T>&, SplitSource<T>, SplitSink<T>, bool, T, T*);                      \
     template void run_mixed(const MixedTransform<T>&, RealSource<T>, HalfSink<T>, bool, T, T*);                        \

@@ -91,6 +91,15 @@ void each_piece(std::ptrdiff_t n, std::ptrdiff_t widest, int top, F&& f) {
     }
 }
 
+/// The same, where what is left goes in narrower vectors, so that no column is met twice.
+template <class F>
+void each_disjoint_piece(std::ptrdiff_t n, std::ptrdiff_t widest, int top, F&& f) {
+    std::ptrdiff_t first = 0;
+    for (int points = top; first < n; points /= 2)
+        for (std::ptrdiff_t columns; (columns = std::min(widest, (n - first) / points * points)) > 0; first += columns)
+            f(first, columns, points);
+}
+
 /// Calls f with the number of points of a vector as a constant.
 template <class T, int P = max_points<T>, class F>
 [[gnu::always_inline]] inline void with_points(int points, F&& f) {

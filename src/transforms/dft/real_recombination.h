@@ -16,10 +16,10 @@ namespace kels {
 template <class T>
 RealWay real_way(std::ptrdiff_t length) {
     if (length <= longest_straight) return RealWay::straight;
-    if (length <= 2 * longest_smooth_direct<T>) return RealWay::direct;
+    if (length % 2 != 0 && length <= longest_odd_direct<T>) return RealWay::direct;
     const std::ptrdiff_t complex_length = length % 2 == 0 ? length / 2 : length;
-    const bool rough = !std::isfinite(mixed_cost<T>(complex_length));
-    if (rough && length <= longest_rough_direct<T>) return RealWay::direct;
+    const bool smooth = is_short<T>(complex_length) || is_mixed<T>(complex_length);
+    if (!smooth && length <= longest_rough_direct<T>) return RealWay::direct;
     return length % 2 == 0 ? RealWay::halves : RealWay::whole;
 }
 
@@ -29,8 +29,9 @@ const T* lay_any_recombination(std::ptrdiff_t length, TableSpace& space) {
     const std::ptrdiff_t pairs = (length / 2 - 1) / 2;
     T* table = space.take<T>(static_cast<std::size_t>(2 * pairs));
     const Circle circle(static_cast<std::size_t>(4 * length));
-    for (std::ptrdiff_t k = 1; table && k <= pairs; ++k)
-        circle.write(table + 2 * k - 2, static_cast<std::size_t>(4 * k + length)); // a quarter turn on
+    if (table)
+        circle.write(table, static_cast<std::size_t>(pairs), static_cast<std::size_t>(4 + length),
+                     4); // a quarter turn on
     return table;
 }
 

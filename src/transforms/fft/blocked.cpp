@@ -177,8 +177,8 @@ void lay_blocked(FftPlan<T>& plan, TableSpace& space) {
 
     T* coarse = space.take<T>(2 * blocks * (side - 1)); // of the first sweep: exp(-2 pi i k1 b / (16 B))
     plan.twiddles = coarse;
-    for (std::size_t b = 0; coarse && b < blocks; ++b)
-        for (std::size_t k = 1; k < side; ++k, coarse += 2) write_root(coarse, b * k * side, circle);
+    for (std::size_t b = 0; coarse && b < blocks; ++b, coarse += 2 * (side - 1))
+        circle.write(coarse, side - 1, b * side, b * side);
 
     constexpr int V = Strip<T>::V;
     T* fine = space.take<T>(2 * side * (side - 1)); // and exp(-2 pi i k1 n3 / N), in vectors
@@ -192,8 +192,8 @@ void lay_blocked(FftPlan<T>& plan, TableSpace& space) {
 
     T* turns = space.take<T>(2 * blocks * side); // of the middle sweep
     plan.coarse_turns = turns;
-    for (std::size_t row = 0; turns && row < side; ++row)
-        for (std::size_t k = 0; k < blocks; ++k, turns += 2) write_root(turns, row * k * side, circle);
+    for (std::size_t row = 0; turns && row < side; ++row, turns += 2 * blocks)
+        circle.write(turns, blocks, 0, row * side);
 }
 
 template FftKernel<Kel32f> blocked_kernel<Interleaved<false>, Kel32f>(int);

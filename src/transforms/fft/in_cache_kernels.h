@@ -53,13 +53,20 @@ void in_split_passes(const FftPlan<T>& plan, const FftDirection<T>& direction, P
     Passes<Layout, T, max_lanes<T>, R...>::run(src, dst, plan.twiddles, direction.factor);
 }
 
-template <class Layout, class T>
-void lay_direction(int order, FftDirection<T>& direction, TableSpace& space) {
-    with_shape<T>(order, [&]<class Shape>(Shape) {
+/// The roots of both directions, which share a table where it is the same.
+template <class Layout, class Inverse, class T>
+void lay_directions(FftPlan<T>& plan, TableSpace& space) {
+    with_shape<T>(plan.complex_order, [&]<class Shape>(Shape) {
         using Passes = PairPasses<Layout, T, Shape>;
-        T* table = space.take<T>(Passes::table.size());
-        direction.roots = table;
-        if (table) Passes::table.make(table, direction.factor);
+        constexpr PairTable table = Passes::table;
+        const bool shared = std::is_same_v<Layout, Inverse> && plan.inverse.factor == plan.forward.factor;
+        T* forward = space.take<T>(table.size());
+        T* inverse = shared ? nullptr : space.take<T>(table.size());
+        if (forward)
+            table.template make<table.lanes / 2, T>({forward, plan.forward.factor, false},
+                                                    {inverse, plan.inverse.factor, Inverse::is_inverse});
+        plan.forward.roots = forward;
+        plan.inverse.roots = shared ? forward : inverse;
     });
 }
 
@@ -91,11 +98,7 @@ void lay_in_cache(FftPlan<T>& plan, TableSpace& space) {
             });
         return;
     }
-    lay_direction<Layout>(plan.complex_order, plan.forward, space);
-    if (std::is_same_v<Layout, Inverse> && plan.inverse.factor == plan.forward.factor)
-        plan.inverse.roots = plan.forward.roots;
-    else
-        lay_direction<Inverse>(plan.complex_order, plan.inverse, space);
+    lay_directions<Layout, Inverse>(plan, space);
 }
 
 } // namespace kels

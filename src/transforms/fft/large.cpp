@@ -179,7 +179,7 @@ const Kel64f* lay_roots(TableSpace& space, int entries_order, std::size_t step, 
     const std::size_t entries = std::size_t{1} << entries_order;
     const Circle circle(points);
     Kel64f* table = space.take<Kel64f>(2 * entries);
-    for (std::size_t i = 0; table && i < entries; ++i) write_root(table + 2 * i, i * step, circle);
+    if (table) circle.write(table, entries, 0, step);
     return table;
 }
 

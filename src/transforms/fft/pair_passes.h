@@ -44,7 +44,7 @@ public:
     using V = Vec<T, Lanes>;
     static constexpr int vectors = N / c;
     static constexpr bool in_registers = B == c && A <= 16;
-    static constexpr PairTable table = {in_registers ? RootForm::spread : form, Layout::is_inverse, Lanes, A, B1, B2};
+    static constexpr PairTable table = {in_registers ? RootForm::spread : form, Lanes, A, B1, B2};
 
     static void run(Points<const T> src, Points<T> dst, const T* roots, T factor) {
         if constexpr (in_registers) {

@@ -39,8 +39,15 @@ template <RootForm form, class V>
 /// point but the 0th, in the order of access, exp(-2 pi i b column / N) times a factor, or conjugated for the inverse.
 struct PairTable {
     RootForm form;
-    bool inverse;
     int lanes, columns, first_radix, second_radix;
+
+    /// One of the tables that are made together. The address is null where there is none.
+    template <class T>
+    struct Target {
+        T* table;
+        T factor;
+        bool conjugated;
+    };
 
     constexpr int points() const { return first_radix * second_radix; }
     constexpr int values_of_root() const { return form == RootForm::once ? lanes : 2 * lanes; }
@@ -51,27 +58,33 @@ struct PairTable {
     constexpr int point(int i) const { return i % first_radix * second_radix + i / first_radix; }
     constexpr int turn(int b) const { return b % second_radix * first_radix + b / second_radix; }
 
-    template <class T>
-    void make(T* table, T factor) const {
+    template <int Pairs, class T>
+    void make(Target<T> forward, Target<T> inverse) const {
         const Circle circle(static_cast<std::size_t>(points()) * static_cast<std::size_t>(columns));
-        for (int column = 0; column < columns; column += lanes / 2)
-            for (int i = 1; i < points(); ++i, table += values_of_root())
-                for (int lane = 0; lane < lanes; lane += 2) {
-                    T w[2];
-                    write_root(w, static_cast<std::size_t>(point(i)) * static_cast<std::size_t>(column + lane / 2),
-                               circle);
-                    write(table, lane, w[0] * factor, (inverse ? -w[1] : w[1]) * factor);
+        constexpr int together = std::min(Pairs, root_lanes);
+        std::ptrdiff_t at = 0;
+        for (int column = 0; column < columns; column += Pairs)
+            for (int i = 1; i < points(); ++i, at += values_of_root())
+                for (int k = 0; k < Pairs; k += together) {
+                    const auto step = static_cast<std::size_t>(point(i)), first = static_cast<std::size_t>(column + k);
+                    const auto w = circle.roots<T>(Circle::progression(step * first, step));
+                    for (const Target<T>& target : {forward, inverse})
+                        if (target.table) write<together>(target, at + 2 * k, w.re, w.im);
                 }
     }
 
 private:
-    template <class T>
-    void write(T* vector, int lane, T re, T im) const {
-        vector[lane] = re;
-        vector[lane + 1] = form == RootForm::spread ? re : im;
-        if (form == RootForm::once) return;
-        vector[lanes + lane] = -im;
-        vector[lanes + lane + 1] = im;
+    template <int together, class T, class V>
+    [[gnu::always_inline]] void write(const Target<T>& target, std::ptrdiff_t at, V all_re, V all_im) const {
+        using W = Vec<T, together>;
+        const W re = slice<together, 0>(all_re) * splat<W>(target.factor);
+        const W im = slice<together, 0>(all_im) * splat<W>(target.conjugated ? -target.factor : target.factor);
+        if (form == RootForm::once) {
+            store(target.table + at, zip(re, im));
+        } else {
+            store(target.table + at, zip(re, re));
+            store(target.table + at + lanes, zip(-im, im));
+        }
     }
 };
 

@@ -27,15 +27,14 @@ void lay_recombination(FftPlan<T>& plan, TableSpace& space) {
     const Circle circle(points);
     T* table = space.take<T>(2 * entries);
     plan.recombination = table;
-    for (std::size_t k = 0; table && k < entries; ++k) {
-        write_root(table + 2 * k, quarter + k + 1, circle);
-        table[2 * k] /= 2;
-        table[2 * k + 1] /= 2;
+    if (table) {
+        circle.write(table, entries, quarter + 1, 1);
+        std::for_each_n(table, 2 * entries, [](T& part) { part /= 2; });
     }
     if (bins > entries) {
         T* blocks = space.take<T>(2 * (bins / entries));
         plan.recombination_blocks = blocks;
-        for (std::size_t b = 0; blocks && b < bins / entries; ++b) write_root(blocks + 2 * b, b * entries, circle);
+        if (blocks) circle.write(blocks, bins / entries, 0, entries);
     }
 }
 

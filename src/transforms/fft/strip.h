@@ -59,8 +59,8 @@ void make_column_table(T* table, Radices<R...>) {
     for (int r : {R...}) {
         const std::size_t columns = points / static_cast<std::size_t>(r);
         const Circle circle(points);
-        for (std::size_t column = 0; columns > 1 && column < columns; ++column)
-            for (int k = 1; k < r; ++k, table += 2) write_root(table, column * static_cast<std::size_t>(k), circle);
+        for (std::size_t column = 0; columns > 1 && column < columns; ++column, table += 2 * (r - 1))
+            circle.write(table, static_cast<std::size_t>(r - 1), column, column);
         points = columns;
     }
 }
