@@ -11,7 +11,7 @@ fuzz() {
     local target=$1 found=$directory/$1 log=$directory/$1.log
     shift
     mkdir -p "$found"
-    if "$program" "$target" -max_total_time="$seconds" -max_len=200 -timeout=60 -print_final_stats=1 \
+    if "$program" "$target" -max_total_time="$seconds" -max_len=100 -len_control=0 -timeout=60 -print_final_stats=1 \
         -artifact_prefix="$directory/$target-" "$@" "$found" "$kept/$target" >"$log" 2>&1; then
         local runs coverage
         runs=$(sed -n 's/stat::number_of_executed_units: *//p' "$log")
