@@ -65,7 +65,9 @@ struct Bank {
         } else if (step == 2) {
             const auto cross = [&](const auto& releases) {
                 const auto other = releases[in.below(std::size(releases))];
-                if (other != release) EXPECT_EQ(other(two.get()), kelStatusContextMismatch);
+                if (other != release) {
+                    EXPECT_EQ(other(two.get()), kelStatusContextMismatch);
+                }
             };
             if constexpr (forward)
                 cross(analysis_releases);
