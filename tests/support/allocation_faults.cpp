@@ -33,15 +33,20 @@ Function* library_function(const char* name) {
 long allocations() { return count; }
 long live_blocks() { return live; }
 
+FailingAllocation::FailingAllocation(int n) {
+    failed = false;
+    failing = count + n;
+}
+FailingAllocation::~FailingAllocation() { failing = 0; }
+bool FailingAllocation::happened() const { return failed; }
+
 void for_each_allocation_failure(const std::function<KelStatus()>& call) {
     const long live_before = live;
     for (long n = 1;; ++n) {
-        failed = false;
-        failing = count + n;
+        const FailingAllocation failing_one(static_cast<int>(n));
         const KelStatus status = call();
-        failing = 0;
         ASSERT_EQ(live, live_before) << "blocks left, allocation " << n << " failing";
-        if (!failed) {
+        if (!failing_one.happened()) {
             ASSERT_GT(n, 1) << "allocated nothing, so nothing was tried";
             ASSERT_GE(status, kelStatusOk) << "after " << n - 1 << " allocations, none failing";
             return;

@@ -19,4 +19,16 @@ long live_blocks();
 /// success it must release.
 void for_each_allocation_failure(const std::function<KelStatus()>& call);
 
+/// While it lives, the n-th allocation fails.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(int n);
+    ~FailingAllocation();
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    /// Whether there was one.
+    bool happened() const;
+};
+
 } // namespace kels_test

@@ -3,7 +3,7 @@
 
 #include "support/guarded_memory.h"
 
-#include <cstring>
+#include <algorithm>
 #include <initializer_list>
 #include <span>
 #include <type_traits>
@@ -34,6 +34,7 @@ public:
         std::memcpy(static_cast<void*>(first), values.data(), values.size() * sizeof(T));
     }
     T* data() { return first; }
+    const T* data() const { return first; }
     /// Copied as bytes: an offset may be odd.
     std::vector<T> values() const {
         std::vector<T> copy(count);

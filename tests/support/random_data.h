@@ -18,6 +18,9 @@ class Random {
 public:
     explicit Random(std::string_view purpose);
 
+    /// Draws the same in every run.
+    explicit Random(std::uint64_t start) : engine(start) {}
+
     std::uint64_t bits() { return engine(); }
     int below(int n) { return static_cast<int>(engine() % static_cast<unsigned>(n)); }
     double uniform(double low, double high) {

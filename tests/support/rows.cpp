@@ -1,6 +1,7 @@
 #include "support/rows.h"
 
 #include "support/control_state.h"
+#include "support/digests.h"
 #include "support/emulation.h"
 #include "support/guarded_memory.h"
 #include "support/random_data.h"
@@ -225,6 +226,12 @@ public:
     AssertionResult run(const Placement& at) {
         Tally unused;
         return run(at, unused);
+    }
+
+    void digest_results() const {
+        for (const Slot& s : slots)
+            if (s.argument.is_output() && !row.depends_on_place)
+                digest(row.name, s.argument.type, s.place, s.bytes / s.argument.type.size);
     }
 
     /// Calls under other modes; they may change results, unless `same_results`.
@@ -670,6 +677,11 @@ private:
     std::function<void()> body;
 };
 
+std::vector<const Row*>& registered_rows() {
+    static std::vector<const Row*> rows;
+    return rows;
+}
+
 void add(const std::string& suite, const char* name, const std::function<void()>& body) {
     testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, __FILE__, __LINE__,
                           [body]() -> testing::Test* { return new RowTest(body); });
@@ -687,10 +699,27 @@ const char* exported_name(void (*function)()) {
     return info.dli_sname;
 }
 
+std::vector<const Row*> all_rows() {
+    std::sort(registered_rows().begin(), registered_rows().end(),
+              [](const Row* a, const Row* b) { return std::string_view(a->name) < b->name; });
+    return registered_rows();
+}
+
+void try_row(const Row& row, int len, int k, Random& random) {
+    Call call = drawn(row, std::max(len, row.shortest_length), k, random);
+    call.expect();
+    constexpr decltype(Placement::where) places[] = {Placement::at_end, Placement::at_start, Placement::shifted};
+    ASSERT_TRUE(call.run({places[random.below(3)], random.below(vector_bytes)})) << row.name;
+    call.digest_results();
+    for (const auto& [in, out] : aliases(row))
+        ASSERT_TRUE(call.run_aliased(in, out)) << row.name << " in place of " << in;
+}
+
 bool add_rows(const char* family, const Rows& added) {
     static std::list<Rows> kept; // as long as the program
     const Rows& rows = kept.emplace_back(added);
     for (const Row& row : rows) {
+        registered_rows().push_back(&row);
         const std::string suite = family + std::string("/").append(row.name);
         const Row* partner = partner_of(row, rows);
         add(suite, "matches_reference", [&row] { matches_reference(row); });

@@ -440,4 +440,13 @@ RowsOf<Reference> reductions(Reference, Functions... functions) {
 /// held against it.
 bool add_rows(const char* family, const Rows& rows);
 
+/// Every row that has been registered, in the order of the functions' names.
+std::vector<const Row*> all_rows();
+
+class Random;
+
+/// One call with the k-th draw of values, at any place and in place, against the reference. Its results count in the
+/// row's digest.
+void try_row(const Row& row, int len, int k, Random& random);
+
 } // namespace kels_test

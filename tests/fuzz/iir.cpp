@@ -1,0 +1,119 @@
+// IIR filters: one stream through two contexts, whole and in place, or cut between pairs of samples.
+
+#include "filters/iir/families.h"
+#include "fuzz/sequence.h"
+
+namespace {
+
+using namespace iir_test;
+using namespace kels_test;
+
+/// A family of which no context belongs to F.
+template <class F>
+using Stranger = std::conditional_t<std::is_same_v<F, Family_32f>, Family_64f, Family_32f>;
+
+template <class F>
+struct Filter {
+    using Taps = typename F::Taps;
+    using Sample = typename F::Sample;
+
+    bool cascade;
+    std::vector<Taps> taps, state;
+    int tapsFactor = 0, scale = 0;
+
+    explicit Filter(Input& in) {
+        cascade = in.below(2) == 1;
+        const int size = cascade ? in.length(12) : in.below(40);
+        const auto style = in.below(2) == 0 ? Style::tame : Style::any;
+        taps = in.data<Taps>(cascade ? 6 * size : 2 * size + 2, style);
+        if (style == Style::tame) calm();
+        state = in.data<Taps>(cascade ? 2 * size : size, style);
+        tapsFactor = in.below(40) - 30;
+        scale = F::integer_samples ? in.scale_factor() : 0;
+    }
+
+    /// A large divisor keeps most filters from growing.
+    void calm() {
+        const std::size_t step = cascade ? 6 : taps.size(), divisor = step / 2;
+        for (std::size_t i = 0; i < taps.size(); i += step)
+            values(taps)[(i + divisor) * parts<Taps>] = F::integer_taps ? 1 << 20 : 8;
+    }
+
+    /// Null, where a divisor is 0.
+    Context make(Input& in, const std::vector<Taps>& from) const {
+        KelIirContext* context = nullptr;
+        const GuardedArray<Taps> h(taps, in.edge()), d(from, in.edge());
+        const int size = static_cast<int>(cascade ? taps.size() / 6 : taps.size() / 2 - 1);
+        const auto made = call_again_without_memory(
+            in, [&] { return init<F>(&context, cascade, h.data(), size, tapsFactor, d.data()); });
+        EXPECT_EQ(made, context ? kelStatusOk : kelStatusDivByZero);
+        return {context, F::release};
+    }
+
+    std::vector<Sample> filtered(Input& in, Way way, const Context& context, const std::vector<Sample>& x) const {
+        const int count = static_cast<int>(x.size());
+        if (way == iir_test::in_place)
+            return results_in_place(in, x,
+                                    [&](Sample* to) { return call(F::in_place, scale, to, count, context.get()); });
+        auto y = x;
+        if (way == as_block) {
+            const GuardedArray<Sample> source(x, in.edge());
+            y = results<Sample>(in, x.size(), [&](Sample* to) {
+                return call(F::block, scale, source.data(), to, count, context.get());
+            });
+            digest(F::block, y);
+        } else {
+            for (Sample& v : y) EXPECT_EQ(call(F::one, scale, v, &v, context.get()), kelStatusOk);
+            digest(F::one, y);
+        }
+        return y;
+    }
+
+    std::vector<Taps> state_of(Input& in, const Context& context) const {
+        return results<Taps>(in, state.size(), [&](Taps* to) { return F::get_line(context.get(), to); });
+    }
+};
+
+template <class F>
+void drive(Input& in) {
+    using Sample = typename F::Sample;
+    const Filter<F> filter(in);
+    const Context one = filter.make(in, filter.state);
+    Context two = filter.make(in, filter.state);
+    while (one && in.more()) {
+        // Double states feel every cut in their last bits.
+        const int count = in.length(600), pairs = in.below((count + 1) / 2);
+        const int cut = F::single_taps || F::integer_taps ? 2 * pairs : 0;
+        const auto x = in.data<Sample>(count);
+        const Way way = in.one_in(4) ? one_by_one : in.below(2) == 0 ? as_block : iir_test::in_place;
+        const Way other = way == one_by_one ? way : in.below(2) == 0 ? as_block : iir_test::in_place;
+        at_once_and_cut(one, two, count, cut, [&](const Context& context, int from, int n) {
+            return filter.filtered(in, &context == &one ? way : other, context, piece(x, from, n));
+        });
+        const auto state = filter.state_of(in, one);
+        expect_same(state, filter.state_of(in, two), "states");
+        const int step = in.below(6);
+        if (step == 1 && !F::integer_taps) { // whose taps a scale factor may have changed
+            two = filter.make(in, state);
+        } else if (step == 2) {
+            const GuardedArray<typename F::Taps> source(in.data<typename F::Taps>(static_cast<int>(state.size())),
+                                                        in.edge());
+            const auto* next = in.below(4) == 0 ? nullptr : source.data();
+            for (KelIirContext* context : {one.get(), two.get()}) EXPECT_EQ(F::set_line(context, next), kelStatusOk);
+        } else if (step == 3) {
+            using G = Stranger<F>;
+            typename G::Sample y[4] = {};
+            EXPECT_EQ(call(G::block, 0, y, y + 2, 2, one.get()), kelStatusContextMismatch);
+            EXPECT_EQ(G::get_line(one.get(), y), kelStatusContextMismatch);
+            EXPECT_EQ(G::release(one.get()), kelStatusContextMismatch);
+        }
+    }
+}
+
+template <class... F>
+bool add(testing::Types<F...>) {
+    return add_target("iir", {drive<F>...});
+}
+const bool added = add(Families{});
+
+} // namespace
