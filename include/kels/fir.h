@@ -34,8 +34,9 @@
  *  than 65536, no sum can wrap.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr` (no context), `kelStatusContextMismatch` (a context of
- *  another family), `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (a length below 1), `kelStatusNoMemory`
- *  (scratch of the overlap-save engine and of the in-place forms). On an error nothing has been stored.
+ *  another family), `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (a length below 1). On an error nothing has
+ *  been stored. Memory is taken when a filter is made, and then never again: `kelStatusNoMemory` is a status of creation,
+ *  and a thread that must not wait may filter.
  *
  *  **Aliasing.** `pSrc` and `pDst` are disjoint; the in-place forms work on one array.
  *

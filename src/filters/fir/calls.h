@@ -1,7 +1,7 @@
-// What every family's functions do: the checks, the choice of the engine, and the delay line after it.
+// What every family's functions do: the checks, the choice of the engine, and the delay line after it. Nothing is
+// allocated: scratch is the context's, or on the stack.
 #pragma once
 
-#include "filters/doubled_ring.h"
 #include "filters/fir/context.h"
 #include "filters/fir/overlap_save.h"
 
@@ -44,77 +44,84 @@ bool beyond_plan(const SingleRate<Family>& own, int count) {
     return own.fftLen >= 1 && own.fftLen < count;
 }
 
-// Each runs an engine over `count` iterations that do not alias the destination, then moves the delay line on.
-
+/// Tile by tile: the line takes the samples of one before its outputs are stored, so that they may be the same array.
 template <class Family>
-KelStatus filter(SingleRate<Family>& own, bool overlap_save, const typename Family::Sample* src,
-                 typename Family::Sample* dst, int count, int scaleFactor) {
-    const auto stream = own.stream(src, count);
-    if constexpr (Family::has_plans)
-        if (overlap_save) {
-            const KelStatus status = filter_overlap_save(own, stream, dst, scaleFactor);
-            if (status == kelStatusOk) own.advance(src, count);
-            return status;
-        }
-    filter_direct<SumsOf<Family>>(stream, own.stored_coefficients(), own.tapsLen, dst,
-                                  rounding<Family>(scaleFactor, own.tapsFactor));
-    own.advance(src, count);
-    return kelStatusOk;
-}
-
-template <class Family>
-KelStatus filter(MultiRate<Family>& own, bool /*overlap_save*/, const typename Family::Sample* src,
-                 typename Family::Sample* dst, int count, int scaleFactor) {
-    const std::ptrdiff_t samples = std::ptrdiff_t{count} * own.rates.down,
-                         outputs = std::ptrdiff_t{count} * own.rates.up;
-    filter_polyphase<SumsOf<Family>>(own.stream(src, samples), own.stored_phases(), own.rates, dst, outputs,
-                                     rounding<Family>(scaleFactor, own.tapsFactor));
-    own.advance(src, samples);
-    return kelStatusOk;
-}
-
-// What a block costs in samples, and whether its engine is overlap-save.
-
-template <class Family>
-int samples_per_iteration(const SingleRate<Family>&) {
-    return 1;
-}
-template <class Family>
-int samples_per_iteration(const MultiRate<Family>& own) {
-    return own.rates.down;
+void filter_by_sums(SingleRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst,
+                    int count, int scaleFactor) {
+    Tile<SumsOf<Family>> tile;
+    const auto round = rounding<Family>(scaleFactor, own.tapsFactor);
+    for (int outputs; count > 0; count -= outputs, src += outputs, dst += outputs) {
+        outputs = std::min(tile.most_outputs, count);
+        tile.sum(own.stream(src, outputs), 0, outputs, own.stored_coefficients(), own.tapsLen);
+        own.advance(src, outputs);
+        tile.store(dst, outputs, round);
+    }
 }
 
 template <class Family>
 bool transforms(const SingleRate<Family>& own, int count, bool in_place) {
     return beyond_plan(own, count) || (in_place && Family::plan_in_place_always && own.fftLen >= 1);
 }
+
+// Each runs an engine over `count` iterations.
+
 template <class Family>
-bool transforms(const MultiRate<Family>&, int, bool) {
-    return false;
+KelStatus filter(SingleRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst, int count,
+                 int scaleFactor) {
+    if constexpr (Family::has_plans)
+        if (transforms(own, count, src == dst)) return filter_overlap_save(own, src, dst, count, scaleFactor);
+    filter_by_sums(own, src, dst, count, scaleFactor);
+    return kelStatusOk;
+}
+
+/// Where the source is no destination.
+template <class Family>
+void filter_apart(MultiRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst, int count,
+                  int scaleFactor) {
+    const std::ptrdiff_t samples = std::ptrdiff_t{count} * own.rates.down,
+                         outputs = std::ptrdiff_t{count} * own.rates.up;
+    filter_polyphase<SumsOf<Family>>(own.stream(src, samples), own.stored_phases(), own.rates, dst, outputs,
+                                     rounding<Family>(scaleFactor, own.tapsFactor));
+    own.advance(src, samples);
+}
+
+/// In place the samples go through the context's room. Where there are more outputs than samples, these first move to
+/// the end of the array: so far ahead, no output overtakes them.
+template <class Family>
+KelStatus filter(MultiRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst, int count,
+                 int scaleFactor) {
+    if (src != dst) {
+        filter_apart(own, src, dst, count, scaleFactor);
+        return kelStatusOk;
+    }
+    const std::ptrdiff_t up = own.rates.up, down = own.rates.down;
+    if (up > down) {
+        auto* const last = dst + count * (up - down);
+        std::memmove(last, src, static_cast<std::size_t>(count * down) * sizeof *src);
+        src = last;
+    }
+    for (int some; count > 0; count -= some, src += some * down, dst += some * up) {
+        some = std::min(count, own.roomIterations);
+        std::copy_n(src, some * down, own.room.get());
+        filter_apart(own, own.room.get(), dst, some, scaleFactor);
+    }
+    return kelStatusOk;
+}
+
+/// The source may be the destination.
+template <class Family>
+KelStatus filter_block(const typename Family::Sample* src, typename Family::Sample* dst, int count,
+                       KelFirContext* context, int scaleFactor = 0) {
+    return with_either_rate<Family>(context, [=](auto& own) {
+        if (!src || !dst) return kelStatusNullPtr;
+        if (count < 1) return kelStatusBadSize;
+        return filter(own, src, dst, count, scaleFactor);
+    });
 }
 
 template <class Family>
 KelStatus filter_in_place(typename Family::Sample* samples, int count, KelFirContext* context, int scaleFactor = 0) {
-    return with_either_rate<Family>(context, [=](auto& own) {
-        if (!samples) return kelStatusNullPtr;
-        if (count < 1) return kelStatusBadSize;
-        const auto copy = make_owned_product<typename Family::Sample>(count, samples_per_iteration(own));
-        if (!copy) return kelStatusNoMemory;
-        std::copy_n(samples, std::ptrdiff_t{count} * samples_per_iteration(own), copy.get());
-        return filter(own, transforms(own, count, true), copy.get(), samples, count, scaleFactor);
-    });
-}
-
-/// The source as the destination is the in-place call.
-template <class Family>
-KelStatus filter_block(const typename Family::Sample* src, typename Family::Sample* dst, int count,
-                       KelFirContext* context, int scaleFactor = 0) {
-    if (src == dst) return filter_in_place<Family>(dst, count, context, scaleFactor);
-    return with_either_rate<Family>(context, [=](auto& own) {
-        if (!src || !dst) return kelStatusNullPtr;
-        if (count < 1) return kelStatusBadSize;
-        return filter(own, transforms(own, count, false), src, dst, count, scaleFactor);
-    });
+    return filter_block<Family>(samples, samples, count, context, scaleFactor);
 }
 
 template <class Family>
@@ -122,7 +129,7 @@ KelStatus filter_one(typename Family::Sample sample, typename Family::Sample* ou
                      int scaleFactor = 0) {
     return with_single_rate<Family>(context, [=](SingleRate<Family>& own) {
         if (!out) return kelStatusNullPtr;
-        DoubledRing<typename Family::Sample>{own.line.get(), &own.index}.push(sample, own.tapsLen);
+        own.push(sample);
         const typename SumsOf<Family>::Coefficient* taps = own.coefficients.get();
         *out = rounded_sample<typename Family::Sample>(
             SumsOf<Family>::dot_of_fresh(reals(own.window()), taps, own.tapsLen),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "filters/fir/integer_taps.h"
+#include "filters/fir/partitions.h"
 #include "filters/fir/polyphase.h"
 #include "frame/modes.h"
 #include "frame/record.h"
@@ -32,21 +33,26 @@ struct FirContext : KelFirContext {
     int tapsLen = 0;
     int tapsFactor = 0; ///< of integer taps
     int windowLen = 0;
-    int index = 0;    ///< of the window in the line
-    Owned<Taps> taps; ///< in the order they were given in, integer ones reduced
+    std::ptrdiff_t lineLen = 0; ///< room of the line: some windows beside the present one
+    std::ptrdiff_t index = 0;   ///< of the window in the line
+    Owned<Taps> taps;           ///< in the order they were given in, integer ones reduced
     Owned<Coefficient> coefficients;
     Owned<Sample> line;
 
     Sample* window() { return line.get() + index; }
     const Sample* window() const { return line.get() + index; }
 
-    /// Makes the last samples of the stream the window, after a block.
+    /// Takes the last samples of a block in. The window slides along the line, and back to its start from the end.
     void advance(const Sample* src, std::ptrdiff_t count) {
-        const std::ptrdiff_t taken = std::min<std::ptrdiff_t>(count, windowLen), kept = windowLen - taken;
-        std::memmove(line.get(), window() + taken, static_cast<std::size_t>(kept) * sizeof(Sample));
-        std::copy_n(src + (count - taken), taken, line.get() + kept);
-        index = 0;
+        const std::ptrdiff_t taken = std::min<std::ptrdiff_t>(count, windowLen);
+        if (index + taken + windowLen > lineLen) {
+            std::memmove(line.get(), window() + taken, static_cast<std::size_t>(windowLen - taken) * sizeof(Sample));
+            index = -taken;
+        }
+        index += taken;
+        std::copy_n(src + (count - taken), taken, window() + windowLen - taken);
     }
+    void push(Sample sample) { advance(&sample, 1); }
 
     /// Starts from the given samples, newest first, or from silence.
     void start(const Sample* newest_first) {
@@ -58,11 +64,6 @@ struct FirContext : KelFirContext {
     }
 };
 
-template <class T>
-struct ReleasePlan {
-    void operator()(typename Spectral<T>::Plan* plan) const { Spectral<T>::release(plan); }
-};
-
 /// Families without plans have none of this.
 template <class Family>
 struct TapsSpectrum {};
@@ -71,12 +72,11 @@ template <class Family>
 requires Family::has_plans struct TapsSpectrum<Family> {
     using Spectrum = typename Family::Taps;
     int transformLen = 0; ///< points of the plan: longer than fftLen where that leaves more new samples a block
-    std::unique_ptr<typename Spectral<Spectrum>::Plan, ReleasePlan<Spectrum>> plan;
-    Owned<Spectrum> spectrum;
+    OwnedPlan<Spectrum> plan;
+    Owned<Spectrum> spectrum, work;
 };
 
-/// The delay line is a doubled ring: a sample is written at `index` and `index + tapsLen`, so that the last `tapsLen`
-/// samples always stand side by side from `index`. The oldest of them has no influence any more.
+/// The oldest sample of the window has no influence any more.
 template <class Family>
 struct SingleRate : FirContext<Family>, TapsSpectrum<Family> {
     static constexpr Kel32u family_id = Family::single_rate_id;
@@ -95,6 +95,8 @@ template <class Family>
 struct MultiRate : FirContext<Family> {
     static constexpr Kel32u family_id = Family::multi_rate_id;
     Rates rates{};
+    int roomIterations = 0;
+    Owned<typename Family::Sample> room; ///< samples of as many iterations, for the in-place forms
 
     auto stored_phases() const {
         return StoredPhases<SumsOf<Family>>{this->coefficients.get(), PhaseLengths(this->tapsLen, rates.up)};
@@ -118,6 +120,7 @@ OwnedRecord<Context> make_context(const typename Context::Taps* taps, int tapsLe
     context->windowLen = windowLen;
     context->taps = make_owned<typename Context::Taps>(static_cast<std::size_t>(tapsLen));
     context->line = make_owned_product<typename Context::Sample>(lineLen, 1);
+    context->lineLen = static_cast<std::ptrdiff_t>(lineLen);
     if (!context->taps || !context->line) return nullptr;
     const int shift = excess_bits(taps, tapsLen);
     context->tapsFactor = static_cast<int>(static_cast<unsigned>(tapsFactor) + static_cast<unsigned>(shift));
@@ -151,7 +154,8 @@ bool add_spectrum(SingleRate<Family>& context) {
     context.fftLen = 1 << switch_order(context.tapsLen);
     context.transformLen = 1 << order;
     context.spectrum = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
-    if (!context.spectrum) return false;
+    context.work = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
+    if (!context.spectrum || !context.work) return false;
     Spectrum* spectrum = context.spectrum.get();
     std::fill_n(std::copy_n(context.taps.get(), context.tapsLen, spectrum), context.transformLen - context.tapsLen,
                 Spectrum{});
@@ -196,11 +200,13 @@ KelStatus make_multi_rate(KelFirContext** result, const typename Family::Taps* t
     const ModesOfCreation modes;
 
     const int history = PhaseLengths(tapsLen, rates.up).longest();
-    auto context = make_context<Context>(taps, tapsLen, tapsFactor, history, history, newest_first);
+    auto context = make_context<Context>(taps, tapsLen, tapsFactor, history, 2 * std::int64_t{history}, newest_first);
     if (!context) return kelStatusNoMemory;
     context->rates = rates;
     context->coefficients = make_owned_product<typename Context::Coefficient>(tapsLen, Sums::per_tap);
-    if (!context->coefficients) return kelStatusNoMemory;
+    context->roomIterations = std::max(1, 1024 / rates.down);
+    context->room = make_owned_product<typename Family::Sample>(context->roomIterations, rates.down);
+    if (!context->coefficients || !context->room) return kelStatusNoMemory;
     put_phases<Sums>(context->taps.get(), tapsLen, rates.up, context->coefficients.get());
     *result = context.release();
     return kelStatusOk;

@@ -92,15 +92,4 @@ private:
     alignas(64) typename Sums::Total total[most_outputs * Sums::width + slack];
 };
 
-/// Filters a block.
-template <class Sums, class Sample, class Taps, class Rounding>
-void filter_direct(const Stream<Sample>& stream, const Taps& taps, int tapsLen, Sample* dst, const Rounding& rounding) {
-    Tile<Sums> tile;
-    for (std::ptrdiff_t first = 0; first < stream.count; first += tile.most_outputs) {
-        const int outputs = static_cast<int>(std::min<std::ptrdiff_t>(tile.most_outputs, stream.count - first));
-        tile.sum(stream, first, outputs, taps, tapsLen);
-        tile.store(dst + first, outputs, rounding);
-    }
-}
-
 } // namespace kels

@@ -19,7 +19,6 @@ struct Spectral<Kel32f> {
     using Plan = KelsFftPlan_32f;
     static constexpr auto make = kelsFFTInitAlloc_R_32f;
     static constexpr auto release = kelsFFTFree_R_32f;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_R_32f;
     static constexpr auto forward = kelsFFTFwd_RToPerm_32f;
     static constexpr auto inverse = kelsFFTInv_PermToR_32f;
     static constexpr auto multiply = kelsMulPerm_32f_I;
@@ -30,7 +29,6 @@ struct Spectral<Kel32fc> {
     using Plan = KelsFftPlan_32f;
     static constexpr auto make = kelsFFTInitAlloc_C_32fc;
     static constexpr auto release = kelsFFTFree_C_32fc;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_C_32fc;
     static constexpr auto forward = kelsFFTFwd_CToC_32fc;
     static constexpr auto inverse = kelsFFTInv_CToC_32fc;
     static constexpr auto multiply = kelsMul_32fc_I;
@@ -41,7 +39,6 @@ struct Spectral<Kel64f> {
     using Plan = KelsFftPlan_64f;
     static constexpr auto make = kelsFFTInitAlloc_R_64f;
     static constexpr auto release = kelsFFTFree_R_64f;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_R_64f;
     static constexpr auto forward = kelsFFTFwd_RToPerm_64f;
     static constexpr auto inverse = kelsFFTInv_PermToR_64f;
     static constexpr auto multiply = kelsMulPerm_64f_I;
@@ -52,7 +49,6 @@ struct Spectral<Kel64fc> {
     using Plan = KelsFftPlan_64f;
     static constexpr auto make = kelsFFTInitAlloc_C_64fc;
     static constexpr auto release = kelsFFTFree_C_64fc;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_C_64fc;
     static constexpr auto forward = kelsFFTFwd_CToC_64fc;
     static constexpr auto inverse = kelsFFTInv_CToC_64fc;
     static constexpr auto multiply = kelsMul_64fc_I;
