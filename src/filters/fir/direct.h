@@ -59,10 +59,10 @@ struct StoredCoefficients {
 };
 
 /// Adds the products of a strip of outputs and all taps to silence, segment by segment.
-template <class Sums>
+template <class Sums, int Outputs = 1024 / Sums::width, int Segment = Sums::segment>
 class Tile {
 public:
-    static constexpr int most_outputs = 1024 / Sums::width, segment = Sums::segment;
+    static constexpr int most_outputs = Outputs, segment = Segment;
 
     /// Sums outputs first to first + outputs - 1.
     template <class Stream, class Taps>
@@ -80,6 +80,8 @@ public:
                 Sums::add_strips(line, taps.segment(tap, count, pass, room), count, total, outputs * width, pass);
         }
     }
+
+    typename Sums::Total* sums() { return total; }
 
     template <class Sample, class Rounding>
     void store(Sample* dst, int outputs, const Rounding& rounding) const {

@@ -73,6 +73,11 @@ struct FirFamily {
         std::is_same_v<Part<TapsType>, Kel32f> && std::is_integral_v<Part<SampleType>>;
     /// In place a plan runs at any block length, not only beyond its own.
     static constexpr bool plan_in_place_always = !complex && !single_taps_on_integers;
+    /// Samples are shorter than the sums of their products with real taps.
+    static constexpr bool rounds_sums = !integer_taps && !std::is_same_v<Part<SampleType>, Kel64f>;
+    /// What overlap-save makes of a tie is a conversion's.
+    static constexpr bool transforms_tie_to_even =
+        single_taps_on_integers || (!integer_taps && std::is_same_v<Part<SampleType>, Kel32s>);
     /// A multi-rate filter of factors 1 and 1 is a single-rate one.
     static constexpr bool degenerates =
         std::is_same_v<TapsType, Kel32f> && (std::is_same_v<SampleType, Kel32f> || std::is_same_v<SampleType, Kel16s>);

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -23,6 +24,24 @@ namespace kels {
 /// of the taps or the greatest value of their spectrum. The norm of a transform's error is about a third of 2^-52
 /// sqrt(log2 N) of the norm of its points; the bound is as if all of it met one output.
 inline constexpr Kel64f error_of_sums = 0x1p-47;
+
+/// Not a moment of any stream.
+inline constexpr std::uint64_t no_moment = ~std::uint64_t{0};
+
+/// The root of the sum of squares.
+template <class X>
+Kel64f norm(const X* x, std::ptrdiff_t count) {
+    using V = Vec<Kel64f>;
+    V squares{};
+    std::ptrdiff_t i = 0;
+    for (; i + lanes<V> <= count; i += lanes<V>) {
+        const V some = convert<Kel64f>(load<Vec<X, lanes<V>>>(x + i));
+        squares = fma(some, some, squares);
+    }
+    Kel64f sum = sum_of_lanes(squares);
+    for (; i < count; ++i) sum += static_cast<Kel64f>(x[i]) * static_cast<Kel64f>(x[i]);
+    return std::sqrt(sum);
+}
 
 template <class T>
 struct ReleasePlan {
@@ -38,6 +57,7 @@ public:
     static constexpr int width = parts<T>;
     int frame = 0; ///< samples; 0 where there are no partitions
     int pieces = 0;
+    std::uint64_t moment = no_moment; ///< of the stream whose whole frames have all been taken
 
     /// Of taps `first` to `end` - 1; the samples before are silent.
     template <class Taps>
@@ -73,7 +93,7 @@ public:
         Kel64f* x = of_samples(newest);
         std::fill_n(x, points(), 0.0);
         stream.copy(position - frame, 2 * frame, x);
-        size(x) = norm(x);
+        size(x) = norm(x, points());
         if (size(x) != 0) transform(x);
     }
 
@@ -93,16 +113,6 @@ public:
         return level * error_of_sums;
     }
 
-    static Kel64f norm(const Kel64f* x, std::ptrdiff_t count) {
-        using V = Vec<Kel64f>;
-        V squares{};
-        std::ptrdiff_t i = 0;
-        for (; i + lanes<V> <= count; i += lanes<V>) squares = fma(load<V>(x + i), load<V>(x + i), squares);
-        Kel64f sum = sum_of_lanes(squares);
-        for (; i < count; ++i) sum += x[i] * x[i];
-        return std::sqrt(sum);
-    }
-
 private:
     OwnedPlan<T> plan;
     Owned<Kel64f> room; ///< spectra of the taps, of the samples, and one of results, each with its size behind it
@@ -115,7 +125,6 @@ private:
     Kel64f* of_samples(int place) { return of_taps(pieces + place); }
     Kel64f* meets(int piece) { return of_samples((newest + piece) % pieces); }
     Kel64f& size(Kel64f* spectrum) { return spectrum[points()]; }
-    Kel64f norm(const Kel64f* x) const { return norm(x, points()); }
 
     void transform(Kel64f* x) {
         Spectral<T>::forward(reinterpret_cast<T*>(x), reinterpret_cast<T*>(x), plan.get(), nullptr);
