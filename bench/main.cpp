@@ -1,4 +1,6 @@
 // kels-bench [family] [--rows file] [benchmark flags]: measures this library and the installed peers in one run.
+// kels-bench fir --map: what a sample of a FIR filter costs, over taps and block lengths, as a picture.
+#include "fir_map.h"
 #include "harness.h"
 #include "summary.h"
 
@@ -56,7 +58,9 @@ void print_heading() {
 }
 
 int run(std::vector<char*> arguments) {
-    const std::string family = take_family(arguments), rows_file = take_rows_file(arguments);
+    const std::string family = take_family(arguments);
+    if (family == "fir" && arguments.size() > 1 && arguments[1] == std::string("--map")) return map_fir();
+    const std::string rows_file = take_rows_file(arguments);
     // Flags that the user gives come after these, and win.
     for (const char* flag : default_flags) arguments.insert(arguments.begin() + 1, const_cast<char*>(flag));
     int count = int(arguments.size());

@@ -35,13 +35,6 @@ std::vector<float> for_samples(const Filtering& f, std::vector<float> filtered, 
     return filtered;
 }
 
-/// The points of the filter's plan, beyond which a block runs overlap-save; none below 32 taps.
-int plan_of(std::size_t taps) {
-    std::size_t points = 1;
-    while (points <= taps) points *= 2;
-    return taps < 32 ? 0 : int(points < 256 ? 2 * points : points);
-}
-
 } // namespace
 
 std::vector<float> filter_stream(const Filtering& f, const std::vector<float>& samples) {
@@ -79,16 +72,6 @@ std::vector<float> filter_without_context(const Filtering& f, const std::vector<
     check(kelsFIRMR_Direct_32f(source.data(), filtered.data(), int(periods), f.taps.data(), taps, f.up, 0, f.down, 0,
                                line.data()));
     return for_samples(f, std::move(filtered), samples.size());
-}
-
-std::string engines_of_stream(const Filtering& f, std::size_t samples) {
-    if (f.changes_rate())
-        return "polyphase, at most " + std::to_string((f.taps.size() + f.up - 1) / f.up) + " taps an output";
-    const int plan = plan_of(f.taps.size());
-    int direct = 0, overlap_save = 0;
-    for_each_block(samples, [&](std::size_t, int count) { ++(plan > 0 && count > plan ? overlap_save : direct); });
-    return "overlap-save in " + std::to_string(overlap_save) + " blocks, direct in " + std::to_string(direct) +
-           (plan > 0 ? ", those of at most " + std::to_string(plan) + " samples" : "");
 }
 
 } // namespace examples::demo

@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string>
 #include <vector>
 
 namespace examples::demo {
 
-// Shorter and longer than any usual plan, so that both engines of the filter take part; none a multiple of another.
+// From a sample to more than any usual filter has taps, so that every engine takes part; none a multiple of another.
 inline constexpr int block_lengths[] = {1, 480, 17, 4096, 1023, 3, 9973, 64, 2050, 333};
 
 /// Calls block(first, count) for the stream's blocks, in periods.
@@ -41,8 +40,5 @@ std::vector<float> filter_one_by_one(const Filtering& filtering, const std::vect
 
 /// Without a context: taps and delay line are ours, and go along with the call.
 std::vector<float> filter_without_context(const Filtering& filtering, const std::vector<float>& samples);
-
-/// Which engines the stream's blocks run.
-std::string engines_of_stream(const Filtering& filtering, std::size_t samples);
 
 } // namespace examples::demo

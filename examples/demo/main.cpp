@@ -158,8 +158,9 @@ void run(const Options& options) {
     print_level("After", after);
     if (after.peak > 1)
         std::printf("           (a WAV of integers holds no more than 0 dBFS: the peaks are clipped)\n");
-    std::printf("Engine     %s\n", engines_of_stream(filtering, recording.length()).c_str());
-    std::printf("Speed      %.0f times real time, in blocks of uneven lengths\n", recording.seconds() / seconds);
+    const double samples = double(recording.length()) * double(recording.channels.size());
+    std::printf("Speed      %.0f times real time, %.2f ns a sample, in blocks of uneven lengths\n",
+                recording.seconds() / seconds, 1e9 * seconds / samples);
 
     compare("one call", recording, before.peak, filtered, filter_at_once, filtering);
     if (!filtering.changes_rate())

@@ -14,9 +14,11 @@
  *  3, a block of 480 samples is numIters = 160, and gives 320. Its delay line has ceil(tapsLen / upFactor) samples.
  *
  *  **Engines.** Contexts of one rate hold an FFT plan from 32 taps on (`_32f`, `64f_...`, `32fc_16sc`), 16 (`_32fc`,
- *  `64fc_...`) or 128 (`32f_16s`), of the smallest power of two above the tap count, doubled below 256. A block longer
- *  than the plan runs overlap-save, a shorter one the direct form. In place, real filters but `32f_16s` run overlap-save
- *  at any length. Multi-rate filters and those of integer taps are always direct.
+ *  `64fc_...`) or 128 (`32f_16s`), of the smallest power of two above the tap count, doubled below 256. A block no longer
+ *  than the plan has direct results, in place too; a longer one may run overlap-save. How a call reaches its results is
+ *  chosen by what it costs: direct sums, or transforms in double precision with the bits of direct sums, those of whole
+ *  frames of a call or, in a stream of short calls, of frames behind the newest samples. Multi-rate filters and those of
+ *  integer taps are always direct.
  *
  *  **Accuracy.** Sums are formed in double precision and rounded once: direct results of single-precision data are
  *  within 1 ulp, and have the same bits as extended precision on 99.9 % of data; double-precision results lie within
@@ -24,8 +26,9 @@
  *  single precision for single taps, else in double.
  *
  *  **Integer samples.** The sum is multiplied by 2^-scaleFactor (the factor counts modulo 128, keeping its sign),
- *  rounded to nearest with ties away from zero, and saturated; a NaN becomes the largest value. Overlap-save results of
- *  `32f_16s`, `32fc_16sc`, `64f_32s` and `64fc_32sc` tie to even instead, and take every factor as it is.
+ *  rounded to nearest with ties away from zero, and saturated; a NaN becomes the largest value. Blocks longer than the
+ *  plan of `32f_16s`, `32fc_16sc`, `64f_32s` and `64fc_32sc`, and all in-place blocks of `64f_32s` with a plan, tie to
+ *  even instead, and take every factor as it is.
  *
  *  **Integer taps** (`32s_16s`, `32sc_16sc`) stand for themselves times 2^tapsFactor. They are kept with 16 bits: shifted
  *  down, toward minus infinity, until the largest magnitude is at most 32766, and the factor raised accordingly. Sums
@@ -34,8 +37,9 @@
  *  than 65536, no sum can wrap.
  *
  *  **Statuses**, in the order of the checks: `kelStatusNullPtr` (no context), `kelStatusContextMismatch` (a context of
- *  another family), `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (a length below 1), `kelStatusNoMemory`
- *  (scratch of the overlap-save engine and of the in-place forms). On an error nothing has been stored.
+ *  another family), `kelStatusNullPtr` (a data pointer), `kelStatusBadSize` (a length below 1). On an error nothing has
+ *  been stored. Memory is taken when a filter is made, and then never again: `kelStatusNoMemory` is a status of creation,
+ *  and a thread that must not wait may filter.
  *
  *  **Aliasing.** `pSrc` and `pDst` are disjoint; the in-place forms work on one array.
  *

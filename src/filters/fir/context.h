@@ -1,6 +1,8 @@
 // The records of FIR filters with a state: taps, delay line, and what the engines need beside them.
 #pragma once
 
+#include "filters/fir/behind_head.h"
+#include "filters/fir/costs.h"
 #include "filters/fir/integer_taps.h"
 #include "filters/fir/polyphase.h"
 #include "frame/modes.h"
@@ -32,35 +34,39 @@ struct FirContext : KelFirContext {
     int tapsLen = 0;
     int tapsFactor = 0; ///< of integer taps
     int windowLen = 0;
-    int index = 0;    ///< of the window in the line
-    Owned<Taps> taps; ///< in the order they were given in, integer ones reduced
+    std::ptrdiff_t lineLen = 0; ///< room of the line: some windows beside the present one
+    std::ptrdiff_t index = 0;   ///< of the window in the line
+    std::uint64_t moment = 0;   ///< changes whenever the window does
+    Owned<Taps> taps;           ///< in the order they were given in, integer ones reduced
     Owned<Coefficient> coefficients;
     Owned<Sample> line;
 
     Sample* window() { return line.get() + index; }
     const Sample* window() const { return line.get() + index; }
 
-    /// Makes the last samples of the stream the window, after a block.
+    /// Takes a block in, or the end of one that is longer than what the line holds beside a window. The window slides
+    /// along the line, and back to its start from the end; the windows since the block's begin stay readable.
     void advance(const Sample* src, std::ptrdiff_t count) {
-        const std::ptrdiff_t taken = std::min<std::ptrdiff_t>(count, windowLen), kept = windowLen - taken;
-        std::memmove(line.get(), window() + taken, static_cast<std::size_t>(kept) * sizeof(Sample));
-        std::copy_n(src + (count - taken), taken, line.get() + kept);
-        index = 0;
+        const std::ptrdiff_t taken = std::min<std::ptrdiff_t>(count, lineLen - windowLen);
+        if (index + windowLen + taken > lineLen) {
+            std::memmove(line.get(), window(), static_cast<std::size_t>(windowLen) * sizeof(Sample));
+            index = 0;
+        }
+        std::copy_n(src + (count - taken), taken, window() + windowLen);
+        index += taken;
+        moment += static_cast<std::uint64_t>(count);
     }
+    void push(Sample sample) { advance(&sample, 1); }
 
     /// Starts from the given samples, newest first, or from silence.
     void start(const Sample* newest_first) {
         index = 0;
+        ++moment;
         if (newest_first)
             std::reverse_copy(newest_first, newest_first + windowLen, line.get());
         else
             std::fill_n(line.get(), windowLen, Sample{});
     }
-};
-
-template <class T>
-struct ReleasePlan {
-    void operator()(typename Spectral<T>::Plan* plan) const { Spectral<T>::release(plan); }
 };
 
 /// Families without plans have none of this.
@@ -71,12 +77,22 @@ template <class Family>
 requires Family::has_plans struct TapsSpectrum<Family> {
     using Spectrum = typename Family::Taps;
     int transformLen = 0; ///< points of the plan: longer than fftLen where that leaves more new samples a block
-    std::unique_ptr<typename Spectral<Spectrum>::Plan, ReleasePlan<Spectrum>> plan;
-    Owned<Spectrum> spectrum;
+    OwnedPlan<Spectrum> plan;
+    Owned<Spectrum> spectrum, work;
 };
 
-/// The delay line is a doubled ring: a sample is written at `index` and `index + tapsLen`, so that the last `tapsLen`
-/// samples always stand side by side from `index`. The oldest of them has no influence any more.
+/// The partitions of the engines in spectral_sums.h, where they are worth it.
+template <class Family>
+struct SpectralSums {};
+
+template <class Family>
+requires Family::rounds_sums struct SpectralSums<Family> {
+    using Wide = std::conditional_t<Family::complex, Kel64fc, Kel64f>;
+    Partitions<Wide> frames[2];
+    BehindHead<Wide> behind;
+};
+
+/// The oldest sample of the window has no influence any more.
 template <class Family>
 struct SingleRate : FirContext<Family>, TapsSpectrum<Family> {
     static constexpr Kel32u family_id = Family::single_rate_id;
@@ -84,9 +100,16 @@ struct SingleRate : FirContext<Family>, TapsSpectrum<Family> {
 
     auto stored_coefficients() const { return StoredCoefficients<SumsOf<Family>>{this->coefficients.get()}; }
 
+    SpectralSums<Family> spectral;
+
     /// A block behind what influences it.
     Stream<typename Family::Sample> stream(const typename Family::Sample* src, int count) const {
         return {this->window() + 1, this->tapsLen - 1, src, count};
+    }
+    /// A block that the line has just taken in.
+    Stream<typename Family::Sample> recent(int count) const {
+        const auto* src = this->window() + (this->tapsLen - count);
+        return {src - (this->tapsLen - 1), this->tapsLen - 1, src, count};
     }
 };
 
@@ -95,6 +118,8 @@ template <class Family>
 struct MultiRate : FirContext<Family> {
     static constexpr Kel32u family_id = Family::multi_rate_id;
     Rates rates{};
+    int roomIterations = 0;
+    Owned<typename Family::Sample> room; ///< samples of as many iterations, for the in-place forms
 
     auto stored_phases() const {
         return StoredPhases<SumsOf<Family>>{this->coefficients.get(), PhaseLengths(this->tapsLen, rates.up)};
@@ -118,6 +143,7 @@ OwnedRecord<Context> make_context(const typename Context::Taps* taps, int tapsLe
     context->windowLen = windowLen;
     context->taps = make_owned<typename Context::Taps>(static_cast<std::size_t>(tapsLen));
     context->line = make_owned_product<typename Context::Sample>(lineLen, 1);
+    context->lineLen = static_cast<std::ptrdiff_t>(lineLen);
     if (!context->taps || !context->line) return nullptr;
     const int shift = excess_bits(taps, tapsLen);
     context->tapsFactor = static_cast<int>(static_cast<unsigned>(tapsFactor) + static_cast<unsigned>(shift));
@@ -151,11 +177,45 @@ bool add_spectrum(SingleRate<Family>& context) {
     context.fftLen = 1 << switch_order(context.tapsLen);
     context.transformLen = 1 << order;
     context.spectrum = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
-    if (!context.spectrum) return false;
+    context.work = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
+    if (!context.spectrum || !context.work) return false;
     Spectrum* spectrum = context.spectrum.get();
     std::fill_n(std::copy_n(context.taps.get(), context.tapsLen, spectrum), context.transformLen - context.tapsLen,
                 Spectrum{});
     return S::forward(spectrum, spectrum, plan, nullptr) == kelStatusOk;
+}
+
+/// Frames of all taps and of half of them, and levels behind a head of the least cost, where they beat direct sums.
+/// `longest` frames, in samples, are what the line must hold beside the window.
+template <class Family>
+int longest_frame(int tapsLen) {
+    constexpr int least = 64, most = 1 << 15;
+    if (!Family::rounds_sums || tapsLen < least || tapsLen > most) return 0;
+    return static_cast<int>(std::bit_ceil(static_cast<unsigned>(tapsLen)));
+}
+
+template <class Family>
+bool add_partitions(SingleRate<Family>& context) {
+    const int tapsLen = context.tapsLen, frame = longest_frame<Family>(tapsLen);
+    if (frame == 0) return true;
+    auto& own = context.spectral;
+    const auto* taps = context.taps.get();
+    if (!own.frames[0].make(taps, 0, tapsLen, frame) || !own.frames[1].make(taps, 0, tapsLen, frame / 2)) return false;
+
+    const CostsOf<Family::complex> costs{double(tapsLen)};
+    int best[2] = {};
+    double& least = own.behind.cost;
+    least = costs.direct(1e6) / 1e6;
+    for (int first = 32; first <= std::min(own.behind.longest_head, tapsLen / 2); first *= 2)
+        for (int second = first; second <= tapsLen / 2; second *= 2) {
+            const int level[2] = {first, second > first ? second : 0};
+            const double cost = costs.behind_head(level, second > first ? 2 : 1);
+            if (cost < least) {
+                least = cost;
+                std::copy_n(level, 2, best);
+            }
+        }
+    return best[0] == 0 || own.behind.make(taps, tapsLen, best);
 }
 
 template <class Family>
@@ -167,7 +227,9 @@ KelStatus make_single_rate(KelFirContext** result, const typename Family::Taps* 
     if (tapsLen < 1) return kelStatusBadFirLength;
     const ModesOfCreation modes;
 
-    auto context = make_context<Context>(taps, tapsLen, tapsFactor, tapsLen, 2 * std::int64_t{tapsLen}, newest_first);
+    auto context =
+        make_context<Context>(taps, tapsLen, tapsFactor, tapsLen,
+                              2 * std::int64_t{tapsLen} + std::max(1024, longest_frame<Family>(tapsLen)), newest_first);
     if (!context) return kelStatusNoMemory;
     context->coefficients =
         make_owned_product<typename Context::Coefficient>(std::int64_t{tapsLen} + Sums::padding, Sums::per_tap);
@@ -179,6 +241,8 @@ KelStatus make_single_rate(KelFirContext** result, const typename Family::Taps* 
 
     if constexpr (Family::has_plans)
         if (tapsLen >= Family::least_for_plan && !add_spectrum(*context)) return kelStatusNoMemory;
+    if constexpr (Family::rounds_sums)
+        if (!add_partitions(*context)) return kelStatusNoMemory;
     *result = context.release();
     return kelStatusOk;
 }
@@ -196,11 +260,13 @@ KelStatus make_multi_rate(KelFirContext** result, const typename Family::Taps* t
     const ModesOfCreation modes;
 
     const int history = PhaseLengths(tapsLen, rates.up).longest();
-    auto context = make_context<Context>(taps, tapsLen, tapsFactor, history, history, newest_first);
+    auto context = make_context<Context>(taps, tapsLen, tapsFactor, history, 2 * std::int64_t{history}, newest_first);
     if (!context) return kelStatusNoMemory;
     context->rates = rates;
     context->coefficients = make_owned_product<typename Context::Coefficient>(tapsLen, Sums::per_tap);
-    if (!context->coefficients) return kelStatusNoMemory;
+    context->roomIterations = std::max(1, 1024 / rates.down);
+    context->room = make_owned_product<typename Family::Sample>(context->roomIterations, rates.down);
+    if (!context->coefficients || !context->room) return kelStatusNoMemory;
     put_phases<Sums>(context->taps.get(), tapsLen, rates.up, context->coefficients.get());
     *result = context.release();
     return kelStatusOk;

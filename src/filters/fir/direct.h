@@ -59,10 +59,10 @@ struct StoredCoefficients {
 };
 
 /// Adds the products of a strip of outputs and all taps to silence, segment by segment.
-template <class Sums>
+template <class Sums, int Outputs = 1024 / Sums::width, int Segment = Sums::segment>
 class Tile {
 public:
-    static constexpr int most_outputs = 1024 / Sums::width, segment = Sums::segment;
+    static constexpr int most_outputs = Outputs, segment = Segment;
 
     /// Sums outputs first to first + outputs - 1.
     template <class Stream, class Taps>
@@ -81,6 +81,8 @@ public:
         }
     }
 
+    typename Sums::Total* sums() { return total; }
+
     template <class Sample, class Rounding>
     void store(Sample* dst, int outputs, const Rounding& rounding) const {
         store_rounded(total, reals(dst), outputs * Sums::width, rounding);
@@ -91,16 +93,5 @@ private:
     alignas(64) typename Sums::Line line[(most_outputs + segment) * Sums::width + slack];
     alignas(64) typename Sums::Total total[most_outputs * Sums::width + slack];
 };
-
-/// Filters a block.
-template <class Sums, class Sample, class Taps, class Rounding>
-void filter_direct(const Stream<Sample>& stream, const Taps& taps, int tapsLen, Sample* dst, const Rounding& rounding) {
-    Tile<Sums> tile;
-    for (std::ptrdiff_t first = 0; first < stream.count; first += tile.most_outputs) {
-        const int outputs = static_cast<int>(std::min<std::ptrdiff_t>(tile.most_outputs, stream.count - first));
-        tile.sum(stream, first, outputs, taps, tapsLen);
-        tile.store(dst + first, outputs, rounding);
-    }
-}
 
 } // namespace kels

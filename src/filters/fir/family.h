@@ -19,7 +19,6 @@ struct Spectral<Kel32f> {
     using Plan = KelsFftPlan_32f;
     static constexpr auto make = kelsFFTInitAlloc_R_32f;
     static constexpr auto release = kelsFFTFree_R_32f;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_R_32f;
     static constexpr auto forward = kelsFFTFwd_RToPerm_32f;
     static constexpr auto inverse = kelsFFTInv_PermToR_32f;
     static constexpr auto multiply = kelsMulPerm_32f_I;
@@ -30,7 +29,6 @@ struct Spectral<Kel32fc> {
     using Plan = KelsFftPlan_32f;
     static constexpr auto make = kelsFFTInitAlloc_C_32fc;
     static constexpr auto release = kelsFFTFree_C_32fc;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_C_32fc;
     static constexpr auto forward = kelsFFTFwd_CToC_32fc;
     static constexpr auto inverse = kelsFFTInv_CToC_32fc;
     static constexpr auto multiply = kelsMul_32fc_I;
@@ -41,7 +39,6 @@ struct Spectral<Kel64f> {
     using Plan = KelsFftPlan_64f;
     static constexpr auto make = kelsFFTInitAlloc_R_64f;
     static constexpr auto release = kelsFFTFree_R_64f;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_R_64f;
     static constexpr auto forward = kelsFFTFwd_RToPerm_64f;
     static constexpr auto inverse = kelsFFTInv_PermToR_64f;
     static constexpr auto multiply = kelsMulPerm_64f_I;
@@ -52,7 +49,6 @@ struct Spectral<Kel64fc> {
     using Plan = KelsFftPlan_64f;
     static constexpr auto make = kelsFFTInitAlloc_C_64fc;
     static constexpr auto release = kelsFFTFree_C_64fc;
-    static constexpr auto buffer_size = kelsFFTGetBufSize_C_64fc;
     static constexpr auto forward = kelsFFTFwd_CToC_64fc;
     static constexpr auto inverse = kelsFFTInv_CToC_64fc;
     static constexpr auto multiply = kelsMul_64fc_I;
@@ -77,6 +73,11 @@ struct FirFamily {
         std::is_same_v<Part<TapsType>, Kel32f> && std::is_integral_v<Part<SampleType>>;
     /// In place a plan runs at any block length, not only beyond its own.
     static constexpr bool plan_in_place_always = !complex && !single_taps_on_integers;
+    /// Samples are shorter than the sums of their products with real taps.
+    static constexpr bool rounds_sums = !integer_taps && !std::is_same_v<Part<SampleType>, Kel64f>;
+    /// What overlap-save makes of a tie is a conversion's.
+    static constexpr bool transforms_tie_to_even =
+        single_taps_on_integers || (!integer_taps && std::is_same_v<Part<SampleType>, Kel32s>);
     /// A multi-rate filter of factors 1 and 1 is a single-rate one.
     static constexpr bool degenerates =
         std::is_same_v<TapsType, Kel32f> && (std::is_same_v<SampleType, Kel32f> || std::is_same_v<SampleType, Kel16s>);

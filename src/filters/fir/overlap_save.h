@@ -7,38 +7,26 @@
 
 namespace kels {
 
-/// Filters a block.
+/// Filters a block, which may be filtered in place: the samples of every transform are in the work array and in the
+/// line before its results are stored.
 template <class Family>
-KelStatus filter_overlap_save(const SingleRate<Family>& context, const Stream<typename Family::Sample>& stream,
-                              typename Family::Sample* dst, int scaleFactor) {
+KelStatus filter_overlap_save(SingleRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst,
+                              int count, int scaleFactor) {
     using Spectrum = typename Family::Taps;
     using S = Spectral<Spectrum>;
-    constexpr int width = parts<Spectrum>;
-
-    const std::ptrdiff_t N = context.transformLen, past = context.tapsLen - 1, fresh = N - past;
-    const auto* plan = context.plan.get();
-    int buffer_bytes = 0;
-    if (const KelStatus status = S::buffer_size(plan, &buffer_bytes); status != kelStatusOk) return status;
-    const Owned<Spectrum> work = make_owned<Spectrum>(static_cast<std::size_t>(N));
-    const Owned<Kel8u> buffer = buffer_bytes > 0 ? make_owned<Kel8u>(static_cast<std::size_t>(buffer_bytes)) : nullptr;
-    if (!work || (buffer_bytes > 0 && !buffer)) return kelStatusNoMemory;
-
-    for (std::ptrdiff_t first = 0; first < stream.count; first += fresh) {
-        const std::ptrdiff_t begin = first - past, end = begin + N;
-        const Spectrum* block = work.get();
-        if (std::is_same_v<typename Family::Sample, Spectrum> && begin >= 0 && end <= stream.count) {
-            block = reinterpret_cast<const Spectrum*>(stream.src + begin);
-        } else {
-            stream.copy(begin, N, reals(work.get()));
-            if (end > stream.count) std::fill(work.get() + (stream.count - begin), work.get() + N, Spectrum{});
-        }
-
-        KelStatus status = S::forward(block, work.get(), plan, buffer.get());
-        if (status == kelStatusOk) status = S::multiply(context.spectrum.get(), work.get(), static_cast<int>(N));
-        if (status == kelStatusOk) status = S::inverse(work.get(), work.get(), plan, buffer.get());
+    const int past = own.tapsLen - 1, most = own.transformLen - past;
+    const auto* plan = own.plan.get();
+    Spectrum* const work = own.work.get();
+    for (int fresh; count > 0; count -= fresh, src += fresh, dst += fresh) {
+        fresh = std::min(most, count);
+        own.stream(src, fresh).copy(-past, past + fresh, reals(work));
+        std::fill(work + past + fresh, work + own.transformLen, Spectrum{});
+        own.advance(src, fresh);
+        KelStatus status = S::forward(work, work, plan, nullptr);
+        if (status == kelStatusOk) status = S::multiply(own.spectrum.get(), work, own.transformLen);
+        if (status == kelStatusOk) status = S::inverse(work, work, plan, nullptr);
         if (status == kelStatusOk)
-            status = store_transformed(reals(work.get() + past), reals(dst + first),
-                                       static_cast<int>(std::min(fresh, stream.count - first)) * width, scaleFactor);
+            status = store_transformed(reals(work + past), reals(dst), fresh * parts<Spectrum>, scaleFactor);
         if (status != kelStatusOk) return status;
     }
     return kelStatusOk;

@@ -20,6 +20,9 @@ struct Family {
     static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
     static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
     static constexpr bool complex = parts<S> == 2;
+    /// Where the rules have a transform, ties go to even.
+    static constexpr bool ties_to_even =
+        integer_samples && !integer_taps && (sizeof(Part<S>) == 4 || sizeof(Part<T>) == 4);
     /// A multi-rate filter of factors 1 and 1 is one of one rate.
     static constexpr bool degenerates =
         std::is_same_v<T, Kel32f> && (std::is_same_v<S, Kel32f> || std::is_same_v<S, Kel16s>);
