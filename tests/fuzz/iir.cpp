@@ -45,7 +45,7 @@ struct Filter {
         const GuardedArray<Taps> h(taps, in.edge()), d(from, in.edge());
         const int size = static_cast<int>(cascade ? taps.size() / 6 : taps.size() / 2 - 1);
         const auto made = call_again_without_memory(
-            in, [&] { return init<F>(&context, cascade, h.data(), size, tapsFactor, d.data()); });
+            in, [&] { return init_of<F>(cascade)(&context, h.data(), size, tapsFactor, d.data()); });
         EXPECT_EQ(made, context ? kelStatusOk : kelStatusDivByZero);
         return {context, F::release};
     }

@@ -30,19 +30,21 @@ public:
         fill(values);
     }
 
-    void fill(const std::vector<T>& values) {
-        std::memcpy(static_cast<void*>(first), values.data(), values.size() * sizeof(T));
-    }
+    void fill(const std::vector<T>& values) { copy_bytes(values.data(), first, values.size()); }
     T* data() { return first; }
     const T* data() const { return first; }
     /// Copied as bytes: an offset may be odd.
     std::vector<T> values() const {
         std::vector<T> copy(count);
-        std::memcpy(static_cast<void*>(copy.data()), static_cast<const void*>(first), count * sizeof(T));
+        copy_bytes(first, copy.data(), count);
         return copy;
     }
 
 private:
+    static void copy_bytes(const T* from, T* to, std::size_t n) {
+        std::copy_n(reinterpret_cast<const std::byte*>(from), n * sizeof(T), reinterpret_cast<std::byte*>(to));
+    }
+
     GuardedMemory memory;
     std::size_t count;
     T* first;
