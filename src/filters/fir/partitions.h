@@ -79,9 +79,14 @@ public:
             const int from = first + piece * frame, count = std::min(frame, end - from);
             std::copy_n(reals(taps + from), count * width, h);
             transform(h);
-            Kel64f most = 0;
-            for (std::ptrdiff_t i = 0; i < points(); i += 2) most = std::max(most, h[i] * h[i] + h[i + 1] * h[i + 1]);
-            size(h) = std::sqrt(most);
+            Kel64f most = 0, all = 0; // NaNs do not count as the greatest, but show in the sum
+            for (std::ptrdiff_t i = 0; i < points(); i += 2) {
+                const Kel64f square = h[i] * h[i] + h[i + 1] * h[i + 1];
+                most = std::max(most, square);
+                all += square;
+            }
+            constexpr Kel64f infinity = std::numeric_limits<Kel64f>::infinity();
+            size(h) = all < infinity ? std::sqrt(most) : infinity;
         }
         return true;
     }
