@@ -75,7 +75,10 @@ def main(document, *files):
             return match[0]
         return f"<!-- measured: {family} -->\n{processor()}\n\n{table(families[family])}\n<!-- end -->"
 
-    path.write_text(re.sub(r"<!-- measured: (\S+) -->\n.*?<!-- end -->", measured, path.read_text(), flags=re.S))
+    text, tables = re.subn(r"<!-- measured: (\S+) -->\n.*?<!-- end -->", measured, path.read_text(), flags=re.S)
+    if tables == 0:
+        sys.exit(f"report.py: {document} has no place for a table: a line '<!-- measured: FAMILY -->' and one '<!-- end -->'")
+    path.write_text(text)
 
 
 if __name__ == "__main__":

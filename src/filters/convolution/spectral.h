@@ -11,14 +11,13 @@
 #pragma once
 
 #include "filters/convolution/lags.h"
-#include "filters/fir/family.h"
 #include "frame/memory.h"
 #include "frame/simd.h"
+#include "transforms/fft/functions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <memory>
 #include <utility>
 
 namespace kels {
@@ -124,10 +123,7 @@ public:
     }
 
 private:
-    struct Release {
-        void operator()(typename S::Plan* p) const { S::release(p); }
-    };
-    std::unique_ptr<typename S::Plan, Release> plan;
+    OwnedPlan<T> plan;
     Owned<T> room;
     std::ptrdiff_t points = 0;
 

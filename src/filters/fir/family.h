@@ -1,58 +1,11 @@
-// What distinguishes the fourteen FIR families: a row of facts each, and the transforms that their plans use.
+// What distinguishes the fourteen FIR families: a row of facts each.
 #pragma once
 
 #include "frame/numeric.h"
-#include "kels/arithmetic.h"
-#include "kels/fft.h"
-#include "kels/spectrum.h"
 
 #include <type_traits>
 
 namespace kels {
-
-/// The transforms behind an overlap-save engine whose spectra have elements of type T.
-template <class T>
-struct Spectral;
-
-template <>
-struct Spectral<Kel32f> {
-    using Plan = KelsFftPlan_32f;
-    static constexpr auto make = kelsFFTInitAlloc_R_32f;
-    static constexpr auto release = kelsFFTFree_R_32f;
-    static constexpr auto forward = kelsFFTFwd_RToPerm_32f;
-    static constexpr auto inverse = kelsFFTInv_PermToR_32f;
-    static constexpr auto multiply = kelsMulPerm_32f_I;
-};
-
-template <>
-struct Spectral<Kel32fc> {
-    using Plan = KelsFftPlan_32f;
-    static constexpr auto make = kelsFFTInitAlloc_C_32fc;
-    static constexpr auto release = kelsFFTFree_C_32fc;
-    static constexpr auto forward = kelsFFTFwd_CToC_32fc;
-    static constexpr auto inverse = kelsFFTInv_CToC_32fc;
-    static constexpr auto multiply = kelsMul_32fc_I;
-};
-
-template <>
-struct Spectral<Kel64f> {
-    using Plan = KelsFftPlan_64f;
-    static constexpr auto make = kelsFFTInitAlloc_R_64f;
-    static constexpr auto release = kelsFFTFree_R_64f;
-    static constexpr auto forward = kelsFFTFwd_RToPerm_64f;
-    static constexpr auto inverse = kelsFFTInv_PermToR_64f;
-    static constexpr auto multiply = kelsMulPerm_64f_I;
-};
-
-template <>
-struct Spectral<Kel64fc> {
-    using Plan = KelsFftPlan_64f;
-    static constexpr auto make = kelsFFTInitAlloc_C_64fc;
-    static constexpr auto release = kelsFFTFree_C_64fc;
-    static constexpr auto forward = kelsFFTFwd_CToC_64fc;
-    static constexpr auto inverse = kelsFFTInv_CToC_64fc;
-    static constexpr auto multiply = kelsMul_64fc_I;
-};
 
 /// The first word of a context: "FI" and the two digits of a number.
 constexpr Kel32u fir_id(unsigned number) { return 0x46493030U + (number / 10 << 8) + number % 10; }

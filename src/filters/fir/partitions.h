@@ -7,16 +7,15 @@
 #pragma once
 
 #include "filters/fir/direct.h"
-#include "filters/fir/family.h"
 #include "frame/memory.h"
 #include "frame/simd.h"
+#include "transforms/fft/functions.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <memory>
 
 namespace kels {
 
@@ -42,13 +41,6 @@ Kel64f norm(const X* x, std::ptrdiff_t count) {
     for (; i < count; ++i) sum += static_cast<Kel64f>(x[i]) * static_cast<Kel64f>(x[i]);
     return std::sqrt(sum);
 }
-
-template <class T>
-struct ReleasePlan {
-    void operator()(typename Spectral<T>::Plan* plan) const { Spectral<T>::release(plan); }
-};
-template <class T>
-using OwnedPlan = std::unique_ptr<typename Spectral<T>::Plan, ReleasePlan<T>>;
 
 /// T is Kel64f or Kel64fc.
 template <class T>

@@ -62,8 +62,9 @@ KelStatus choose_way(AnyLength<T>& t, std::ptrdiff_t length) {
         const int order = convolution_order(length);
         t.chirp.length = length;
         t.chirp.convolution = std::ptrdiff_t{1} << order;
-        typename ChirpTransform<T>::Plan* plan = nullptr;
-        const KelStatus status = ConvolutionFft<T>::make(&plan, order, kelFftNormNone, kelHintDefault);
+        using Fft = Spectral<ComplexOf<T>>;
+        typename Fft::Plan* plan = nullptr;
+        const KelStatus status = Fft::make(&plan, order, kelFftNormNone, kelHintDefault);
         t.chirp.fft.reset(plan);
         return status;
     }

@@ -111,4 +111,12 @@ inline constexpr PassRadix radices[] = {{16, 168}, {15, 153}, {13, 131}, {12, 10
                                         {8, 60},   {7, 49},   {6, 38},   {5, 30},   {4, 19},   {3, 14},  {2, 7}};
 inline constexpr int radix_count = std::size(radices);
 
+/// Calls f with a radix as a constant.
+template <class F>
+void with_radix(std::ptrdiff_t n, F f) {
+    unrolled<radix_count>([&](auto i) {
+        if (radices[i].radix == n) f(std::integral_constant<int, radices[i].radix>{});
+    });
+}
+
 } // namespace kels

@@ -8,48 +8,19 @@
 
 #include "frame/tables.h"
 #include "transforms/dft/ends.h"
-#include "transforms/fft/plan.h"
+#include "transforms/fft/functions.h"
 #include "transforms/roots.h"
 
 #include <memory>
 
 namespace kels {
 
-/// The FFT that a convolution runs through.
-template <class T>
-struct ConvolutionFft;
-
-template <>
-struct ConvolutionFft<Kel32f> {
-    using Plan = KelsFftPlan_32f;
-    using Sample = Kel32fc;
-    static constexpr auto make = kelsFFTInitAlloc_C_32fc;
-    static constexpr auto release = kelsFFTFree_C_32fc;
-    static constexpr auto forward = kelsFFTFwd_CToC_32fc, inverse = kelsFFTInv_CToC_32fc;
-};
-
-template <>
-struct ConvolutionFft<Kel64f> {
-    using Plan = KelsFftPlan_64f;
-    using Sample = Kel64fc;
-    static constexpr auto make = kelsFFTInitAlloc_C_64fc;
-    static constexpr auto release = kelsFFTFree_C_64fc;
-    static constexpr auto forward = kelsFFTFwd_CToC_64fc, inverse = kelsFFTInv_CToC_64fc;
-};
-
-template <class T>
-struct ReleaseConvolution {
-    void operator()(typename ConvolutionFft<T>::Plan* plan) const { ConvolutionFft<T>::release(plan); }
-};
-
 template <class T>
 struct ChirpTransform {
-    using Plan = typename ConvolutionFft<T>::Plan;
-
     std::ptrdiff_t length = 0, convolution = 0; ///< N and L
     const T* chirp = nullptr;                   ///< c[k], for k below N
     const T* spectrum = nullptr;                ///< of conj(c), divided by L
-    std::unique_ptr<Plan, ReleaseConvolution<T>> fft;
+    OwnedPlan<ComplexOf<T>> fft;
 };
 
 /// The order of L; may be too high for a plan.
@@ -81,9 +52,9 @@ void lay_chirp(ChirpTransform<T>& transform, TableSpace& space) {
             spectrum[2 * at] = scale * chirp[2 * k];
             spectrum[2 * at + 1] = -scale * chirp[2 * k + 1];
         }
-    using Sample = typename ConvolutionFft<T>::Sample;
+    using Sample = ComplexOf<T>;
     auto* points = reinterpret_cast<Sample*>(spectrum);
-    ConvolutionFft<T>::forward(points, points, transform.fft.get(), nullptr);
+    Spectral<Sample>::forward(points, points, transform.fft.get(), nullptr);
 }
 
 /// The transform of a source to a sink, which may be the same memory; `work` is room for L points.
@@ -98,14 +69,14 @@ void run_chirp(const ChirpTransform<T>& transform, Source source, Sink sink, boo
         store(work + 2 * i, point_product(z, load<V>(chirp + 2 * i)));
     });
     std::fill(work + 2 * n, work + 2 * L, T(0));
-    using Sample = typename ConvolutionFft<T>::Sample;
+    using Sample = ComplexOf<T>;
     auto* points = reinterpret_cast<Sample*>(work);
-    ConvolutionFft<T>::forward(points, points, transform.fft.get(), nullptr);
+    Spectral<Sample>::forward(points, points, transform.fft.get(), nullptr);
     each_vector<T>(L, [&]<int P>(std::integral_constant<int, P>, std::ptrdiff_t i) KELS_INLINE {
         using V = PointVec<T, P>;
         store(work + 2 * i, point_product(load<V>(work + 2 * i), load<V>(transform.spectrum + 2 * i)));
     });
-    ConvolutionFft<T>::inverse(points, points, transform.fft.get(), nullptr);
+    Spectral<Sample>::inverse(points, points, transform.fft.get(), nullptr);
     each_vector<T>(n, [&]<int P>(std::integral_constant<int, P>, std::ptrdiff_t i) KELS_INLINE {
         using V = PointVec<T, P>;
         const V z = point_product(load<V>(work + 2 * i), load<V>(chirp + 2 * i)) * splat<V>(factor);

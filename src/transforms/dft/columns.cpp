@@ -39,9 +39,7 @@ void pass(const ColumnPass<T>& p, Rows<const T> in, Rows<T> out, std::ptrdiff_t 
 
 template <class T>
 void choose_kernels(ColumnPass<T>& p, int radix) {
-    unrolled<radix_count>([&](auto i) {
-        constexpr int R = radices[i].radix;
-        if (R != radix) return;
+    with_radix(radix, [&]<int R>(std::integral_constant<int, R>) {
         unrolled<point_counts>([&](auto log) {
             constexpr int P = 1 << log;
             if constexpr (P <= max_points<T>) p.kernels[log] = p.m == 1 ? pass<P, R, true, T> : pass<P, R, false, T>;

@@ -16,7 +16,7 @@ KelStatus run_complex(const DftPlan<T>& plan, Source source, Sink sink, Kel8u* b
 template <DftPlanId id, bool inverse, class Sample, class Plan>
 KelStatus interleaved_transform(const Sample* src, Sample* dst, const Plan* plan, Kel8u* buffer) {
     using T = decltype(Sample::re);
-    using Fft = ConvolutionFft<T>;
+    using Fft = Spectral<Sample>;
     if (const KelStatus status = check_record(plan, id); status != kelStatusOk) return status;
     if (!src || !dst) return kelStatusNullPtr;
     if (plan->usesFft) return (inverse ? Fft::inverse : Fft::forward)(src, dst, plan->pFftPlan.get(), buffer);

@@ -134,12 +134,6 @@ struct TwoRuns {
     const T* upper(std::ptrdiff_t pairs) const { return falling + room - Width * (pairs + 1); }
 };
 
-template <class T, class Sink>
-void copy_points(const T* points, std::ptrdiff_t count, Sink sink, std::ptrdiff_t first) {
-    each_vector<T>(count, [&]<int P>(std::integral_constant<int, P>, std::ptrdiff_t i)
-                              KELS_INLINE { sink.write(first + i, load<PointVec<T, P>>(points + 2 * i)); });
-}
-
 /// The transform of a source to a sink, which may be the same memory.
 template <class T, class Source, class Sink>
 void run_direct(const DirectTransform<T>& t, Source source, Sink sink, bool inverse, T factor) {

@@ -121,4 +121,11 @@ inline constexpr bool interleaved<InterleavedSource<T>> = true;
 template <class T>
 inline constexpr bool interleaved<InterleavedSink<T>> = true;
 
+/// Points to neighbouring indices of a sink.
+template <class T, class Sink>
+void copy_points(const T* points, std::ptrdiff_t count, Sink sink, std::ptrdiff_t first) {
+    each_vector<T>(count, [&]<int P>(std::integral_constant<int, P>, std::ptrdiff_t i)
+                              KELS_INLINE { sink.write(first + i, load<PointVec<T, P>>(points + 2 * i)); });
+}
+
 } // namespace kels

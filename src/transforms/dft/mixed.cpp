@@ -49,11 +49,10 @@ void turn_and_transpose(const MixedTransform<T>& t, Rows<const T> rows, std::ptr
                         int points, bool inverse, T factor, T* middle) {
     while (points > t.A) points /= 2;
     with_points<T>(points, [&]<int P>(std::integral_constant<int, P>) {
-        const auto run =
-            inverse       ? t.is_long() ? turn_and_transpose<true, true, P, T> : turn_and_transpose<true, false, P, T>
-                  : t.is_long() ? turn_and_transpose<false, true, P, T>
-                          : turn_and_transpose<false, false, P, T>;
-        run(t, rows, n2, columns, factor, middle);
+        constexpr decltype(&turn_and_transpose<false, false, P, T>) kernels[2][2] = {
+            {turn_and_transpose<false, false, P, T>, turn_and_transpose<false, true, P, T>},
+            {turn_and_transpose<true, false, P, T>, turn_and_transpose<true, true, P, T>}};
+        kernels[inverse][t.is_long()](t, rows, n2, columns, factor, middle);
     });
 }
 

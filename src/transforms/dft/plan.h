@@ -3,6 +3,7 @@
 
 #include "kels/dft.h"
 #include "transforms/dft/any_length.h"
+#include "transforms/fft/plan.h"
 
 #include <cstdint>
 
@@ -29,7 +30,7 @@ enum class RealWay { straight, direct, halves, whole };
 
 template <class T>
 struct DftPlan {
-    using FftPlanOf = typename ConvolutionFft<T>::Plan;
+    using FftPlanOf = typename Spectral<T>::Plan;
 
     Kel32s planId = 0;
     Kel32s len = 0;

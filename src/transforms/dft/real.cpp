@@ -6,7 +6,7 @@ namespace kels {
 namespace {
 
 template <class T>
-using RealTransform = KelStatus (*)(const T*, T*, const typename ConvolutionFft<T>::Plan*, Kel8u*);
+using RealTransform = KelStatus (*)(const T*, T*, const typename Spectral<T>::Plan*, Kel8u*);
 
 template <DftPlanId id, class T, class Plan, class Run>
 KelStatus transform(const T* src, T* dst, const Plan* plan, Kel8u* buffer, RealTransform<T> fft, Run&& run) {

@@ -85,14 +85,6 @@ int points_of(std::ptrdiff_t A, std::ptrdiff_t B) {
     return points;
 }
 
-/// Calls f with a radix as a constant.
-template <class F>
-void with_radix(std::ptrdiff_t n, F f) {
-    unrolled<radix_count>([&](auto i) {
-        if (radices[i].radix == n) f(std::integral_constant<int, radices[i].radix>{});
-    });
-}
-
 /// Transforms of one step, by direction and length.
 template <class T, class Source, class Sink>
 constexpr auto one_steps = []<int... i>(std::integer_sequence<int, i...>) {
@@ -203,9 +195,7 @@ void run_short(const ShortTransform<T>& t, Source source, Sink sink, bool invers
     if constexpr (interleaved<Sink>) dst = sink.data;
     t.first[inverse](t, src, factor, middle);
     t.second(t, middle, dst);
-    if constexpr (!interleaved<Sink>)
-        each_vector<T>(t.length, [&]<int P>(std::integral_constant<int, P>, std::ptrdiff_t i)
-                                     KELS_INLINE { sink.write(i, load<PointVec<T, P>>(points + 2 * i)); });
+    if constexpr (!interleaved<Sink>) copy_points(points, t.length, sink, 0);
 }
 
 #define KELS_SHORT(T)                                                                                                  \
