@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <cstddef>
+#include <cstdint>
 #include <numbers>
 #include <vector>
 
@@ -102,7 +103,7 @@ Known cosine_transform(const std::vector<T>& x, bool inverse) {
     return Known::some_of(n, [&](std::size_t at) {
         long double sum = 0;
         for (std::size_t j = 0; j < n; ++j) {
-            const std::size_t k = inverse ? j : at, sample = inverse ? at : j;
+            const std::uint64_t k = inverse ? j : at, sample = inverse ? at : j; // their product may pass 32 bits
             sum += (k == 0 ? dc : ac) * x[j] * roots[(2 * sample + 1) * k % (4 * n)].real();
         }
         return sum;
