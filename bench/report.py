@@ -109,6 +109,8 @@ def chosen(families, names):
         family, operation, size = name.split(": ")
         line = [f"{operation}, {size}"]
         for level in levels:
+            if (operation, size) not in families[family]:
+                sys.exit(f"report.py: there is no row '{name}'")
             contenders = families[family][operation, size].get(level, {})
             peer = best_peer(contenders)
             line += [time_text(contenders[OURS][0]) if contenders else ""]
