@@ -88,6 +88,32 @@ public:
         }
     }
 
+    /// Writes all n roots, n a power of two from 8 on: those of an eighth of the circle, and turned and mirrored, with
+    /// the bits that they have by themselves, the others.
+    template <class T>
+    void write_all(T* out) const {
+        using V = Vec<T, max_lanes<T>>;
+        constexpr int pairs = lanes<V> / 2;
+        const auto n = static_cast<std::ptrdiff_t>(n_), eighth = n / 8;
+        if (eighth < pairs) return write(out, static_cast<std::size_t>(n), 0, 1);
+        for (std::ptrdiff_t k = 0; k <= eighth; k += root_lanes)
+            write(out + 2 * k, root_lanes, static_cast<std::size_t>(k), 1);
+        for (std::ptrdiff_t k = 0; k < eighth; k += pairs) {
+            const V z = load<V>(out + 2 * k), next = load<V>(out + 2 * (k + 1));
+            const V right = negated_every_other<1>(swapped(z)), next_right = negated_every_other<1>(swapped(next));
+            const auto write_from = [&](std::ptrdiff_t quarter, V w) KELS_INLINE { store(out + 2 * (quarter + k), w); };
+            const auto write_below = [&](std::ptrdiff_t quarter, V w)
+                                         KELS_INLINE { store(out + 2 * (quarter - k - pairs), mirrored(w)); };
+            write_below(n / 4, -next_right);
+            write_from(n / 4, right);
+            write_below(n / 2, -next);
+            write_from(n / 2, -z);
+            write_below(3 * n / 4, next_right);
+            write_from(3 * n / 4, -right);
+            write_below(n, next);
+        }
+    }
+
     /// exp(-2 pi i k / n).
     template <class T>
     void write(T* out, std::size_t k) const {

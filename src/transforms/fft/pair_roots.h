@@ -58,32 +58,43 @@ struct PairTable {
     constexpr int point(int i) const { return i % first_radix * second_radix + i / first_radix; }
     constexpr int turn(int b) const { return b % second_radix * first_radix + b / second_radix; }
 
+    /// Both tables are read off the whole circle, which takes 32 KiB of stack at most.
     template <int Pairs, class T>
     void make(Target<T> forward, Target<T> inverse) const {
-        const Circle circle(static_cast<std::size_t>(points()) * static_cast<std::size_t>(columns));
-        constexpr int together = std::min(Pairs, root_lanes);
+        const int n = points() * columns;
+        alignas(64) T circle[32768 / sizeof(T)];
+        Circle(static_cast<std::size_t>(n)).write_all(circle);
         std::ptrdiff_t at = 0;
         for (int column = 0; column < columns; column += Pairs)
-            for (int i = 1; i < points(); ++i, at += values_of_root())
-                for (int k = 0; k < Pairs; k += together) {
-                    const auto step = static_cast<std::size_t>(point(i)), first = static_cast<std::size_t>(column + k);
-                    const auto w = circle.roots<T>(Circle::progression(step * first, step));
-                    for (const Target<T>& target : {forward, inverse})
-                        if (target.table) write<together>(target, at + 2 * k, w.re, w.im);
-                }
+            for (int i = 1; i < points(); ++i, at += values_of_root()) {
+                const auto w = gathered<Pairs>(circle, point(i) * column, point(i));
+                for (const Target<T>& target : {forward, inverse})
+                    if (target.table) write(target, at, w);
+            }
     }
 
 private:
-    template <int together, class T, class V>
-    [[gnu::always_inline]] void write(const Target<T>& target, std::ptrdiff_t at, V all_re, V all_im) const {
-        using W = Vec<T, together>;
-        const W re = slice<together, 0>(all_re) * splat<W>(target.factor);
-        const W im = slice<together, 0>(all_im) * splat<W>(target.conjugated ? -target.factor : target.factor);
+    /// The roots with exponents first, first + step ...
+    template <int Pairs, class T>
+    [[gnu::always_inline]] static Vec<T, 2 * Pairs> gathered(const T* circle, int first, int step) {
+        Vec<T, 2 * Pairs> w;
+        unrolled<Pairs>([&](auto k) KELS_INLINE {
+            const T* root = circle + 2 * (first + k * step);
+            w[2 * k] = root[0];
+            w[2 * k + 1] = root[1];
+        });
+        return w;
+    }
+
+    template <class T, class V>
+    [[gnu::always_inline]] void write(const Target<T>& target, std::ptrdiff_t at, V w) const {
+        w = w * alternate<V>(target.factor, target.conjugated ? -target.factor : target.factor);
         if (form == RootForm::once) {
-            store(target.table + at, zip(re, im));
+            store(target.table + at, w);
         } else {
-            store(target.table + at, zip(re, re));
-            store(target.table + at + lanes, zip(-im, im));
+            store(target.table + at, shuffle<[](int i) { return i & ~1; }>(w, w));
+            const V im = shuffle<[](int i) { return i | 1; }>(w, w);
+            store(target.table + at + lanes, negated_every_other<0>(im));
         }
     }
 };
