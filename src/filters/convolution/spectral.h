@@ -7,7 +7,7 @@
 //              transformed once, and the products of spectra are added up by the distance of the pieces (C. M. Rader:
 //              An improved algorithm for high speed autocorrelation with applications to spectral estimation, 1970)
 //
-// The plan is made in the call, and takes as long as some thirty transforms of its length: many short ones win.
+// The plan is made in the call, and takes as long as some five transforms of its length.
 #pragma once
 
 #include "filters/convolution/lags.h"
@@ -46,7 +46,7 @@ struct Costs {
         const int complex_order = complex ? order : order - 1;
         const bool in_cache = complex_order <= (wide ? 11 : 12);
         points = double(std::int64_t{1} << order);
-        plan = in_cache ? (wide || complex ? 10.0 : 7.0) * points : 15000 + 0.2 * bytes * points;
+        plan = in_cache ? 300 + (wide ? 3.0 : 2.0) * points : 15000 + 0.2 * bytes * points;
         product = 0.1 * bytes * points;
         transform = ((in_cache ? 0.021 : 0.036) * order + 0.1) * bytes * points;
     }
