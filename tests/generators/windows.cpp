@@ -261,7 +261,7 @@ TEST(Windows, LongOnes) {
 TEST(Windows, LongOnesOfIntegers) {
     constexpr int len = 3 * 65536 + 1;
     std::vector<Kel16s> x(len), got(len), want(len);
-    for (int n = 0; n < len; ++n) x[n] = static_cast<Kel16s>(n * 25173);
+    for (int n = 0; n < len; ++n) x[n] = static_cast<Kel16s>(n * 25173U);
     const auto expect = [&](auto function, const auto& reference, auto... alpha) {
         ASSERT_EQ(function(x.data(), got.data(), len, alpha...), kelStatusOk);
         reference(x.data(), want.data(), len, alpha...);
