@@ -63,10 +63,11 @@ template <class V>
 
 inline constexpr int fraction_bits = 52;
 
-/// x 2^n, for normal results.
+/// x 2^n, for normal results. Lanes that are none wrap: others take their place.
 template <class V>
 [[gnu::always_inline]] inline V scaled_by_power(V x, Bits<V> n) {
-    return bits_as<V>(bits_as<Bits<V>>(x) + (n << splat<Bits<V>>(fraction_bits)));
+    using Words = Vec<std::uint64_t, lanes<V>>;
+    return bits_as<V>(bits_as<Words>(x) + (bits_as<Words>(n) << splat<Words>(fraction_bits)));
 }
 
 /// The sign of `from` flipped into x, or put on an x without one.
