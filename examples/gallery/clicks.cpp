@@ -52,15 +52,15 @@ std::string examples::show(const Run& run) {
     const auto cut = [](const Samples& samples) { return Samples(&samples[first], &samples[first] + shown); };
     Picture picture(900, 640);
     picture.data("shown", axis(shown, 1e3 / speech_rate), cut(clean), cut(heard), cut(median), cut(average))
-        << "set multiplot layout 3,1 margins 0.1,0.97,0.1,0.91 spacing 0.11\nunset key\nset yrange [-0.4:0.8]\n"
-        << "set ytics 0.4\nset ylabel 'Amplitude'\nset format x ''\n";
-    const std::string titles[] = {text("with clicks, over the clean speech: %.1f dB", before),
-                                  text("median of 5: %.1f dB", after),
-                                  text("average of %d, the best one: %.1f dB", best, linear)};
+        << "set multiplot layout 3,1 margins 0.1,0.97,0.1,0.91 spacing 0.11\nset key horizontal\n"
+        << "set yrange [-0.4:0.8]\nset ytics 0.4\nset ylabel 'Amplitude'\nset format x ''\n";
+    const std::string lines[] = {"with clicks", "median of 5", text("average of %d, the best one", best)};
+    const double ratios[] = {before, after, linear};
     for (int i = 0; i < 3; ++i) {
         if (i == 2) picture << "set format x\nset xlabel 'Time in ms'\n";
-        picture.title(titles[i]) << "plot $shown using 1:2 with lines linetype 4 linewidth 5, $shown using 1:" << i + 3
-                                 << " with lines linetype " << (i == 1 ? 1 : 2) << " linewidth 1.5\n";
+        picture.title(text("Signal-to-noise ratio %.1f dB", ratios[i]))
+            << "plot $shown using 1:2 with lines linetype 4 linewidth 5 title 'clean speech', $shown using 1:" << i + 3
+            << " with lines linetype " << (i == 1 ? 1 : 2) << " linewidth 1.5 title '" << lines[i] << "'\n";
     }
     picture.draw(run.png);
     return text("a median of 5 lifts speech with 200 clicks from %.1f to %.1f dB, the best average to %.1f dB.", before,

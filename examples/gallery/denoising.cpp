@@ -66,7 +66,7 @@ std::string examples::show(const Run& run) {
           text("From %.1f dB the thresholds come to %.1f dB only, or the bands are not sound.", before, after));
     Picture picture(1100, 400);
     const Samples* const shown[] = {&clean, &heard, &result};
-    const std::string titles[] = {"speech", text("in noise: %.1f dB", before), text("thresholds: %.1f dB", after)};
+    const std::string titles[] = {"Speech", text("In noise: SNR %.1f dB", before), text("Cleaned: SNR %.1f dB", after)};
     picture << heat << "set multiplot layout 1,3 margins 0.06,0.9,0.17,0.87 spacing 0.02\nunset key\nunset grid\n"
             << "unset colorbox\nset cbrange [-100:-20]\nset xrange [0:1.3]\nset yrange [0:8]\nset xlabel 'Time in s'\n";
     for (int i = 0; i < 3; ++i) {

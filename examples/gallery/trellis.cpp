@@ -71,7 +71,7 @@ std::string examples::show(const Run& run) {
     claim(gain > (run.small ? 2.4 : 3.2), text("The code gains %.2f dB only.", gain));
     Picture picture(900, 480);
     picture.data("shares", ratios, without, with).title("Eight bits in two points: a trellis code of 16 states")
-        << "set logscale y\nset format y '10^{%T}'\nset yrange [1e-5:1]\nset xrange [10:20]\n"
+        << "set logscale y\nset format y '10^{%T}'\nset yrange [4e-6:1]\nset xrange [10:20]\n"
         << "set xlabel 'Signal-to-noise ratio in dB'\nset ylabel 'Share of wrong pairs'\n"
         << "plot $shares using 1:2 with linespoints linetype 2 title 'without a code', "
         << "$shares using 1:3 with linespoints linetype 1 title 'trellis code'\n";

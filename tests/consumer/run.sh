@@ -5,6 +5,7 @@
 #   run.sh cmake <scratch directory>                   builds and runs the consumers by find_package
 #   run.sh pkg_config <scratch directory>              the same from the command line
 #   run.sh python <scratch directory>                  builds a wheel on what was installed, and runs with it alone
+#   run.sh module <scratch directory>                  runs with the Python module that was unpacked
 #   run.sh subdirectory <scratch directory>            what a build that adds the source tree to itself gets
 set -euo pipefail
 
@@ -79,8 +80,28 @@ python() {
     CMAKE_ARGS="-DCMAKE_PREFIX_PATH=$prefix" CC=$CC CXX=$CXX "$PYTHON" -m pip wheel --quiet --no-index --no-deps \
         --no-build-isolation --wheel-dir "$scratch/wheels" "$source"
     "$PYTHON" -m pip install --quiet --root-user-action=ignore --no-index --no-deps --target "$site" "$scratch"/wheels/kels-*.whl
+    (cd "$scratch" && PYTHONPATH=$site prints_the_mean "$PYTHON")
+}
+
+# Debian's module has no library of its own and names no place: it takes the system's, which lies in the scratch root.
+module() {
+    local packages=$prefix/lib/python3/dist-packages level object
+    ! find "$packages" -name 'libkels*' | grep . || fail "the module has a library of its own"
+    ! readelf -d "$packages"/kels/_core.*.so | grep -E 'R(UN)?PATH' || fail "the module names a place of the library"
+    export PYTHONPATH=$packages LD_LIBRARY_PATH
+    LD_LIBRARY_PATH=$(libdir)
+    for level in $(levels); do
+        prints_the_mean "$loader" --glibc-hwcaps-mask "$level" "$PYTHON"
+        object=$("$loader" --glibc-hwcaps-mask "$level" "$PYTHON" -B -c "import kels.raw, re
+print(*set(re.findall(r'/\S*libkels\S*', open('/proc/self/maps').read())))")
+        [ "$object" = "$(object_of "$level")" ] || fail "Python loads $object at level $level"
+    done
+}
+
+# prints_the_mean <Python...>: runs the first program.
+prints_the_mean() {
     local printed
-    printed=$(cd "$scratch" && PYTHONPATH=$site "$PYTHON" -B "$here/../../examples/first.py")
+    printed=$("$@" -B "$here/../../examples/first.py")
     [ "$printed" = "0.0 0.0 0.25 0.5 0.75 1.0 1.0 1.0 No error, it's ok" ] || fail "Python printed: $printed"
 }
 
