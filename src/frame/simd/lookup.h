@@ -66,4 +66,19 @@ template <class V>
     }
 }
 
+/// table[index modulo the lanes], lane by lane: a table of singles that one register holds.
+template <class V>
+[[gnu::always_inline]] inline V pick(V table, Vec<std::int32_t, lanes<V>> index) {
+#if defined(__AVX512F__)
+    if constexpr (std::is_same_v<V, Vec<float, 16>>)
+        return (V)_mm512_maskz_permutexvar_ps(0xFFFF, (__m512i)index, table);
+#endif
+#if defined(__AVX2__)
+    if constexpr (std::is_same_v<V, Vec<float, 8>>) return (V)_mm256_permutevar8x32_ps(table, (__m256i)index);
+#endif
+    V picked;
+    for (int i = 0; i < lanes<V>; ++i) picked[i] = table[index[i] % lanes<V>];
+    return picked;
+}
+
 } // namespace kels
