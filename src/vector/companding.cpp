@@ -59,17 +59,17 @@ struct ALaw {
     /// Of a negative sample, 8 less than its absolute value: from -7 on.
     template <class V>
     [[gnu::always_inline]] static V magnitude(V x) {
-        return x < 0 ? static_cast<V>(~x - 7) : x;
+        const V sign = x >> splat<V>(15);
+        return static_cast<V>((x ^ sign) - (sign & 7));
     }
 
-    /// The lowest exponent has no leading bit; with one of its own it takes the form of the next. The fraction of a
-    /// negative magnitude has all bits set.
+    /// The lowest exponent has no leading bit: what is less than 256 there, is less in the form of the others. The
+    /// fraction of a negative magnitude has all bits set.
     template <class V>
     [[gnu::always_inline]] static V compress(V x) {
-        constexpr int leading = 256, largest_fraction = 240;
-        const V linear = static_cast<V>((x < 0 ? splat<V>(largest_fraction) : x) + leading);
-        const V first = x < leading ? splat<V>(code_of_bits(9)) : splat<V>(code_of_bits(8));
-        return static_cast<V>(floating_code(x < leading ? linear : x) - first);
+        const V lowest = static_cast<V>((x >> splat<V>(fraction_bits)) & fraction_mask);
+        const V other = static_cast<V>(floating_code(x) - code_of_bits(8));
+        return lowest > other ? lowest : other;
     }
 
     /// The code in mu-law.
@@ -205,7 +205,7 @@ KelStatus decode(const Kel8u* src, Kel32f* dst, int len) {
 template <class Law, class V>
 [[gnu::always_inline]] inline auto encoded(V x) {
     const V code = static_cast<V>(Law::compress(Law::magnitude(x)) ^ Law::inversion);
-    return convert<Kel8u>(x < 0 ? code : static_cast<V>(code | sign_bit));
+    return convert<Kel8u>(static_cast<V>(code | ((~x >> splat<V>(8)) & sign_bit)));
 }
 
 template <class Law>
