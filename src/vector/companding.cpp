@@ -41,29 +41,35 @@ constexpr Kel16s code_of_bits(int n) { return static_cast<Kel16s>((126 + n) << f
 struct ALaw {
     static constexpr int inversion = 0x55;
 
+    /// A code is a product: of a byte with the fraction, 256 more in all segments but the first, and of a power of two;
+    /// to which something is added.
+    [[maybe_unused]] static constexpr int fraction_shift = 4, below_fraction = 8, added = 0;
+    [[maybe_unused]] static constexpr bool has_leading = true;
+    static constexpr int power(int exponent) { return exponent > 0 ? 1 << (exponent - 1) : 1; }
+
     template <class V>
     [[gnu::always_inline]] static V expand(V code) {
         const V fraction = static_cast<V>(static_cast<V>(code & fraction_mask) << splat<V>(fraction_bits));
         const V exponent = static_cast<V>(code >> splat<V>(fraction_bits));
         const V leading = code > fraction_mask ? splat<V>(264) : splat<V>(8);
         const V shift = code > fraction_mask ? static_cast<V>(exponent - 1) : exponent;
-        return shift_each(static_cast<V>(fraction + leading), shift);
+        return static_cast<V>(static_cast<V>(fraction + leading) << shift);
     }
 
     /// Of a negative sample, 8 less than its absolute value: from -7 on.
     template <class V>
     [[gnu::always_inline]] static V magnitude(V x) {
-        return x < 0 ? static_cast<V>(~x - 7) : x;
+        const V sign = x >> splat<V>(15);
+        return static_cast<V>((x ^ sign) - (sign & 7));
     }
 
-    /// The lowest exponent has no leading bit; with one of its own it takes the form of the next. The fraction of a
-    /// negative magnitude has all bits set.
+    /// The lowest exponent has no leading bit: what is less than 256 there, is less in the form of the others. The
+    /// fraction of a negative magnitude has all bits set.
     template <class V>
     [[gnu::always_inline]] static V compress(V x) {
-        constexpr int leading = 256, largest_fraction = 240;
-        const V linear = static_cast<V>((x < 0 ? splat<V>(largest_fraction) : x) + leading);
-        const V first = x < leading ? splat<V>(code_of_bits(9)) : splat<V>(code_of_bits(8));
-        return static_cast<V>(floating_code(x < leading ? linear : x) - first);
+        const V lowest = static_cast<V>((x >> splat<V>(fraction_bits)) & fraction_mask);
+        const V other = static_cast<V>(floating_code(x) - code_of_bits(8));
+        return lowest > other ? lowest : other;
     }
 
     /// The code in mu-law.
@@ -78,11 +84,15 @@ struct MuLaw {
     static constexpr int inversion = 0x7F;
     static constexpr Kel16s bias = 132, highest = 32767 - bias;
 
+    [[maybe_unused]] static constexpr int fraction_shift = 3, below_fraction = bias, added = -bias;
+    [[maybe_unused]] static constexpr bool has_leading = false;
+    static constexpr int power(int exponent) { return 1 << exponent; }
+
     template <class V>
     [[gnu::always_inline]] static V expand(V code) {
         const V fraction = static_cast<V>(static_cast<V>(code & fraction_mask) << splat<V>(3));
         const V exponent = static_cast<V>(code >> splat<V>(fraction_bits));
-        return static_cast<V>(shift_each(static_cast<V>(fraction + bias), exponent) - bias);
+        return static_cast<V>(static_cast<V>(static_cast<V>(fraction + bias) << exponent) - bias);
     }
 
     /// Limited to what has a code.
@@ -119,12 +129,57 @@ KelStatus recode(const Kel8u* src, Kel8u* dst, int len) {
     });
 }
 
+/// By the upper four bits of a code: the byte above that of the fraction, the power, and what is added.
+template <class Law>
+struct Segments {
+    alignas(16) Kel8u leading[16], power_low[16], power_high[16], added_low[16], added_high[16];
+
+    constexpr Segments() : leading(), power_low(), power_high(), added_low(), added_high() {
+        for (int i = 0; i < 16; ++i) {
+            const int exponent = i % 8, sign = i < 8 ? -1 : 1;
+            const int power = sign * Law::power(exponent), added = sign * Law::added;
+            leading[i] = exponent > 0;
+            power_low[i] = static_cast<Kel8u>(power & 0xFF);
+            power_high[i] = static_cast<Kel8u>(power >> 8 & 0xFF);
+            added_low[i] = static_cast<Kel8u>(added & 0xFF);
+            added_high[i] = static_cast<Kel8u>(added >> 8 & 0xFF);
+        }
+    }
+};
+
+/// By products, where bytes are looked up.
 template <class Law, class V>
-[[gnu::always_inline]] inline auto decoded(V codes) {
+[[gnu::always_inline]] inline auto decoded_by_segments(V codes) {
+    static constexpr Segments<Law> segments;
+    constexpr Kel8u fractions = fraction_mask << Law::fraction_shift;
+    const V code = dealt(static_cast<V>(codes ^ Law::inversion)), segment = code >> splat<V>(fraction_bits);
+    const V fraction = static_cast<V>(static_cast<V>(code << splat<V>(Law::fraction_shift)) & fractions);
+    const V leading = Law::has_leading ? lookup_byte(segments.leading, segment) : V{};
+    const auto size = widened(static_cast<V>(fraction | Law::below_fraction), leading);
+    const auto looked_up = [=](const Kel8u* low, const Kel8u* high)
+                               KELS_INLINE { return widened(lookup_byte(low, segment), lookup_byte(high, segment)); };
+    const auto product = size * looked_up(segments.power_low, segments.power_high);
+    if constexpr (Law::added == 0)
+        return product;
+    else
+        return product + looked_up(segments.added_low, segments.added_high);
+}
+
+template <class Law, class V>
+[[gnu::always_inline]] inline auto decoded_by_shifts(V codes) {
     const auto code = convert<Kel16s>(codes);
     using S = std::remove_const_t<decltype(code)>;
     const S size = Law::expand(static_cast<S>((code ^ Law::inversion) & code_bits));
     return code < sign_bit ? static_cast<S>(-size) : size;
+}
+
+template <class Law, class V>
+[[gnu::always_inline]] inline auto decoded(V codes) {
+    // Wider registers have shifts of 16-bit lanes, which take a product without a leading bit less time.
+    if constexpr (looks_up_bytes<V> && (Law::has_leading || sizeof(V) <= 32))
+        return decoded_by_segments<Law>(codes);
+    else
+        return decoded_by_shifts<Law>(codes);
 }
 
 template <class Law>
@@ -150,7 +205,7 @@ KelStatus decode(const Kel8u* src, Kel32f* dst, int len) {
 template <class Law, class V>
 [[gnu::always_inline]] inline auto encoded(V x) {
     const V code = static_cast<V>(Law::compress(Law::magnitude(x)) ^ Law::inversion);
-    return convert<Kel8u>(x < 0 ? code : static_cast<V>(code | sign_bit));
+    return convert<Kel8u>(static_cast<V>(code | ((~x >> splat<V>(8)) & sign_bit)));
 }
 
 template <class Law>

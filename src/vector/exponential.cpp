@@ -1,6 +1,8 @@
 // Exponentials.
 //
-//   singles:   2^f for the fraction f of x / ln 2, in double arithmetic, rounded once;
+//   singles:   a power from a table and a short series, in pairs of singles, where that is enough for the nearest
+//   single;
+//              otherwise 2^f for the fraction f of x / ln 2, in double arithmetic, rounded once;
 //   doubles:   the same with the terms that rounding would lose;
 //   integers:  few elements give anything between 0 and the largest integer: 12, 23 or 45 consecutive ones, whatever
 //   the
@@ -37,8 +39,9 @@ template <class V>
     return bits_as<V>((size >= quiet) ? (sign | splat<W>(quiet)) : beyond);
 }
 
+/// By way of doubles.
 template <class V>
-[[gnu::always_inline]] inline V exponentials_for_singles(V x) {
+[[gnu::always_inline]] inline V wide_exponentials(V x) {
     using W = Vec<std::int32_t, lanes<V>>;
     const V inside =
         in_doubles([](auto wide) KELS_INLINE { return convert<Kel32f>(exponential<Grade::for_single>(wide)); }, x);
@@ -46,6 +49,15 @@ template <class V>
     if (any_lane((bits_as<W>(x) & splat<W>(INT32_MAX)) >= top)) [[unlikely]]
         return beyond_single(x, inside);
     return inside;
+}
+
+template <class V>
+[[gnu::always_inline]] inline V exponentials_for_singles(V x) {
+    const auto wide = [](V all) KELS_INLINE { return wide_exponentials(all); };
+    if constexpr (has_quick_functions<V>)
+        return known(quick_exponential(x), wide, x);
+    else
+        return wide(x);
 }
 
 constexpr double bottom = -708.3935546875;

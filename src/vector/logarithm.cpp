@@ -1,6 +1,8 @@
 // Logarithms, and sums of logarithms.
 //
-//   singles:   in double arithmetic, rounded once;
+//   singles:   in pairs of singles, where that is enough for the nearest single and registers are wide enough;
+//   otherwise
+//              in double arithmetic, rounded once;
 //   doubles:   with the terms that rounding would lose;
 //   integers:  by the thresholds of the few results there are, or by a logarithm that is too fine to miss a half: those
 //   of
@@ -87,9 +89,9 @@ template <Grade G, class V>
     return with_parts(x, [](V m, V k) KELS_INLINE { return logarithm_of_parts<G>(m, k); });
 }
 
-/// Taken apart as singles, of which a register holds twice as many.
+/// By way of doubles: taken apart as singles, of which a register holds twice as many.
 template <class V>
-[[gnu::always_inline]] inline V logarithms_for_singles(V x) {
+[[gnu::always_inline]] inline V wide_logarithms(V x) {
     using W = Vec<std::int32_t, lanes<V>>;
     using U = Vec<std::uint32_t, lanes<V>>;
     const W word = bits_as<W>(x), above = bits_as<W>(bits_as<U>(x) - splat<U>(root_half_of_single));
@@ -100,6 +102,15 @@ template <class V>
     return in_doubles([](auto wide, auto k)
                           KELS_INLINE { return convert<Kel32f>(logarithm_of_parts<Grade::for_single>(wide, k)); },
                       m, above >> splat<W>(23));
+}
+
+template <class V>
+[[gnu::always_inline]] inline V logarithms_for_singles(V x) {
+    const auto wide = [](V all) KELS_INLINE { return wide_logarithms(all); };
+    if constexpr (has_quick_logarithm<V>)
+        return known(quick_logarithm(x), wide, x);
+    else
+        return wide(x);
 }
 
 KelStatus logarithms(const Kel32f* src, Kel32f* dst, int len) {

@@ -35,16 +35,26 @@ template <class V>
     return (bits & splat<W>(quiet)) == quiet ? bits_as<V>(sign | splat<W>(quiet)) : angle;
 }
 
+template <class V>
+[[gnu::always_inline]] inline V arctangents(V x) {
+    using T = Element<V>;
+    const auto wide = [](V all) KELS_INLINE {
+        const V angle =
+            in_doubles([](auto part) KELS_INLINE { return convert<T>(arctangent<grade_of<T>>(part) + 0.0); }, all);
+        return with_quiet_nans(angle, all);
+    };
+    if constexpr (has_quick_functions<V>)
+        return known(quick_arctangent(x), wide, x);
+    else
+        return wide(x);
+}
+
 template <class T>
 KelStatus arctangents(const T* src, T* dst, int len) {
     return vector_call({src, dst}, len, [=] {
         const DefaultModes modes(true);
-        const auto angles = [](auto x) KELS_INLINE {
-            const auto angle =
-                in_doubles([](auto wide) KELS_INLINE { return convert<T>(arctangent<grade_of<T>>(wide) + 0.0); }, x);
-            return with_quiet_nans(angle, x);
-        };
-        map_blocks(dst, len, angles, src);
+        map_blocks(
+            dst, len, [](auto x) KELS_INLINE { return arctangents(x); }, src);
     });
 }
 

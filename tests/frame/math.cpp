@@ -5,6 +5,8 @@
 #include "frame/math/circular.h"
 #include "frame/math/exponential.h"
 #include "frame/math/logarithm.h"
+#include "kels/exponential.h"
+#include "kels/polar.h"
 #include "support/emulation.h"
 #include "support/random_data.h"
 
@@ -12,6 +14,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -194,6 +197,38 @@ TEST(ElementaryFunctions, StayWithinTheirErrors) {
         "atan2", points, points, [](auto y, auto x) { return kels::arctangent_in_range<Grade::for_single>(y, x); },
         [](auto y, auto x) { return kels::arctangent_in_range<Grade::for_double>(y, x); },
         [](long double y, long double x) { return std::atan2(y, x); });
+}
+
+/// Singles of bit patterns from first to last, in even steps and where a mantissa's upper bits change, against the
+/// grade of singles on doubles.
+template <class F>
+void expect_same_bits(KelStatus (*function)(const Kel32f*, Kel32f*, int), F wide, std::uint32_t first,
+                      std::uint32_t last) {
+    std::vector<Kel32f> x;
+    const auto add = [&](std::uint64_t bits) { x.push_back(std::bit_cast<Kel32f>(static_cast<std::uint32_t>(bits))); };
+    for (std::uint64_t bits = first; bits <= last; bits += static_cast<unsigned>(effort(509, 10007))) add(bits);
+    constexpr std::uint64_t upper_bits = 1 << 16;
+    for (std::uint64_t bits = first / upper_bits * upper_bits + upper_bits; bits < last; bits += upper_bits)
+        for (int steps = -1; steps <= 1; ++steps) add(bits + static_cast<std::uint64_t>(steps));
+    std::vector<Kel32f> results(x.size());
+    ASSERT_EQ(function(x.data(), results.data(), static_cast<int>(x.size())), kelStatusOk);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const auto want = static_cast<Kel32f>(wide(static_cast<double>(x[i])));
+        ASSERT_EQ(std::bit_cast<std::uint32_t>(results[i]), std::bit_cast<std::uint32_t>(want)) << x[i];
+    }
+}
+
+// Levels that fuse have quicker ways to most singles.
+TEST(ElementaryFunctions, GiveTheSameSinglesAtEveryLevel) {
+    constexpr std::uint32_t negative = 0x80000000, largest = 0x7F7FFFFF, least_normal = 0x00800000, of_87 = 0x42AE0000;
+    const auto power = [](double x) { return kels::exponential<Grade::for_single>(x); };
+    const auto logarithm = [](double x) { return kels::logarithm<Grade::for_single>(x); };
+    const auto angle = [](double x) { return kels::arctangent<Grade::for_single>(x) + 0.0; };
+    expect_same_bits(kelsExp_32f, power, 0, of_87);
+    expect_same_bits(kelsExp_32f, power, negative, negative + of_87);
+    expect_same_bits(kelsLn_32f, logarithm, least_normal, largest);
+    expect_same_bits(kelsArctan_32f, angle, 0, largest);
+    expect_same_bits(kelsArctan_32f, angle, negative, negative + largest);
 }
 
 // What is not a number, and what has none for a result.

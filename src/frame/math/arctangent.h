@@ -4,7 +4,7 @@
 #pragma once
 
 #include "frame/error_free.h"
-#include "frame/math/evaluation.h"
+#include "frame/math/quick.h"
 
 #include <limits>
 #include <numbers>
@@ -82,6 +82,62 @@ template <Grade G, class V>
     const Octant<V> octant = {steep ? splat<V>(2) : left, with_sign_of(from_top, from_left)};
     const V angle = with_sign_of(angle_in<G>(octant, n, d == 0 ? splat<V>(1) : d), y);
     return ((x != x) | (y != y)) ? x + y : angle;
+}
+
+/// Tangents c of so few bits that n - c d is exact, one for each quarter of the binades of d / n or n / d from 2^-4 to
+/// 12; their angles in two singles, from a right angle downwards where the quotient is turned over.
+struct Tangents {
+    static constexpr std::int32_t start = 0x3D600000; // as a single: all that is less has the first tangent
+    static constexpr int bits_below = 21;             // an index
+
+    alignas(64) float tangent[32], angle_high[32], angle_low[32];
+
+    constexpr Tangents() : tangent(), angle_high(), angle_low() {
+        constexpr int in_256ths[] = {0,   18,  22,  26,  30,  36,  44, 52, 60, 72, 88, 104, 120, 144, 176, 208,
+                                     240, 224, 192, 160, 144, 112, 96, 80, 72, 56, 48, 40,  36,  28,  24,  0};
+        for (int i = 0; i < 32; ++i) {
+            const double c = in_256ths[i] / 256.0;
+            // By half the angle's tangent: t = c / (1 + root(1 + c^2)).
+            double root = 1 + c * c / 2;
+            for (int step = 0; step < 6; ++step) root = 0.5 * (root + (1 + c * c) / root);
+            const double t = c / (1 + root);
+            double sum = 0; // 2 atan t
+            for (int k = 51; k > 0; k -= 2) sum = 2.0 / k - sum * (t * t);
+            sum *= t;
+            const bool steep = i > 16;
+            const double high = static_cast<float>(steep ? 0x1.921fb54442d18p+0 - sum : sum);
+            angle_high[i] = static_cast<float>(high);
+            angle_low[i] = static_cast<float>(steep ? (0x1.921fb54442d18p+0 - high) - sum : sum - high);
+            tangent[i] = static_cast<float>(c);
+        }
+    }
+};
+
+/// atan of n / d is atan c and atan of t = (n - c d) / (d + c n).
+template <class V>
+[[gnu::always_inline]] inline Quick<V> quick_arctangent(V x) {
+    using W = SingleBits<V>;
+    static constexpr Tangents table;
+    constexpr float error = 0x1.4p-32F; // with those of the doubles
+    const V size = magnitude(x), one = splat<V>(1);
+    const W place = (bits_as<W>(size) - splat<W>(Tangents::start)) >> splat<W>(Tangents::bits_below);
+    const W from_first = place > 0 ? place : W{}, index = from_first < 31 ? from_first : splat<W>(31);
+    const V c = look_up<V>(table.tangent, index);
+    const V base = look_up<V>(table.angle_high, index), below_base = look_up<V>(table.angle_low, index);
+    const V n = one < size ? one : size, d = one < size ? size : one; // a NaN stays
+    const V exact = fma(-c, d, n), numerator = one <= size ? -exact : exact;
+    const V denominator = fma(c, n, d), below_denominator = fma(c, n, d - denominator);
+    const V reciprocal = 1 / denominator, t = numerator * reciprocal, z = t * t;
+    const V remainder = fma(-t, below_denominator, fma(-t, denominator, numerator));
+    constexpr float beyond_linear[] = {// (atan(t) / t - 1) / t^2: 2^-34.4 of atan t
+                                       -0x1.555556p-2F, 0x1.99989ep-3F, -0x1.22df22p-3F};
+    const V sum = fma(fma(splat<V>(beyond_linear[2]), z, splat<V>(beyond_linear[1])), z, splat<V>(beyond_linear[0]));
+    const V tail = fma(t * z, sum, fma(remainder, reciprocal, below_base));
+    const V high = base + t, low = ((base - high) + t) + tail;
+    Quick<V> result = rounded_quickly(high, fma(high, splat<V>(-error), low), high, 2 * error);
+    // A negative zero becomes a positive one.
+    result.value = bits_as<V>(bits_as<W>(result.value) | (bits_as<W>(x) & splat<W>(INT32_MIN))) + 0.0F;
+    return result;
 }
 
 } // namespace kels

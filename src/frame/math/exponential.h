@@ -2,8 +2,10 @@
 // chapter 10).
 #pragma once
 
-#include "frame/math/evaluation.h"
+#include "frame/math/quick.h"
 
+#include <bit>
+#include <cstdint>
 #include <numbers>
 
 namespace kels {
@@ -44,6 +46,53 @@ template <Grade G, class V>
         return exponential_for_single(x);
     else
         return exponential_for_double<G>(x);
+}
+
+/// The powers 2^(i / Entries) as singles, less i steps in their exponents, and what they lack, relative to them.
+template <int Entries>
+struct PowersOfTwo {
+    alignas(64) float high[Entries], low[Entries];
+
+    constexpr explicit PowersOfTwo(float below) : high(), low() {
+        constexpr double power[] = {
+            0x1.0000000000000p+0, 0x1.0b5586cf9890fp+0, 0x1.172b83c7d517bp+0, 0x1.2387a6e756238p+0,
+            0x1.306fe0a31b715p+0, 0x1.3dea64c123422p+0, 0x1.4bfdad5362a27p+0, 0x1.5ab07dd485429p+0,
+            0x1.6a09e667f3bcdp+0, 0x1.7a11473eb0187p+0, 0x1.8ace5422aa0dbp+0, 0x1.9c49182a3f090p+0,
+            0x1.ae89f995ad3adp+0, 0x1.c199bdd85529cp+0, 0x1.d5818dcfba487p+0, 0x1.ea4afa2a490dap+0};
+        constexpr int binade = 1 << 23;
+        for (int i = 0; i < Entries; ++i) {
+            const double exact = power[i * 16 / Entries];
+            const auto nearest = static_cast<float>(exact);
+            high[i] = std::bit_cast<float>(std::bit_cast<std::int32_t>(nearest) - i * (binade / Entries));
+            low[i] = static_cast<float>((exact - nearest) / nearest) - below;
+        }
+    }
+};
+
+/// e^x = 2^(n / N) e^r for a table of as many powers N as a register has lanes.
+template <class V>
+[[gnu::always_inline]] inline Quick<V> quick_exponential(V x) {
+    using W = SingleBits<V>;
+    constexpr int entries = lanes<V>, bits_below = entries == 16 ? 19 : 20;
+    constexpr float error = entries == 16 ? 0x1.8p-34F : 0x1.2p-32F;                     // with those of the doubles
+    constexpr float step = 0x1.62e43p-1F / entries, of_step = -0x1.05c61p-29F / entries; // ln 2
+    static constexpr PowersOfTwo<entries> table(error);
+    const V shifter = splat<V>(0x1.8p23F), shifted = fma(x, splat<V>(0x1.715476p+0F * entries), shifter);
+    const V n = shifted - shifter, from_step = fma(n, splat<V>(-step), x); // exact
+    const V rest = fma(n, splat<V>(-of_step), pick(load<V>(table.low), bits_as<W>(shifted))), r = from_step + rest;
+    const W exponent = bits_as<W>(shifted) << splat<W>(bits_below);
+    const V power = bits_as<V>(bits_as<W>(pick(load<V>(table.high), bits_as<W>(shifted))) + exponent);
+    V beyond_linear; // (e^r - 1 - r) / r^2: 2^-37.4 of e^r, or 2^-38.0
+    if constexpr (entries == 16)
+        beyond_linear = fma(r, splat<V>(0x1.555212p-5F), splat<V>(0x1.55571ep-3F));
+    else
+        beyond_linear = fma(fma(r, splat<V>(0x1.110f06p-7F), splat<V>(0x1.555cecp-5F)), r, splat<V>(0x1.555556p-3F));
+    beyond_linear = fma(beyond_linear, r, splat<V>(0.5F));
+    const V tail = fma(r * r, beyond_linear, rest);
+    const V high = fma(power, from_step, power), low = fma(power, from_step, power - high);
+    Quick<V> result = rounded_quickly(high, fma(power, tail, low), power, 2 * error);
+    result.doubtful |= magnitude(x) >= 64;
+    return result;
 }
 
 } // namespace kels

@@ -2,7 +2,7 @@
 // (K. C. Ng's method, as in J.-M. Muller, Elementary Functions, chapter 11).
 #pragma once
 
-#include "frame/math/evaluation.h"
+#include "frame/math/quick.h"
 
 #include <cstdint>
 #include <numbers>
@@ -61,6 +61,65 @@ template <Grade G, class V>
     if (any_lane(subnormal)) [[unlikely]]
         return take(subnormal ? x * 0x1p54 : x, subnormal ? splat<V>(54) : V{});
     return take(x, V{});
+}
+
+/// Numbers c of so few bits that m c - 1 is exact, one for each 32nd of the binade of m from `start` on, and less than
+/// 2^-5.5; -ln c in two singles, of which the first has room for a multiple of ln 2.
+struct Reciprocals {
+    static constexpr std::int32_t start = 0x3F282000; // as a single: 0.657
+    static constexpr int bits_below = 18;             // an index
+
+    alignas(64) float number[32], log_high[32], log_low[32];
+
+    constexpr Reciprocals() : number(), log_high(), log_low() {
+        constexpr int in_64ths[] = {96, 94, 92, 90, 88, 86, 84, 82, 82, 80, 78, 76, 76, 74, 72, 72,
+                                    70, 68, 68, 66, 66, 64, 63, 61, 59, 58, 56, 55, 53, 52, 51, 49};
+        constexpr double last_place = 0x1.8p35; // is 2^-17
+        for (int i = 0; i < 32; ++i) {
+            const double c = in_64ths[i] / 64.0, s = (1 - c) / (1 + c);
+            double log = 0; // 2 atanh s
+            for (int k = 27; k > 0; k -= 2) log = log * (s * s) + 2.0 / k;
+            log *= s;
+            number[i] = static_cast<float>(c);
+            const double high = (log + last_place) - last_place;
+            log_high[i] = static_cast<float>(high);
+            log_low[i] = static_cast<float>(log - high);
+        }
+    }
+};
+
+/// Where two registers hold a table of 32: looked up in narrower ones, it takes longer than doubles do.
+template <class V>
+inline constexpr bool has_quick_logarithm = has_quick_functions<V>&& lanes<V> >= 16;
+
+/// ln x = k ln 2 - ln c + ln(1 + r) for x = m 2^k and r = m c - 1.
+template <class V>
+[[gnu::always_inline]] inline Quick<V> quick_logarithm(V x) {
+    using W = SingleBits<V>;
+    using U = Vec<std::uint32_t, lanes<V>>;
+    static constexpr Reciprocals table;
+    constexpr float error = 0x1.8p-35F; // with those of the doubles
+    const W above = bits_as<W>(bits_as<U>(x) - splat<U>(Reciprocals::start));
+    const W exponent = above & splat<W>(static_cast<std::int32_t>(0xFF800000));
+    const V m = bits_as<V>(bits_as<U>(x) - bits_as<U>(exponent)), k = convert<float>(above >> splat<W>(23));
+    const W index = (above >> splat<W>(Reciprocals::bits_below)) & splat<W>(31);
+    const V c = look_up<V>(table.number, index);
+    const V log_high = look_up<V>(table.log_high, index), log_low = look_up<V>(table.log_low, index);
+    const V r = fma(m, c, splat<V>(-1)); // exact
+    const V base = fma(k, splat<V>(0x1.62e4p-1F), log_high), below_base = fma(k, splat<V>(0x1.7f7d1cp-20F), log_low);
+    const V minus_half = r * -0.5F, square = fma(minus_half, r, r); // r - r^2 / 2
+    const V below_square = fma(minus_half, r, r - square);
+    constexpr float beyond_square[] = {// (ln(1 + r) - r + r^2 / 2) / r^3: 2^-38.0 of ln
+                                       0x1.555554p-2F, -0x1.fffffep-3F, 0x1.99cafep-3F, -0x1.558b0cp-3F};
+    const V upper = fma(splat<V>(beyond_square[3]), r, splat<V>(beyond_square[2]));
+    const V sum = fma(fma(upper, r, splat<V>(beyond_square[1])), r, splat<V>(beyond_square[0]));
+    const V tail = fma(r * (r * r), sum, below_base);
+    const V high = base + square, low = ((base - high) + square) + below_square;
+    Quick<V> result = rounded_quickly(high, fma(high, splat<V>(-error), low + tail), high, 2 * error);
+    constexpr std::int32_t least = 0x00800000, infinity = 0x7F800000, lowest = INT32_MIN; // normal numbers are between
+    const W moved = bits_as<W>(bits_as<U>(x) - splat<U>(least) + splat<U>(static_cast<std::uint32_t>(lowest)));
+    result.doubtful |= moved >= lowest + (infinity - least);
+    return result;
 }
 
 } // namespace kels

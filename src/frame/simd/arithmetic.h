@@ -239,21 +239,4 @@ template <class V>
         return half<0>(add_products(both(a, V{}), both(b, V{})));
 }
 
-/// 16-bit lanes shifted left, each by a count of its own from 0 to 7. Without an instruction for it they are multiplied
-/// by powers of two, which a shuffle looks up.
-template <class V>
-[[gnu::always_inline]] inline V shift_each(V a, V counts) {
-    static_assert(std::is_same_v<Element<V>, std::int16_t>);
-#if defined(__AVX2__) && !defined(__AVX512BW__)
-    if constexpr (sizeof(V) > vector_bytes) {
-        return both(shift_each(half<0>(a), half<0>(counts)), shift_each(half<1>(a), half<1>(counts)));
-    } else if constexpr (sizeof(V) == 32) {
-        const __m256i powers = _mm256_set1_epi64x(static_cast<std::int64_t>(0x8040201008040201));
-        const V index = counts | std::numeric_limits<std::int16_t>::min(); // so that the upper bytes become zeros
-        return a * (V)_mm256_shuffle_epi8(powers, (__m256i)index);
-    }
-#endif
-    return static_cast<V>(a << counts);
-}
-
 } // namespace kels

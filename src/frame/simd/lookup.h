@@ -66,4 +66,44 @@ template <class V>
     }
 }
 
+/// table[index modulo the lanes], lane by lane: a table of singles that one register holds.
+template <class V>
+[[gnu::always_inline]] inline V pick(V table, Vec<std::int32_t, lanes<V>> index) {
+#if defined(__AVX512F__)
+    if constexpr (std::is_same_v<V, Vec<float, 16>>)
+        return (V)_mm512_maskz_permutexvar_ps(0xFFFF, (__m512i)index, table);
+#endif
+#if defined(__AVX2__)
+    if constexpr (std::is_same_v<V, Vec<float, 8>>) return (V)_mm256_permutevar8x32_ps(table, (__m256i)index);
+#endif
+    V picked;
+    for (int i = 0; i < lanes<V>; ++i) picked[i] = table[index[i] % lanes<V>];
+    return picked;
+}
+
+/// Whether a table of 16 bytes is looked up by one shuffle.
+template <class V>
+inline constexpr bool looks_up_bytes =
+#if defined(__AVX512BW__)
+    sizeof(Element<V>) == 1 && (sizeof(V) == 32 || sizeof(V) == 64);
+#elif defined(__AVX2__)
+    sizeof(Element<V>) == 1 && sizeof(V) == 32;
+#else
+    false;
+#endif
+
+/// table[index], lane by lane; the indices are less than 16.
+template <class V>
+[[gnu::always_inline]] inline V lookup_byte([[maybe_unused]] const Element<V>* table, [[maybe_unused]] V index) {
+    static_assert(looks_up_bytes<V>);
+#if defined(__AVX2__)
+    const __m128i entries = load<__m128i>(table);
+    if constexpr (sizeof(V) == 32) return (V)_mm256_shuffle_epi8(_mm256_broadcastsi128_si256(entries), (__m256i)index);
+#endif
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64)
+        return (V)_mm512_shuffle_epi8(_mm512_maskz_broadcast_i32x4(0xFFFF, entries), (__m512i)index);
+#endif
+}
+
 } // namespace kels

@@ -3,6 +3,7 @@
 
 #include "frame/simd/vector.h"
 
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -152,6 +153,25 @@ template <class V>
 [[gnu::always_inline]] inline auto zip(V a, V b) {
     const auto v = both(a, b);
     return shuffle<[](int i) { return i / 2 + i % 2 * lanes<V>; }>(v, v);
+}
+
+/// Bytes in the order in which `widened` takes them: shuffles of bytes do not cross the groups of 16.
+template <class V>
+[[gnu::always_inline]] inline V dealt(V a) {
+    static_assert(sizeof(Element<V>) == 1);
+    return shuffle<[](int i) { return i / 16 * 8 + i / 8 % 2 * (lanes<V> / 2) + i % 8; }>(a, a);
+}
+
+/// 16-bit lanes of low and high bytes that have been dealt, in the natural order.
+template <class V>
+[[gnu::always_inline]] inline auto widened(V low, V high) {
+    const auto joined = [=](auto second) KELS_INLINE {
+        return shuffle<[](int i) { return i / 16 * 16 + i % 16 / 2 + decltype(second)::value * 8 + i % 2 * lanes<V>; }>(
+            low, high);
+    };
+    using H = Vec<std::int16_t, lanes<V> / 2>;
+    return both(bits_as<H>(joined(std::integral_constant<int, 0>{})),
+                bits_as<H>(joined(std::integral_constant<int, 1>{})));
 }
 
 } // namespace kels
