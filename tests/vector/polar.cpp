@@ -299,6 +299,22 @@ TEST(Magnitude, SinglesKeepTheirBitsAtTheEndsOfTheRange) {
     EXPECT_TRUE(std::isnan(d));
 }
 
+// Elements that need extended precision change nothing beside them.
+TEST(Magnitude, DependsOnNoNeighbour) {
+    Random random("neighbours");
+    for (int i = 0; i < 5000; ++i) {
+        Kel64fc z[8];
+        for (Kel64fc& one : z) one = {random.uniform(-2, 2), random.uniform(-2, 2)};
+        z[random.below(8)].re = random.below(2) ? 1e-200 : HUGE_VAL;
+        Kel64f together[8], alone = 0;
+        ASSERT_EQ(kelsMagnitude_64fc(z, together, 8), kelStatusOk);
+        for (int k = 0; k < 8; ++k) {
+            ASSERT_EQ(kelsMagnitude_64fc(z + k, &alone, 1), kelStatusOk);
+            ASSERT_EQ(alone, together[k]) << z[k].re << ", " << z[k].im;
+        }
+    }
+}
+
 TEST(PowerSpectrum, LiteralValues) {
     const Kel16sc lowest = {-32768, -32768};
     expect_results(kelsPowerSpectr_16sc_Sfs, {{3, 4}}, {12}, 1);
