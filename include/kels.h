@@ -4,11 +4,12 @@
  *  What holds for every function, where its header does not say otherwise:
  *
  *  **Rounding modes.** The control words of the floating-point units are found unchanged after every call. Integer
- *  results do not depend on them, nor does what is made for later calls, a plan or a context. The few results that are
- *  said to follow *the caller's rounding mode* follow the one that `fegetround` tells, which is that of the x87 unit and
- *  what ::ks_set_cw_fpu sets. Other real results are rounded by the SIMD unit: in another mode than to nearest they may
- *  be off by their last places. Complex products, quotients, squares and roots, and reductions of doubles, are
- *  evaluated to nearest in any mode. The precision that is set in the x87 unit changes nothing.
+ *  results do not depend on them, but for those of filters with real taps, whose sums do by their last places; nor does
+ *  what is made for later calls, a plan or a context. The few results that are said to follow *the caller's rounding
+ *  mode* follow the one that `fegetround` tells, which is that of the x87 unit and what ::ks_set_cw_fpu sets. Other
+ *  real results are rounded by the SIMD unit: in another mode than to nearest they may be off by their last places.
+ *  Complex products, quotients, squares and roots, and reductions of doubles, are evaluated to nearest in any mode. The
+ *  precision that is set in the x87 unit changes nothing.
  *
  *  **NaNs.** Which NaN comes out where two meet is free, and may differ from level to level.
  *

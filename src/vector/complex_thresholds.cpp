@@ -88,9 +88,11 @@ template <Side S, class V>
     Element<Mask> mask[lanes<V>];
     store(re, z.re);
     store(im, z.im);
+    const ExtendedPrecision modes;
+    const long double l = settled(level), limit = l * l;
     for (int i = 0; i < lanes<V>; ++i) {
-        const long double a = re[i], b = im[i];
-        mask[i] = beyond<S>(a * a + b * b, level * level) ? -1 : 0;
+        const long double a = settled(re[i]), b = settled(im[i]);
+        mask[i] = settled<Element<Mask>>(beyond<S>(a * a + b * b, limit) ? -1 : 0);
     }
     return load<Mask>(mask);
 }

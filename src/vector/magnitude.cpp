@@ -16,6 +16,7 @@
 #include "frame/math/evaluation.h"
 #include "frame/modes.h"
 #include "frame/numeric.h"
+#include "vector/extended_lanes.h"
 #include "vector/integers_by_reals.h"
 #include "vector/points.h"
 
@@ -61,25 +62,18 @@ template <class V>
 
 // Double precision
 
-template <class V>
-[[gnu::noinline]] V extended_magnitudes(Complex<V> z) {
-    const ExtendedPrecision modes;
-    double re[lanes<V>], im[lanes<V>];
-    store(re, z.re);
-    store(im, z.im);
-    for (int i = 0; i < lanes<V>; ++i) {
-        const long double a = re[i], b = im[i];
-        re[i] = settled(static_cast<double>(std::sqrt(a * a + b * b)));
-    }
-    return load<V>(re);
+Complex<Kel64f> extended_magnitude(Complex<Kel64f> z) {
+    const long double a = z.re, b = z.im;
+    return {static_cast<Kel64f>(std::sqrt(a * a + b * b)), 0};
 }
 
 template <class V>
 [[gnu::always_inline]] inline V long_magnitudes(Complex<V> z) {
     const Expanded<V> r = root(two_squares(z.re, z.im));
     const V sum = r.high + r.low;
-    if (any_lane(is_small(z.re) | is_small(z.im) | (sum - sum != 0))) [[unlikely]]
-        return extended_magnitudes(z);
+    const auto doubtful = is_small(z.re) | is_small(z.im) | (sum - sum != 0);
+    if (any_lane(doubtful)) [[unlikely]]
+        return with_extended_lanes(Complex<V>{sum, V{}}, doubtful, extended_magnitude, z).re;
     return sum;
 }
 

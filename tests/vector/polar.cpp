@@ -299,6 +299,22 @@ TEST(Magnitude, SinglesKeepTheirBitsAtTheEndsOfTheRange) {
     EXPECT_TRUE(std::isnan(d));
 }
 
+// Elements that need extended precision change nothing beside them.
+TEST(Magnitude, DependsOnNoNeighbour) {
+    Random random("neighbours");
+    for (int i = 0; i < 5000; ++i) {
+        Kel64fc z[8];
+        for (Kel64fc& one : z) one = {random.uniform(-2, 2), random.uniform(-2, 2)};
+        z[random.below(8)].re = random.below(2) ? 1e-200 : HUGE_VAL;
+        Kel64f together[8], alone = 0;
+        ASSERT_EQ(kelsMagnitude_64fc(z, together, 8), kelStatusOk);
+        for (int k = 0; k < 8; ++k) {
+            ASSERT_EQ(kelsMagnitude_64fc(z + k, &alone, 1), kelStatusOk);
+            ASSERT_EQ(alone, together[k]) << z[k].re << ", " << z[k].im;
+        }
+    }
+}
+
 TEST(PowerSpectrum, LiteralValues) {
     const Kel16sc lowest = {-32768, -32768};
     expect_results(kelsPowerSpectr_16sc_Sfs, {{3, 4}}, {12}, 1);
@@ -334,6 +350,21 @@ TEST(PolarToCartesian, AnglesOfAnySize) {
         Cartesian::set(radius, angle, want_re, want_im);
         ASSERT_LE(std::fabs(re - want_re), std::fabs(want_re) * 0x1p-52) << radius << " at " << angle;
         ASSERT_LE(std::fabs(im - want_im), std::fabs(want_im) * 0x1p-52) << radius << " at " << angle;
+    }
+}
+
+// Products that lose places at the lower end of the range.
+TEST(PolarToCartesian, SubnormalResults) {
+    Random random("subnormal results");
+    for (int i = 0; i < 20000; ++i) {
+        const Kel64f radius = std::ldexp(random.uniform(0.5, 2), -1021 - random.below(40)),
+                     angle = random.uniform(-9, 9);
+        Kel64fc z = {};
+        ASSERT_EQ(kelsPolarToCart_64fc(&radius, &angle, &z, 1), kelStatusOk);
+        const long double exact_re = radius * std::cos(static_cast<long double>(angle));
+        const long double exact_im = radius * std::sin(static_cast<long double>(angle));
+        ASSERT_LE(std::fabs(z.re - exact_re), 0x1p-1074L) << radius << " at " << angle;
+        ASSERT_LE(std::fabs(z.im - exact_im), 0x1p-1074L) << radius << " at " << angle;
     }
 }
 

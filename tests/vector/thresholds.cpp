@@ -2,6 +2,7 @@
 // and steps of 24 bits against roundings of the mantissa alone.
 
 #include "kels/thresholds.h"
+#include "support/control_state.h"
 #include "support/exact.h"
 #include "support/literals.h"
 #include "support/random_data.h"
@@ -382,6 +383,27 @@ TEST(ComplexThreshold, ReplacementComparesInExtendedPrecision) {
         ASSERT_EQ(kelsThreshold_LTVal_64fc(w, e, 1, 1, {9, 9}), kelStatusOk);
         EXPECT_EQ(e[0].re, squared_modulus(w[0]) < 1 ? 9 : w[0].re) << tiny;
     }
+}
+
+/// The same elements are replaced in any modes, beside the level too.
+template <class T>
+void expect_same_in_odd_modes(KelStatus (*function)(const T*, T*, int, decltype(T::re), T)) {
+    Random random("modes");
+    constexpr int len = 256;
+    T z[len], want[len], d[len];
+    for (T& one : z) {
+        const double angle = random.uniform(-3, 3);
+        one = {static_cast<decltype(T::re)>(std::cos(angle)), static_cast<decltype(T::re)>(std::sin(angle))};
+    }
+    ASSERT_EQ(function(z, want, len, 1, {9, 9}), kelStatusOk);
+    in_odd_modes([&] { function(z, d, len, 1, {9, 9}); }, [&] { EXPECT_EQ(std::memcmp(d, want, sizeof want), 0); });
+}
+
+TEST(ComplexThreshold, ReplacementFollowsNoMode) {
+    expect_same_in_odd_modes(kelsThreshold_LTVal_32fc);
+    expect_same_in_odd_modes(kelsThreshold_GTVal_32fc);
+    expect_same_in_odd_modes(kelsThreshold_LTVal_64fc);
+    expect_same_in_odd_modes(kelsThreshold_GTVal_64fc);
 }
 
 /// Complex numbers of every size, with parts of like and of unlike size, and levels beside their magnitudes.
