@@ -1,7 +1,7 @@
 // Median filters against their definition, window by window.
 
-#include "kels/median.h"
 #include "filters/checks.h"
+#include "filters/medians.h"
 #include "filters/samples.h"
 #include "support/allocation_faults.h"
 #include "support/guarded_array.h"
@@ -44,25 +44,6 @@ using Families = testing::Types<Functions<Kel8u, kelsFilterMedian_8u, kelsFilter
 TYPED_TEST_SUITE(Median, Families);
 
 KelStatus status_of(int mask) { return mask % 2 == 0 ? kelStatusEvenMedianMask : kelStatusOk; }
-
-/// By the definition, the window kept as a multiset that is walked from its middle.
-template <class T>
-std::vector<T> medians(const std::vector<T>& x, std::int64_t mask) {
-    std::vector<T> y = x;
-    const std::int64_t n = static_cast<std::int64_t>(x.size()), half = (mask - 1) / 2;
-    const auto clamped = [&](std::int64_t i) {
-        return x[static_cast<std::size_t>(std::clamp<std::int64_t>(i, 0, n - 1))];
-    };
-    std::vector<T> window;
-    for (std::int64_t i = 0; i <= 2 * half; ++i) window.push_back(clamped(i - half));
-    std::sort(window.begin(), window.end());
-    for (std::int64_t i = 1; i < n - 1; ++i) {
-        window.erase(std::lower_bound(window.begin(), window.end(), clamped(i - 1 - half)));
-        window.insert(std::upper_bound(window.begin(), window.end(), clamped(i + half)), clamped(i + half));
-        y[static_cast<std::size_t>(i)] = window[static_cast<std::size_t>(half)];
-    }
-    return y;
-}
 
 enum Shape { any_values, few_values, rising, falling, constant, sawtooth, shapes };
 

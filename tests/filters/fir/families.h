@@ -24,13 +24,14 @@ struct Fir : filter_test::Family<T, S, S, of_contexts...> {
     static constexpr auto rates = rates_;
     static constexpr auto rates_in_place = rates_in_place_;
     static constexpr int least_for_plan = least;
-    static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
-    static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
-    static constexpr bool single_taps = std::is_same_v<Part<T>, Kel32f>;
+
+    using Base = filter_test::Family<T, S, S, of_contexts...>;
     /// In place a plan runs at any length.
-    static constexpr bool plan_in_place_always = parts<S> == 1 && !integer_taps && !(single_taps && integer_samples);
+    static constexpr bool plan_in_place_always =
+        !Base::complex && !Base::integer_taps && !(Base::single_taps && Base::integer_samples);
     /// Where the rules have a transform, ties go to even.
-    static constexpr bool ties_to_even = integer_samples && !integer_taps && (sizeof(Part<S>) == 4 || single_taps);
+    static constexpr bool ties_to_even =
+        Base::integer_samples && !Base::integer_taps && (sizeof(Part<S>) == 4 || Base::single_taps);
     /// A multi-rate filter of factors 1 and 1 is one of one rate.
     static constexpr bool degenerates =
         std::is_same_v<T, Kel32f> && (std::is_same_v<S, Kel32f> || std::is_same_v<S, Kel16s>);

@@ -69,9 +69,9 @@ private:
         const kels_test::GuardedArray<typename F::Taps> h(this->taps, in.edge());
         const kels_test::GuardedArray<Sample> x(this->line, in.edge());
         return made(in, F::release, [&](KelFirContext** result) {
-            const auto& r = this->r;
-            return this->multi_rate ? init_multi_rate<F>(result, h.data(), this->count(), this->tapsFactor, r.up,
-                                                         r.upPhase, r.down, r.downPhase, x.data())
+            const auto [up, upPhase, down, downPhase] = this->r;
+            return this->multi_rate ? init_multi_rate<F>(result, h.data(), this->count(), this->tapsFactor, up, upPhase,
+                                                         down, downPhase, x.data())
                                     : init<F>(result, h.data(), this->count(), this->tapsFactor, x.data());
         });
     }
@@ -125,14 +125,14 @@ struct Stateless : Design<F> {
 
     /// Both halves of a ring are the same.
     std::vector<Sample> newest_first(auto&) const {
-        auto line = kept->values();
-        if (this->multi_rate) return line;
-        const auto half = line.begin() + this->count();
-        EXPECT_TRUE(same(std::vector<Sample>(line.begin(), half), std::vector<Sample>(half, line.end())));
-        line.resize(this->taps.size());
-        std::rotate(line.begin(), line.begin() + index, line.end());
-        std::reverse(line.begin(), line.end());
-        return line;
+        auto samples = kept->values();
+        if (this->multi_rate) return samples;
+        const auto half = samples.begin() + this->count();
+        EXPECT_TRUE(same(std::vector<Sample>(samples.begin(), half), std::vector<Sample>(half, samples.end())));
+        samples.resize(this->taps.size());
+        std::rotate(samples.begin(), samples.begin() + index, samples.end());
+        std::reverse(samples.begin(), samples.end());
+        return samples;
     }
 
 private:
@@ -146,8 +146,8 @@ private:
     }
     template <class... Before>
     KelStatus with_rates(auto function, Before... before) {
-        const auto& r = this->r;
-        return with_taps(function, before...)(r.up, r.upPhase, r.down, r.downPhase, kept->data());
+        const auto [up, upPhase, down, downPhase] = this->r;
+        return with_taps(function, before...)(up, upPhase, down, downPhase, kept->data());
     }
     /// Taps and their factor between what stands before and behind them.
     template <class... Before>

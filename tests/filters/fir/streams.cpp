@@ -89,8 +89,9 @@ void follow(Random& random, const Design<typename Form::F>& design, const std::v
             comparison.check(y[static_cast<std::size_t>(i)], sums[static_cast<std::size_t>(done * up + i)],
                              by_transform);
         ASSERT_TRUE(same(form.newest_first(careful), newest(piece(x, 0, (done + n) * down), design.line)));
-        if constexpr (!Form::has_context)
+        if constexpr (!Form::has_context) {
             ASSERT_EQ(form.index, form.multi_rate ? design.start : (design.start + done + n) % form.count());
+        }
         ASSERT_FALSE(testing::Test::HasFailure())
             << form.count() << " taps, up " << up << ' ' << form.r.upPhase << ", down " << down << ' '
             << form.r.downPhase << ", " << n << " at " << done << ", way " << way << ", scale " << form.scale;
