@@ -1,28 +1,17 @@
 // Median filters against their definition, window by window.
 
-#include "kels/median.h"
+#include "filters/checks.h"
+#include "filters/medians.h"
+#include "filters/samples.h"
 #include "support/allocation_faults.h"
-#include "support/control_state.h"
 #include "support/guarded_array.h"
-#include "support/random_data.h"
-#include "support/refusals.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <set>
-#include <vector>
 
 namespace {
 
 using namespace kels_test;
+using namespace filter_test;
 
-template <class T, KelStatus (*separate_)(const T*, T*, int, int), KelStatus (*in_place_)(T*, int, int)>
+template <class T, auto separate_, auto in_place_>
 struct Functions {
     using Sample = T;
     static constexpr auto separate = separate_;
@@ -40,9 +29,9 @@ struct Median : testing::Test {
             GuardedArray<Sample> src(x, edge), dst(x.size(), edge), both(x, edge);
             EXPECT_EQ(F::separate(src.data(), dst.data(), static_cast<int>(x.size()), mask), status);
             EXPECT_EQ(F::in_place(both.data(), static_cast<int>(x.size()), mask), status);
-            EXPECT_EQ(std::memcmp(src.data(), x.data(), x.size() * sizeof(Sample)), 0);
+            EXPECT_TRUE(same(src.values(), x));
             y = dst.values();
-            EXPECT_EQ(std::memcmp(y.data(), both.data(), x.size() * sizeof(Sample)), 0) << "in place, mask " << mask;
+            EXPECT_TRUE(same(y, both.values())) << "in place, mask " << mask;
         }
         return y;
     }
@@ -56,26 +45,7 @@ TYPED_TEST_SUITE(Median, Families);
 
 KelStatus status_of(int mask) { return mask % 2 == 0 ? kelStatusEvenMedianMask : kelStatusOk; }
 
-/// By the definition, the window kept as a multiset that is walked from its middle.
-template <class T>
-std::vector<T> medians(const std::vector<T>& x, std::int64_t mask) {
-    std::vector<T> y = x;
-    const std::int64_t n = static_cast<std::int64_t>(x.size()), half = (mask - 1) / 2;
-    const auto clamped = [&](std::int64_t i) {
-        return x[static_cast<std::size_t>(std::clamp<std::int64_t>(i, 0, n - 1))];
-    };
-    std::vector<T> window;
-    for (std::int64_t i = 0; i <= 2 * half; ++i) window.push_back(clamped(i - half));
-    std::sort(window.begin(), window.end());
-    for (std::int64_t i = 1; i < n - 1; ++i) {
-        window.erase(std::lower_bound(window.begin(), window.end(), clamped(i - 1 - half)));
-        window.insert(std::upper_bound(window.begin(), window.end(), clamped(i + half)), clamped(i + half));
-        y[static_cast<std::size_t>(i)] = window[static_cast<std::size_t>(half)];
-    }
-    return y;
-}
-
-enum Shape { noise, few_values, rising, falling, constant, sawtooth, shapes };
+enum Shape { any_values, few_values, rising, falling, constant, sawtooth, shapes };
 
 template <class T>
 std::vector<T> data(Random& random, int shape, int len) {
@@ -92,8 +62,8 @@ std::vector<T> data(Random& random, int shape, int len) {
                                  double(i % 37 * 5)};
         x.push_back(static_cast<T>(values[shape]));
     }
-    if (shape == noise) x[static_cast<std::size_t>(random.below(len))] = Limits::lowest();
-    if (shape == noise) x[static_cast<std::size_t>(random.below(len))] = Limits::max();
+    if (shape == any_values) x[static_cast<std::size_t>(random.below(len))] = Limits::lowest();
+    if (shape == any_values) x[static_cast<std::size_t>(random.below(len))] = Limits::max();
     return x;
 }
 
@@ -113,17 +83,13 @@ TYPED_TEST(Median, EveryMask) {
             expect_medians<TypeParam>(random, shape, 1 + random.below(1500), mask);
 }
 
-TYPED_TEST(Median, EveryShortLength) {
+TYPED_TEST(Median, ShortAndLongVectors) {
     Random random("short medians");
     for (int len = 1; len <= 140; len += len < 40 ? 1 : 9)
         for (const int mask : {1, 2, 3, 5, 7, 8, 9, 11, 13, 21, 31, 33, 61, 277, 1000})
-            expect_medians<TypeParam>(random, noise, len, mask);
-}
-
-// Several tiles, and levels above the words of a window.
-TYPED_TEST(Median, LongVectors) {
-    Random random("long medians");
-    for (const int shape : {noise, rising, sawtooth})
+            expect_medians<TypeParam>(random, any_values, len, mask);
+    // Several tiles, and levels above the words of a window.
+    for (const int shape : {any_values, rising, sawtooth})
         for (const int mask : {3, 9, 31, 33, 255, 3001}) expect_medians<TypeParam>(random, shape, 20000, mask);
 }
 
@@ -132,7 +98,7 @@ TYPED_TEST(Median, HugeMasks) {
     using T = typename TypeParam::Sample;
     Random random("huge masks");
     for (const int len : {3, 4, 5, 30, 64, 500}) {
-        const auto x = data<T>(random, noise, len);
+        const auto x = data<T>(random, any_values, len);
         const auto want = medians(x, 4 * len + 1);
         EXPECT_EQ(want, medians(x, 8 * len + 1));
         for (const int mask : {INT_MAX, INT_MAX - 1, 1 << 30})
@@ -140,24 +106,19 @@ TYPED_TEST(Median, HugeMasks) {
     }
 }
 
-TYPED_TEST(Median, ChecksInOrder) {
+TYPED_TEST(Median, IsChecked) {
     using T = typename TypeParam::Sample;
-    T x[3] = {1, 2, 3}, y[3] = {7, 7, 7};
-    expect_nulls_refused(TypeParam::separate, x, y, 0, 0);
-    expect_nulls_refused(TypeParam::in_place, x, 0, 0);
-    for (const int bad : {0, -1, -2, INT_MIN}) {
-        EXPECT_EQ(TypeParam::separate(x, y, bad, 4), kelStatusBadSize);
-        EXPECT_EQ(TypeParam::separate(x, y, 3, bad), kelStatusBadSize);
-        EXPECT_EQ(TypeParam::in_place(x, bad, 4), kelStatusBadSize);
-        EXPECT_EQ(TypeParam::in_place(x, 3, bad), kelStatusBadSize);
-    }
-    EXPECT_EQ(std::vector<T>(y, y + 3), std::vector<T>(3, 7));
+    Untouched memory;
+    T *const x = memory.array<T>(3), *const y = memory.array<T>(3);
+    memory.expect_checks(TypeParam::separate, std::tuple(x, y, 3, 3), {null(0), null(1), size(2), size(3)});
+    memory.expect_checks(TypeParam::in_place, std::tuple(x, 3, 3), {null(0), size(1), size(2)});
+    for (const int even : {-2, INT_MIN}) EXPECT_EQ(TypeParam::in_place(x, 3, even), kelStatusBadSize);
 }
 
 TYPED_TEST(Median, WithoutMemory) {
     using T = typename TypeParam::Sample;
     Random random("medians without memory");
-    const auto x = data<T>(random, noise, 100), want = medians(x, 41);
+    const auto x = data<T>(random, any_values, 100), want = medians(x, 41);
     const auto expect_all_or_none = [&](auto filter) {
         for_each_allocation_failure([&] {
             auto y = x;
@@ -177,7 +138,7 @@ TYPED_TEST(Median, NotANumber) {
         Random random("medians of NaNs");
         for (const int mask : {3, 5, 9, 21, 31, 33, 99})
             for (const int len : {3, 10, 200}) {
-                auto x = data<T>(random, noise, len);
+                auto x = data<T>(random, any_values, len);
                 for (T& v : x)
                     if (random.below(3) == 0) v = std::numeric_limits<T>::quiet_NaN();
                 const auto y = this->filtered(x, mask, kelStatusOk);
@@ -196,7 +157,7 @@ TYPED_TEST(Median, NotANumber) {
 TYPED_TEST(Median, AnyModes) {
     using T = typename TypeParam::Sample;
     Random random("medians in any mode");
-    auto x = data<T>(random, noise, 300);
+    auto x = data<T>(random, any_values, 300);
     if constexpr (std::is_floating_point_v<T>)
         for (T& v : x) v *= std::numeric_limits<T>::min();
     for (const int mask : {3, 9, 31, 33}) {
@@ -215,17 +176,9 @@ TYPED_TEST(Median, AnyModes) {
 }
 
 TEST(MedianFilter, LiteralValues) {
-    Kel32f x[] = {5, 1, 5};
-    EXPECT_EQ(kelsFilterMedian_32f_I(x, 3, 3), kelStatusOk);
-    EXPECT_EQ(x[1], 5);
-    Kel16s s[] = {1, 9, 2, 8};
-    EXPECT_EQ(kelsFilterMedian_16s_I(s, 4, 6), kelStatusEvenMedianMask);
-    EXPECT_EQ(std::vector<Kel16s>(s, s + 4), (std::vector<Kel16s>{1, 2, 8, 8}));
-    const Kel16s two[] = {-32768, 32767};
-    Kel16s copy[2];
-    EXPECT_EQ(kelsFilterMedian_16s(two, copy, 2, 4), kelStatusEvenMedianMask);
-    EXPECT_EQ(std::memcmp(two, copy, sizeof two), 0);
-    EXPECT_EQ(kelsFilterMedian_16s(two, copy, 1, 1), kelStatusOk);
+    Kel16s x[] = {1, 9, 2, 8};
+    EXPECT_EQ(kelsFilterMedian_16s_I(x, 4, 6), kelStatusEvenMedianMask);
+    EXPECT_EQ(std::vector<Kel16s>(x, x + 4), (std::vector<Kel16s>{1, 2, 8, 8}));
 }
 
 } // namespace

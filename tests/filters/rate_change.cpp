@@ -1,25 +1,16 @@
 // Rate changes against their definition, streams cut anywhere, arrays at the edge of a page; pre-emphasis as rows.
 
 #include "kels/rate_change.h"
+#include "filters/careful.h"
+#include "filters/checks.h"
 #include "filters/samples.h"
-#include "support/guarded_array.h"
-#include "support/random_data.h"
-#include "support/refusals.h"
-#include "support/rows.h"
-
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cstring>
-#include <vector>
 
 namespace {
 
-using filter_test::same;
 using namespace kels_test;
+using namespace filter_test;
 
-template <class T, KelStatus (*down_)(const T*, int, T*, int*, int, int*),
-          KelStatus (*up_)(const T*, int, T*, int*, int, const int*)>
+template <class T, auto down_, auto up_>
 struct Functions {
     using Sample = T;
     static constexpr auto down = down_;
@@ -43,84 +34,58 @@ std::vector<T> any_samples(Random& random, int count) {
     return x;
 }
 
-template <class T>
-std::vector<T> kept(const std::vector<T>& x, int factor, int phase) {
-    std::vector<T> y;
-    for (std::size_t i = static_cast<std::size_t>(phase); i < x.size(); i += static_cast<std::size_t>(factor))
-        y.push_back(x[i]);
-    return y;
-}
-
 TYPED_TEST(RateChanges, KeepAndSpread) {
     using T = typename TypeParam::Sample;
     Random random("rate changes");
-    for (const Edge edge : edges)
-        for (const int factor : {1, 2, 3, 4, 5, 7, 16, 100, 700})
-            for (const int len : {1, 2, 3, 5, 16, 31, 33, 64, 100, 257, 1000}) {
-                if (len * factor > 20000) continue;
-                const int phase = factor - 1 - random.below(std::min(factor, 2 * len));
-                GuardedArray<T> x(any_samples<T>(random, len), edge);
-                const std::vector<T> want = kept(x.values(), factor, phase);
-                GuardedArray<T> fewer(std::max<std::size_t>(want.size(), 1), edge);
-                int count = -1, after = phase;
-                ASSERT_EQ(TypeParam::down(x.data(), len, fewer.data(), &count, factor, &after), kelStatusOk);
-                ASSERT_EQ(count, static_cast<int>(want.size()));
-                ASSERT_EQ(after, phase + count * factor - len);
-                ASSERT_TRUE(want.empty() || std::memcmp(fewer.data(), want.data(), want.size() * sizeof(T)) == 0)
-                    << factor << " " << len;
-
-                std::vector<T> spread(static_cast<std::size_t>(len) * static_cast<std::size_t>(factor));
-                for (std::size_t k = 0; k < static_cast<std::size_t>(len); ++k)
-                    spread[k * static_cast<std::size_t>(factor) + static_cast<std::size_t>(phase)] = x.data()[k];
-                GuardedArray<T> more(any_samples<T>(random, len * factor), edge);
-                after = phase;
-                ASSERT_EQ(TypeParam::up(x.data(), len, more.data(), &count, factor, &after), kelStatusOk);
-                ASSERT_EQ(count, len * factor);
-                ASSERT_EQ(after, phase);
-                ASSERT_TRUE(same(more.values(), spread)) << factor << " " << len << " " << phase;
+    Careful careful;
+    for (const int factor : {1, 2, 3, 4, 5, 7, 16, 100, 700})
+        for (const int len : {1, 2, 3, 5, 16, 31, 33, 64, 100, 257, 1000, 1000, 257, 100, 64}) {
+            if (len * factor > 20000) continue;
+            const int phase = factor - 1 - random.below(std::min(factor, 2 * len));
+            const auto x = any_samples<T>(random, len);
+            std::vector<T> kept, spread(static_cast<std::size_t>(len * factor));
+            for (int i = 0; i < len; ++i) {
+                const T& sample = x[static_cast<std::size_t>(i)];
+                if (i >= phase && (i - phase) % factor == 0) kept.push_back(sample);
+                spread[static_cast<std::size_t>(i * factor + phase)] = sample;
             }
-}
-
-TYPED_TEST(RateChanges, StreamsCutAnywhere) {
-    using T = typename TypeParam::Sample;
-    Random random("streams of samples");
-    for (int factor = 1; factor < 12; ++factor) {
-        const std::vector<T> x = any_samples<T>(random, 1000);
-        std::vector<T> y;
-        int phase = random.below(factor);
-        const std::vector<T> want = kept(x, factor, phase);
-        for (int at = 0, n, count; at < 1000; at += n) {
-            n = std::min(1 + random.below(25), 1000 - at);
-            std::vector<T> piece(static_cast<std::size_t>(n));
-            ASSERT_EQ(TypeParam::down(x.data() + at, n, piece.data(), &count, factor, &phase), kelStatusOk);
-            y.insert(y.end(), piece.begin(), piece.begin() + count);
+            const GuardedArray<T> source(x, careful.edge());
+            int count = -1, after = phase;
+            const auto fewer = results<T>(careful, kept.size(), [&](T* to) {
+                return TypeParam::down(source.data(), len, to, &count, factor, &after);
+            });
+            ASSERT_TRUE(same(fewer, kept)) << factor << ' ' << len << ' ' << phase;
+            ASSERT_EQ(count, static_cast<int>(kept.size()));
+            ASSERT_EQ(after, phase + count * factor - len);
+            after = phase;
+            const auto more = results<T>(careful, spread.size(), [&](T* to) {
+                return TypeParam::up(source.data(), len, to, &count, factor, &after);
+            });
+            ASSERT_TRUE(same(more, spread)) << factor << ' ' << len << ' ' << phase;
+            ASSERT_EQ(count, len * factor);
+            ASSERT_EQ(after, phase);
         }
-        EXPECT_TRUE(same(y, want)) << factor;
-    }
 }
 
-TYPED_TEST(RateChanges, ChecksInOrder) {
+TYPED_TEST(RateChanges, AreChecked) {
     using T = typename TypeParam::Sample;
-    T x[2] = {}, y[2] = {};
-    int count = 7, phase = 3;
-    const auto expect = [&](KelStatus status, const T* src, int len, T* dst, int* dstLen, int factor, int* p) {
-        const std::vector<T> before(y, y + 2);
-        EXPECT_EQ(TypeParam::down(src, len, dst, dstLen, factor, p), status);
-        EXPECT_EQ(TypeParam::up(src, len, dst, dstLen, factor, p), status);
-        EXPECT_EQ(count, 7);
-        EXPECT_EQ(std::memcmp(y, before.data(), sizeof y), 0);
+    Untouched memory;
+    T *const x = memory.array<T>(2), *const y = memory.array<T>(6);
+    int *const count = memory.array({7}), *const phase = memory.array({2});
+    const auto expect = [&](auto function) {
+        const std::tuple good(x, 2, y, count, 3, phase);
+        memory.expect_checks(function, good,
+                             {null(0), null(2), null(3), null(5), size(1), size(4, kelStatusFactorRange)});
+        for (const int bad : {3, 4, INT_MAX, -1, INT_MIN}) {
+            *phase = bad;
+            memory.expect_refusals(function, good, {{4, kelStatusPhaseRange, {3}}});
+        }
+        *phase = 1;
+        memory.expect_refusals(function, good, {{4, kelStatusPhaseRange, {1}}});
     };
-    expect_nulls_refused(TypeParam::down, x, 0, y, &count, 0, &phase);
-    expect_nulls_refused(TypeParam::up, x, 0, y, &count, 0, &phase);
-    for (const int len : bad_lengths) expect(kelStatusBadSize, x, len, y, &count, 0, &phase);
-    for (const int factor : {0, -1, INT_MIN}) expect(kelStatusFactorRange, x, 2, y, &count, factor, &phase);
-    for (const int bad : {3, 4, INT_MAX, -1, INT_MIN}) {
-        phase = bad;
-        expect(kelStatusPhaseRange, x, 2, y, &count, 3, &phase);
-        EXPECT_EQ(phase, bad);
-    }
-    phase = 1;
-    expect(kelStatusPhaseRange, x, 2, y, &count, 1, &phase);
+    expect(TypeParam::down);
+    *phase = 2;
+    expect(TypeParam::up);
 }
 
 // The index leaves an int, the phase does not.
@@ -139,28 +104,6 @@ TYPED_TEST(RateChanges, LargestFactors) {
                 EXPECT_EQ(std::memcmp(y, &x[static_cast<std::size_t>(phase)], sizeof y), 0);
             }
         }
-}
-
-TEST(RateChange, LiteralValues) {
-    const Kel32f x[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
-    Kel32f y[4];
-    int count, phase = 1;
-    ASSERT_EQ(kelsSampleDown_32f(x, 10, y, &count, 3, &phase), kelStatusOk);
-    EXPECT_EQ(std::vector<Kel32f>(y, y + count), (std::vector<Kel32f>{1, 4, 7}));
-    EXPECT_EQ(phase, 0);
-    phase = 2;
-    ASSERT_EQ(kelsSampleDown_32f(x, 10, y, &count, 3, &phase), kelStatusOk);
-    EXPECT_EQ(std::vector<Kel32f>(y, y + count), (std::vector<Kel32f>{2, 5, 8}));
-    EXPECT_EQ(phase, 1);
-    const Kel16s s[] = {7, 8};
-    Kel16s d[6] = {1, 1, 1, 1, 1, 1};
-    phase = 4;
-    ASSERT_EQ(kelsSampleDown_16s(s, 2, d, &count, 5, &phase), kelStatusOk);
-    EXPECT_EQ(count, 0);
-    EXPECT_EQ(phase, 2);
-    phase = 0;
-    ASSERT_EQ(kelsSampleUp_16s(s, 2, d, &count, 3, &phase), kelStatusOk);
-    EXPECT_EQ(std::vector<Kel16s>(d, d + 6), (std::vector<Kel16s>{7, 0, 0, 8, 0, 0}));
 }
 
 // Pre-emphasis

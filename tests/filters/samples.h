@@ -1,7 +1,9 @@
 // What the tests of all filters say about samples and functions.
 #pragma once
 
+#include "support/exact.h"
 #include "support/random_data.h"
+#include "support/rows.h"
 
 #include <gtest/gtest.h>
 
@@ -40,10 +42,18 @@ const Part<T>* values(const std::vector<T>& x) {
     return reinterpret_cast<const Part<T>*>(x.data());
 }
 
+/// What the functions of a family have in common in their names.
+template <class F>
+std::string name_of() {
+    const std::string release = kels_test::exported_name(reinterpret_cast<void (*)()>(F::release));
+    const std::string name = release.substr(release.find("Free") + 4);
+    return name[0] == '_' ? name.substr(1) : name;
+}
+
 struct FamilyNames {
     template <class F>
     static std::string GetName(int) {
-        return F::name;
+        return name_of<F>();
     }
 };
 
@@ -80,7 +90,7 @@ R away_from_zero(long double v) {
 
 template <class T>
 bool same(const std::vector<T>& a, const std::vector<T>& b) {
-    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0);
+    return kels_test::same_bits(a, b);
 }
 
 } // namespace filter_test

@@ -18,6 +18,7 @@ void drive_noise(Input& in) {
         return made(in, release, [&](auto** state) { return make(state, parameters[0], parameters[1], seed); });
     };
     const auto one = create(), two = create();
+    const long before = allocations();
     for (bool first = true; first || in.more(); first = false) {
         const int len = in.length(2000);
         const auto whole = at_once_and_cut(one, two, len, in.below(len), [&](const auto& state, int, int n) {
@@ -32,6 +33,7 @@ void drive_noise(Input& in) {
             if (first) expect_same(whole, head, "noise from a seed");
         }
     }
+    EXPECT_EQ(allocations(), before) << "only making a state allocates";
 }
 
 /// Of calls that the parameters do not allow nothing may come. `fixed` is the argument between the frequency and the

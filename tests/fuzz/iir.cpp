@@ -1,16 +1,11 @@
 // IIR filters: one stream through two contexts, whole and in place, or cut between pairs of samples.
 
 #include "filters/iir/families.h"
-#include "fuzz/sequence.h"
 
 namespace {
 
 using namespace iir_test;
 using namespace kels_test;
-
-/// A family of which no context belongs to F.
-template <class F>
-using Stranger = std::conditional_t<std::is_same_v<F, Family_32f>, Family_64f, Family_32f>;
 
 template <class F>
 struct Filter {
@@ -44,28 +39,17 @@ struct Filter {
         KelIirContext* context = nullptr;
         const GuardedArray<Taps> h(taps, in.edge()), d(from, in.edge());
         const int size = static_cast<int>(cascade ? taps.size() / 6 : taps.size() / 2 - 1);
-        const auto made = call_again_without_memory(
-            in, [&] { return init_of<F>(cascade)(&context, h.data(), size, tapsFactor, d.data()); });
-        EXPECT_EQ(made, context ? kelStatusOk : kelStatusDivByZero);
+        const auto status =
+            in.attempt([&] { return init_of<F>(cascade)(&context, h.data(), size, tapsFactor, d.data()); });
+        EXPECT_EQ(status, context ? kelStatusOk : kelStatusDivByZero);
         return {context, F::release};
     }
 
     std::vector<Sample> filtered(Input& in, Way way, const Context& context, const std::vector<Sample>& x) const {
-        const int count = static_cast<int>(x.size());
-        if (way == iir_test::in_place)
-            return results_in_place(in, x,
-                                    [&](Sample* to) { return call(F::in_place, scale, to, count, context.get()); });
-        auto y = x;
-        if (way == as_block) {
-            const GuardedArray<Sample> source(x, in.edge());
-            y = results<Sample>(in, x.size(), [&](Sample* to) {
-                return call(F::block, scale, source.data(), to, count, context.get());
-            });
-            digest(F::block, y);
-        } else {
-            for (Sample& v : y) EXPECT_EQ(call(F::one, scale, v, &v, context.get()), kelStatusOk);
-            digest(F::one, y);
-        }
+        Through<F, KelIirContext> through{context.get(), scale};
+        const auto y = filter_test::filtered(in, through, way, x, static_cast<int>(x.size()), x.size());
+        if (way == as_block) digest(F::block, y);
+        if (way == one_by_one) digest(F::one, y);
         return y;
     }
 
@@ -85,8 +69,8 @@ void drive(Input& in) {
         const int count = in.length(600), pairs = in.below((count + 1) / 2);
         const int cut = F::single_taps || F::integer_taps ? 2 * pairs : 0;
         const auto x = in.data<Sample>(count);
-        const Way way = in.one_in(4) ? one_by_one : in.below(2) == 0 ? as_block : iir_test::in_place;
-        const Way other = way == one_by_one ? way : in.below(2) == 0 ? as_block : iir_test::in_place;
+        const Way way = in.one_in(4) ? one_by_one : in.below(2) == 0 ? as_block : filter_test::in_place;
+        const Way other = way == one_by_one ? way : in.below(2) == 0 ? as_block : filter_test::in_place;
         at_once_and_cut(one, two, count, cut, [&](const Context& context, int from, int n) {
             return filter.filtered(in, &context == &one ? way : other, context, piece(x, from, n));
         });
@@ -101,11 +85,7 @@ void drive(Input& in) {
             const auto* next = in.below(4) == 0 ? nullptr : source.data();
             for (KelIirContext* context : {one.get(), two.get()}) EXPECT_EQ(F::set_line(context, next), kelStatusOk);
         } else if (step == 3) {
-            using G = Stranger<F>;
-            typename G::Sample y[4] = {};
-            EXPECT_EQ(call(G::block, 0, y, y + 2, 2, one.get()), kelStatusContextMismatch);
-            EXPECT_EQ(G::get_line(one.get(), y), kelStatusContextMismatch);
-            EXPECT_EQ(G::release(one.get()), kelStatusContextMismatch);
+            expect_stranger<std::conditional_t<std::is_same_v<F, Family_32f>, Family_64f, Family_32f>>(one.get());
         }
     }
 }

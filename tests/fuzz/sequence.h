@@ -51,6 +51,22 @@ public:
     Edge edge() { return below(2) == 0 ? Edge::back : Edge::front; }
     Random random() { return Random(static_cast<std::uint64_t>(below(1 << 16))); }
 
+    /// Calls, at times with an allocation failing, which must give kelStatusNoMemory; and then again.
+    template <class Call>
+    KelStatus attempt(Call call) {
+        if (one_in(8)) {
+            const FailingAllocation failing(1 + below(3));
+            const KelStatus status = call();
+            if (!failing.happened()) return status;
+            EXPECT_EQ(status, kelStatusNoMemory);
+        }
+        return call();
+    }
+    template <class Call>
+    KelStatus plainly(Call call) const {
+        return call();
+    }
+
     template <class T>
     std::vector<T> data(int count, Style style = Style::any) {
         constexpr Type type = type_of<T>();
@@ -95,33 +111,21 @@ void run(const Target& target, std::span<const std::uint8_t> bytes);
 
 // What drives do
 
-/// Calls, at times with an allocation failing, which must give kelStatusNoMemory; and then again.
-template <class Call>
-KelStatus call_again_without_memory(Input& in, Call call) {
-    if (in.one_in(8)) {
-        const FailingAllocation failing(1 + in.below(3));
-        const KelStatus status = call();
-        if (!failing.happened()) return status;
-        EXPECT_EQ(status, kelStatusNoMemory);
-    }
-    return call();
-}
-
 /// Results of a call into an array at a page that may not be touched: call(array).
-template <class T, class Call>
-std::vector<T> results(Input& in, std::size_t count, Call call) {
+template <class T, class In, class Call>
+std::vector<T> results(In& in, std::size_t count, Call call) {
     GuardedArray<T> y(count, in.edge());
     std::memset(static_cast<void*>(y.data()), 0x5A, count * sizeof(T));
-    EXPECT_EQ(call_again_without_memory(in, [&] { return call(y.data()); }), kelStatusOk);
+    EXPECT_EQ(in.attempt([&] { return call(y.data()); }), kelStatusOk);
     return y.values();
 }
 
 /// The same in place of x, in room for at least so many: call(array).
-template <class T, class Call>
-std::vector<T> results_in_place(Input& in, std::vector<T> x, Call call, std::size_t room = 0) {
+template <class T, class In, class Call>
+std::vector<T> results_in_place(In& in, std::vector<T> x, Call call, std::size_t room = 0) {
     x.resize(std::max(x.size(), room));
     GuardedArray<T> y(x, in.edge());
-    EXPECT_EQ(call_again_without_memory(in, [&] { return call(y.data()); }), kelStatusOk);
+    EXPECT_EQ(in.attempt([&] { return call(y.data()); }), kelStatusOk);
     return y.values();
 }
 
@@ -129,7 +133,7 @@ std::vector<T> results_in_place(Input& in, std::vector<T> x, Call call, std::siz
 template <class Context, class Make>
 std::unique_ptr<Context, KelStatus (*)(Context*)> made(Input& in, KelStatus (*release)(Context*), Make make) {
     Context* context = nullptr;
-    EXPECT_EQ(call_again_without_memory(in, [&] { return make(&context); }), kelStatusOk);
+    EXPECT_EQ(in.attempt([&] { return make(&context); }), kelStatusOk);
     return {context, release};
 }
 

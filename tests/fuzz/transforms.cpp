@@ -61,7 +61,7 @@ public:
         EXPECT_EQ(size_of(get(), &size), kelStatusOk);
         GuardedArray<Kel8u> memory(static_cast<std::size_t>(size), in.edge());
         Kel8u* buffer = in.below(2) == 0 ? memory.data() : nullptr;
-        return call_again_without_memory(in, [&] {
+        return in.attempt([&] {
             if constexpr (std::is_invocable_v<Function, Arrays..., decltype(get()), Kel8u*>)
                 return function(arrays..., get(), buffer);
             else

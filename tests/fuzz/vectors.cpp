@@ -1,25 +1,17 @@
 // Convolutions, correlations, spectra at a frequency and medians against their definitions; rate changes, searches and
 // running estimates whole and in pieces.
 
+#include "filters/convolution/definitions.h"
+#include "filters/medians.h"
 #include "fuzz/sequence.h"
-#include "kels/convolution.h"
 #include "kels/goertzel.h"
-#include "kels/median.h"
 #include "kels/rate_change.h"
 #include "kels/search.h"
 
 namespace {
 
 using namespace kels_test;
-
-/// Calls with the scale factor where the function has one.
-template <class Function, class... A>
-KelStatus call(Function function, int scale, A... arguments) {
-    if constexpr (std::is_invocable_v<Function, A..., int>)
-        return function(arguments..., scale);
-    else
-        return function(arguments...);
-}
+using namespace filter_test;
 
 template <class T>
 constexpr bool is_integer = type_of<T>().kind == Kind::s16;
@@ -53,12 +45,10 @@ void convolve(Input& in) {
     };
     const auto sums = convolved(a, b);
     if (n + m < 150) digest(function, sums); // longer ones go through transforms
-    std::vector<double> exact(sums.size());
-    for (std::size_t i = 0; i < a.size(); ++i)
-        for (std::size_t k = 0; k < b.size(); ++k) exact[i + k] += static_cast<double>(a[i]) * b[k];
+    const auto exact = filter_test::convolved(a, b);
     const double noise = noise_of(a, b, scale);
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        const double wanted = is_integer<T> ? std::clamp(std::ldexp(exact[i], -scale), -32768.0, 32767.0) : exact[i];
+        const auto wanted = is_integer<T> ? std::clamp(std::ldexp(exact[i], -scale), -32768.0L, 32767.0L) : exact[i];
         ASSERT_NEAR(sums[i], wanted, noise) << "lengths " << n << " and " << m << ", " << i;
     }
 }
@@ -125,15 +115,7 @@ void find_medians(Input& in) {
     const auto y = results<T>(in, x.size(), [&](T* to) { return checked(function(source.data(), to, n, mask)); });
     expect_same(y, results_in_place(in, x, [&](T* to) { return checked(in_place(to, n, mask)); }), "in place");
     digest(function, y);
-    auto wanted = x;
-    for (int i = 1; i < n - 1; ++i) {
-        std::vector<T> window;
-        for (int k = i - half; k <= i + half; ++k)
-            window.push_back(x[static_cast<std::size_t>(std::clamp(k, 0, n - 1))]);
-        std::nth_element(window.begin(), window.begin() + half, window.end());
-        wanted[static_cast<std::size_t>(i)] = window[static_cast<std::size_t>(half)];
-    }
-    expect_same(y, wanted, "medians");
+    expect_same(y, medians(x, 2 * half + 1), "medians");
 }
 
 template <class T, auto down, auto up>

@@ -1,14 +1,15 @@
 // Filter banks through two states, in other pieces; the Haar transform whole and in halves.
 
+#include "filters/samples.h"
 #include "fuzz/sequence.h"
-#include "kels/filter_bank.h"
-#include "kels/haar.h"
+#include "wavelets/families.h"
 
-#include <iterator>
+#include <array>
 
 namespace {
 
 using namespace kels_test;
+using namespace wavelet_test;
 
 struct Band {
     std::vector<Kel32f> taps;
@@ -16,38 +17,35 @@ struct Band {
     std::size_t kept;
 };
 
-KelStatus (*const analysis_releases[])(WTFwdState*) = {kelsWTFwdFree_32f, kelsWTFwdFree_8s32f, kelsWTFwdFree_8u32f,
-                                                       kelsWTFwdFree_16s32f, kelsWTFwdFree_16u32f};
-KelStatus (*const synthesis_releases[])(WTInvState*) = {kelsWTInvFree_32f, kelsWTInvFree_32f8s, kelsWTInvFree_32f8u,
-                                                        kelsWTInvFree_32f16s, kelsWTInvFree_32f16u};
+template <template <class> class Form>
+constexpr std::array releases = {Form<Kel32f>::release, Form<Kel8s>::release, Form<Kel8u>::release,
+                                 Form<Kel16s>::release, Form<Kel16u>::release};
 
 /// Two states of one bank: make, read, write, release, and what both forms share.
-template <class State, auto make, auto release, auto get, auto set>
+template <template <class> class Form, class T>
 struct Bank {
-    static constexpr bool forward = std::is_same_v<State, WTFwdState>;
+    using F = Form<T>;
 
     Band low, high;
 
     static Band draw_band(Input& in) {
         const int length = in.length(80), offset = in.below(8) - 1;
-        const int kept = forward ? std::max(length - 1 - (offset < 0), 0) + std::max(offset, 0)
-                                 : (length - 1 + std::abs(offset) % 2) / 2 + std::abs(offset) / 2;
-        return {in.data<Kel32f>(length, Style::finite), offset, static_cast<std::size_t>(kept)};
+        return {in.data<Kel32f>(length, Style::finite), offset, static_cast<std::size_t>(F::kept(length, offset))};
     }
     explicit Bank(Input& in) : low(draw_band(in)), high(draw_band(in)) {}
 
     auto create(Input& in) const {
         const GuardedArray<Kel32f> l(low.taps, in.edge()), h(high.taps, in.edge());
-        return made(in, release, [&](State** state) {
-            return make(state, l.data(), static_cast<int>(low.taps.size()), low.offset, h.data(),
-                        static_cast<int>(high.taps.size()), high.offset);
+        return made(in, F::release, [&](auto** state) {
+            return F::make(state, l.data(), static_cast<int>(low.taps.size()), low.offset, h.data(),
+                           static_cast<int>(high.taps.size()), high.offset);
         });
     }
 
     /// Both delay lines, one after the other.
     std::vector<Kel32f> lines(Input& in, const auto& state) const {
         GuardedArray<Kel32f> l(low.kept, in.edge()), h(high.kept, in.edge());
-        EXPECT_EQ(get(state.get(), l.data(), h.data()), kelStatusOk);
+        EXPECT_EQ(F::get(state.get(), l.data(), h.data()), kelStatusOk);
         auto both = l.values();
         append(both, h.values());
         return both;
@@ -61,25 +59,19 @@ struct Bank {
             two = create(in);
             const GuardedArray<Kel32f> l(piece(kept, 0, static_cast<int>(low.kept)), in.edge());
             const GuardedArray<Kel32f> h({kept.begin() + static_cast<int>(low.kept), kept.end()}, in.edge());
-            EXPECT_EQ(set(two.get(), l.data(), h.data()), kelStatusOk);
+            EXPECT_EQ(F::set(two.get(), l.data(), h.data()), kelStatusOk);
         } else if (step == 2) {
-            const auto cross = [&](const auto& releases) {
-                const auto other = releases[in.below(std::size(releases))];
-                if (other != release) {
-                    EXPECT_EQ(other(two.get()), kelStatusContextMismatch);
-                }
-            };
-            if constexpr (forward)
-                cross(analysis_releases);
-            else
-                cross(synthesis_releases);
+            const auto other = releases<Form>[static_cast<std::size_t>(in.below(releases<Form>.size()))];
+            if (other != F::release) {
+                EXPECT_EQ(other(two.get()), kelStatusContextMismatch);
+            }
         }
     }
 };
 
-template <class T, auto make, auto release, auto block, auto get, auto set>
+template <class T>
 void analyse(Input& in) {
-    const Bank<WTFwdState, make, release, get, set> bank(in);
+    const Bank<Analysis, T> bank(in);
     const auto one = bank.create(in);
     auto two = bank.create(in);
     while (in.more()) {
@@ -89,19 +81,19 @@ void analyse(Input& in) {
             const GuardedArray<T> source(piece(x, 2 * from, 2 * n), in.edge());
             const auto count = static_cast<std::size_t>(n);
             GuardedArray<Kel32f> low(count, in.edge()), high(count, in.edge());
-            EXPECT_EQ(block(source.data(), low.data(), high.data(), n, state.get()), kelStatusOk);
+            EXPECT_EQ(Analysis<T>::block(source.data(), low.data(), high.data(), n, state.get()), kelStatusOk);
             std::vector<Kel32fc> both(count);
             for (std::size_t i = 0; i < count; ++i) both[i] = {low.data()[i], high.data()[i]};
             return both;
         });
-        digest(block, y);
+        digest(Analysis<T>::block, y);
         bank.check_and_change(in, one, two);
     }
 }
 
-template <class T, auto make, auto release, auto block, auto get, auto set>
+template <class T>
 void synthesise(Input& in) {
-    const Bank<WTInvState, make, release, get, set> bank(in);
+    const Bank<Synthesis, T> bank(in);
     const auto one = bank.create(in);
     auto two = bank.create(in);
     while (in.more()) {
@@ -111,9 +103,9 @@ void synthesise(Input& in) {
         const auto y = at_once_and_cut(one, two, len, in.below(len), [&](const auto& state, int from, int n) {
             const GuardedArray<Kel32f> l(piece(low, from, n), in.edge()), h(piece(high, from, n), in.edge());
             return results<T>(in, static_cast<std::size_t>(2 * n),
-                              [&](T* to) { return block(l.data(), h.data(), n, to, state.get()); });
+                              [&](T* to) { return Synthesis<T>::block(l.data(), h.data(), n, to, state.get()); });
         });
-        digest(block, y);
+        digest(Synthesis<T>::block, y);
         bank.check_and_change(in, one, two);
     }
 }
@@ -123,26 +115,21 @@ template <class T, auto forward, auto inverse>
 void halve(Input& in) {
     const int pairs = in.length(500), len = 2 * pairs + in.below(2), cut = in.below(pairs);
     const int factor = in.scale_factor();
-    const auto call = [&](auto function, auto... arguments) {
-        if constexpr (std::is_invocable_v<decltype(function), decltype(arguments)..., int>)
-            return function(arguments..., factor);
-        else
-            return function(arguments...);
-    };
     const auto x = in.data<T>(len);
     const auto bands = [&](const std::vector<T>& signal) {
         const int n = static_cast<int>(signal.size());
         const GuardedArray<T> source(signal, in.edge());
         GuardedArray<T> high(static_cast<std::size_t>(n / 2), in.edge());
-        auto both = results<T>(in, static_cast<std::size_t>((n + 1) / 2),
-                               [&](T* low) { return call(forward, source.data(), n, low, high.data()); });
+        auto both = results<T>(in, static_cast<std::size_t>((n + 1) / 2), [&](T* low) {
+            return filter_test::call(forward, factor, source.data(), n, low, high.data());
+        });
         return std::pair(both, high.values());
     };
     const auto signal = [&](const std::vector<T>& low, const std::vector<T>& high) {
         const int n = static_cast<int>(low.size() + high.size());
         const GuardedArray<T> l(low, in.edge()), h(high, in.edge());
         return results<T>(in, low.size() + high.size(),
-                          [&](T* to) { return call(inverse, l.data(), h.data(), to, n); });
+                          [&](T* to) { return filter_test::call(inverse, factor, l.data(), h.data(), to, n); });
     };
     const auto [low, high] = bands(x);
     digest(forward, low);
@@ -156,33 +143,15 @@ void halve(Input& in) {
     expect_same(piece(back, 0, 2 * cut), signal(low_head, high_head), "signal");
 }
 
-#define KELS_BANK(drive, type, direction, suffix)                                                                      \
-    drive<type, kelsWT##direction##InitAlloc_##suffix, kelsWT##direction##Free_##suffix, kelsWT##direction##_##suffix, \
-          kelsWT##direction##GetDlyLine_##suffix, kelsWT##direction##SetDlyLine_##suffix>
-#define KELS_HAAR(type, suffix) halve<type, kelsWTHaarFwd_##suffix, kelsWTHaarInv_##suffix>
+template <class T>
+constexpr Drive plain = halve<T, Haar<T>::forward, Haar<T>::inverse>;
+template <class T>
+constexpr Drive scaled = halve<T, Haar<T>::scaled_forward, Haar<T>::scaled_inverse>;
 
-const bool added = add_target("wavelets", {KELS_BANK(analyse, Kel32f, Fwd, 32f),
-                                           KELS_BANK(analyse, Kel8s, Fwd, 8s32f),
-                                           KELS_BANK(analyse, Kel8u, Fwd, 8u32f),
-                                           KELS_BANK(analyse, Kel16s, Fwd, 16s32f),
-                                           KELS_BANK(analyse, Kel16u, Fwd, 16u32f),
-                                           KELS_BANK(synthesise, Kel32f, Inv, 32f),
-                                           KELS_BANK(synthesise, Kel8s, Inv, 32f8s),
-                                           KELS_BANK(synthesise, Kel8u, Inv, 32f8u),
-                                           KELS_BANK(synthesise, Kel16s, Inv, 32f16s),
-                                           KELS_BANK(synthesise, Kel16u, Inv, 32f16u),
-                                           KELS_HAAR(Kel8s, 8s),
-                                           KELS_HAAR(Kel8s, 8s_Sfs),
-                                           KELS_HAAR(Kel16s, 16s),
-                                           KELS_HAAR(Kel16s, 16s_Sfs),
-                                           KELS_HAAR(Kel32s, 32s),
-                                           KELS_HAAR(Kel32s, 32s_Sfs),
-                                           KELS_HAAR(Kel64s, 64s),
-                                           KELS_HAAR(Kel64s, 64s_Sfs),
-                                           KELS_HAAR(Kel32f, 32f),
-                                           KELS_HAAR(Kel64f, 64f)});
-
-#undef KELS_BANK
-#undef KELS_HAAR
+const bool added = add_target("wavelets", {analyse<Kel32f>,    analyse<Kel8s>,     analyse<Kel8u>,    analyse<Kel16s>,
+                                           analyse<Kel16u>,    synthesise<Kel32f>, synthesise<Kel8s>, synthesise<Kel8u>,
+                                           synthesise<Kel16s>, synthesise<Kel16u>, plain<Kel8s>,      scaled<Kel8s>,
+                                           plain<Kel16s>,      scaled<Kel16s>,     plain<Kel32s>,     scaled<Kel32s>,
+                                           plain<Kel64s>,      scaled<Kel64s>,     plain<Kel32f>,     plain<Kel64f>});
 
 } // namespace

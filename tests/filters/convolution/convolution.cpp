@@ -1,28 +1,11 @@
 // Convolutions against their definition in extended precision: short ones step by step, every way of long ones.
 
-#include "kels/convolution.h"
-#include "filters/samples.h"
-#include "support/allocation_faults.h"
-#include "support/control_state.h"
-#include "support/exact.h"
-#include "support/guarded_array.h"
-#include "support/random_data.h"
-#include "support/refusals.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <cstdint>
-#include <utility>
-#include <vector>
+#include "filters/convolution/definitions.h"
 
 namespace {
 
-using filter_test::noise;
-using filter_test::same;
 using namespace kels_test;
+using namespace filter_test;
 
 /// Every sum rounded to single precision, in the order of the shorter vector.
 template <class T>
@@ -37,32 +20,20 @@ std::vector<Kel32f> stepwise(const std::vector<T>& a, const std::vector<T>& b) {
 }
 
 template <class T>
-std::vector<long double> convolved(const std::vector<T>& a, const std::vector<T>& b) {
-    std::vector<long double> y(a.size() + b.size() - 1);
-    for (std::size_t j = 0; j < a.size(); ++j)
-        for (std::size_t i = 0; i < b.size(); ++i) y[i + j] += static_cast<long double>(a[j]) * b[i];
-    return y;
-}
+constexpr auto function = [] {
+    if constexpr (std::is_integral_v<T>)
+        return kelsConv_16s_Sfs;
+    else
+        return kelsConv_32f;
+}();
 
 template <class T>
-long double norm(const std::vector<T>& x) {
-    long double sum = 0;
-    for (const T v : x) sum += static_cast<long double>(v) * v;
-    return std::sqrt(sum);
-}
-
-std::vector<Kel32f> convolve(const std::vector<Kel32f>& a, const std::vector<Kel32f>& b, Edge edge) {
-    GuardedArray<Kel32f> x(a, edge), y(b, edge), dst(a.size() + b.size() - 1, edge);
-    EXPECT_EQ(kelsConv_32f(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data()),
+std::vector<T> convolve(const std::vector<T>& a, const std::vector<T>& b, Edge edge, int scale = 0) {
+    const GuardedArray<T> x(a, edge), y(b, edge);
+    GuardedArray<T> dst(a.size() + b.size() - 1, edge);
+    EXPECT_EQ(call(function<T>, scale, x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()),
+                   dst.data()),
               kelStatusOk);
-    return dst.values();
-}
-
-std::vector<Kel16s> convolve(const std::vector<Kel16s>& a, const std::vector<Kel16s>& b, int scale, Edge edge) {
-    GuardedArray<Kel16s> x(a, edge), y(b, edge), dst(a.size() + b.size() - 1, edge);
-    EXPECT_EQ(
-        kelsConv_16s_Sfs(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), scale),
-        kelStatusOk);
     return dst.values();
 }
 
@@ -83,7 +54,7 @@ TEST(Convolution, RoundsEveryStepOfShortOnes) {
             for (const int scale : {0, 1, 15, 17, 20, 31, 200, INT_MAX, -1, -3, INT_MIN}) {
                 std::vector<Kel16s> want;
                 for (const Kel32f sum : sums) want.push_back(scaled<Kel16s>(sum, scale));
-                EXPECT_EQ(convolve(c, d, scale, edge), want) << m << " " << n << " scale " << scale;
+                EXPECT_EQ(convolve(c, d, edge, scale), want) << m << " " << n << " scale " << scale;
             }
         }
 }
@@ -100,7 +71,7 @@ TEST(Convolution, LongOnes) {
             const int scale = edge == Edge::front ? 14 : 20;
             const long double power = std::ldexp(1.0L, -scale), steps = 0x1p-22L * norm(c) * norm(d) * power + 0.5L;
             const auto y = convolve(a, b, edge);
-            const auto z = convolve(c, d, scale, edge);
+            const auto z = convolve(c, d, edge, scale);
             for (std::size_t k = 0; k < want.size(); ++k) {
                 ASSERT_NEAR(y[k], want[k], slack + std::fabs(want[k]) * 0x1p-23L) << m << " " << n << " result " << k;
                 ASSERT_NEAR(z[k], std::clamp(integers[k] * power, -32768.0L, 32767.0L), steps)
@@ -122,32 +93,24 @@ TEST(Convolution, InfinitiesReachTheirTermsOnly) {
     }
 }
 
-TEST(Convolution, ChecksInOrder) {
-    const Kel32f x[2] = {1, 2};
-    Kel32f y[3] = {7, 7, 7};
-    const Kel16s s[2] = {1, 2};
-    Kel16s d[3] = {7, 7, 7};
-    for (const int bad : bad_lengths)
-        for (const auto& [m, n] : {std::pair{bad, 2}, {2, bad}}) {
-            expect_nulls_refused(kelsConv_32f, x, m, x, n, y);
-            expect_nulls_refused(kelsConv_16s_Sfs, s, m, s, n, d, 0);
-            EXPECT_EQ(kelsConv_32f(x, m, x, n, y), kelStatusBadSize);
-            EXPECT_EQ(kelsConv_16s_Sfs(s, m, s, n, d, 0), kelStatusBadSize);
-        }
-    EXPECT_EQ(y[0], 7);
-    EXPECT_EQ(d[0], 7);
+template <class T>
+void expect_frame() {
+    Untouched memory;
+    T *const x = memory.array<T>(2), *const y = memory.array<T>(2), *const z = memory.array<T>(3);
+    memory.expect_checks(function<T>, std::tuple(x, 2, y, 2, z), {null(0), null(2), null(4), size(1), size(3)});
+    Random random("convolutions without memory");
+    const auto a = noise<T>(random, 3000);
+    std::vector<T> sums(5999);
+    for_each_allocation_failure([&] { return call(function<T>, 15, a.data(), 3000, a.data(), 3000, sums.data()); });
 }
 
-TEST(Convolution, WithoutMemory) {
-    Random random("convolutions without memory");
-    const auto a = noise<Kel32f>(random, 3000);
-    const auto b = noise<Kel16s>(random, 3000);
-    std::vector<Kel32f> y(5999);
-    std::vector<Kel16s> z(5999);
-    for_each_allocation_failure([&] { return kelsConv_32f(a.data(), 3000, a.data(), 3000, y.data()); });
-    for_each_allocation_failure([&] { return kelsConv_16s_Sfs(b.data(), 3000, b.data(), 3000, z.data(), 15); });
-    for_each_allocation_failure([&] {
-        const KelStatus status = kelsConv_16s_Sfs(b.data(), 10, b.data(), 10, z.data(), 15);
+TEST(Convolution, ChecksAndMemory) {
+    expect_frame<Kel32f>();
+    expect_frame<Kel16s>();
+    const Kel16s few[10] = {};
+    Kel16s sums[19];
+    for_each_allocation_failure([&] { // a status of their own
+        const KelStatus status = kelsConv_16s_Sfs(few, 10, few, 10, sums, 15);
         EXPECT_NE(status, kelStatusNoMemory);
         return status == kelStatusNullPtr ? kelStatusNoMemory : status;
     });
@@ -157,7 +120,7 @@ TEST(Convolution, IntegersInAnyMode) {
     Random random("convolutions in any mode");
     for (const int n : {60, 700}) {
         const auto a = noise<Kel16s>(random, n), b = noise<Kel16s>(random, n);
-        const auto want = convolve(a, b, 16, Edge::back);
+        const auto want = convolve(a, b, Edge::back, 16);
         std::vector<Kel16s> y(want.size());
         in_odd_modes([&] { kelsConv_16s_Sfs(a.data(), n, b.data(), n, y.data(), 16); }, [&] { EXPECT_EQ(y, want); });
     }

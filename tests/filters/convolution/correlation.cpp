@@ -1,58 +1,28 @@
 // Auto- and cross-correlations against their definition in extended precision: the direct sums within the rounding of
 // their terms, transforms within that of the vectors' norms.
 
-#include "filters/samples.h"
-#include "kels/convolution.h"
-#include "support/allocation_faults.h"
-#include "support/control_state.h"
-#include "support/exact.h"
-#include "support/guarded_array.h"
-#include "support/random_data.h"
-#include "support/refusals.h"
+#include "filters/convolution/definitions.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <complex>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <tuple>
-#include <utility>
-#include <vector>
+#include <array>
 
 namespace {
 
-using filter_test::noise;
-using filter_test::Part;
-using filter_test::parts;
 using namespace kels_test;
+using namespace filter_test;
 
-using Number = std::complex<long double>;
-
-template <class T>
-Number number(const T& x) {
-    if constexpr (parts<T> == 2)
-        return {x.re, x.im};
-    else
-        return x;
-}
-
-template <class T, KelStatus (*plain_)(const T*, int, T*, int), KelStatus (*biased_)(const T*, int, T*, int),
-          KelStatus (*unbiased_)(const T*, int, T*, int),
-          KelStatus (*cross_)(const T*, int, const T*, int, T*, int, int), int lags_, int cost_>
+template <class T, auto plain_, auto biased_, auto unbiased_, auto cross_, int lags_ = 0, int cost_ = 0>
 struct Functions {
     using Sample = T;
     static constexpr auto plain = plain_;
-    static constexpr auto biased = biased_;
-    static constexpr auto unbiased = unbiased_;
     static constexpr auto cross = cross_;
+    static constexpr std::array of_itself = {plain_, biased_, unbiased_};
     static constexpr int least_lags = lags_; ///< that may be transformed
     static constexpr int most_cost = cost_;  ///< of direct sums
 };
+enum Norm { plain, biased, unbiased };
 
+using Of16s = Functions<Kel16s, kelsAutoCorr_16s_Sfs, kelsAutoCorr_NormA_16s_Sfs, kelsAutoCorr_NormB_16s_Sfs,
+                        kelsCrossCorr_16s_Sfs>;
 using Families = testing::Types<
     Functions<Kel32f, kelsAutoCorr_32f, kelsAutoCorr_NormA_32f, kelsAutoCorr_NormB_32f, kelsCrossCorr_32f, 600, 383>,
     Functions<Kel64f, kelsAutoCorr_64f, kelsAutoCorr_NormA_64f, kelsAutoCorr_NormB_64f, kelsCrossCorr_64f, 600, 511>,
@@ -73,8 +43,8 @@ Lag lag_of(const std::vector<T>& a, const std::vector<T>& b, std::int64_t lag) {
     const auto an = static_cast<std::int64_t>(a.size()), bn = static_cast<std::int64_t>(b.size());
     long double re = 0, im = 0;
     for (std::int64_t n = std::max<std::int64_t>(0, -lag); n < std::min(an, bn - lag); ++n) {
-        const auto* x = filter_test::values(a) + n * parts<T>;
-        const auto* y = filter_test::values(b) + (n + lag) * parts<T>;
+        const auto* x = values(a) + n * parts<T>;
+        const auto* y = values(b) + (n + lag) * parts<T>;
         const long double xr = x[0], yr = y[0];
         if constexpr (parts<T> == 1) {
             re += xr * yr;
@@ -88,13 +58,6 @@ Lag lag_of(const std::vector<T>& a, const std::vector<T>& b, std::int64_t lag) {
     }
     result.sum = {re, im};
     return result;
-}
-
-template <class T>
-long double norm(const std::vector<T>& x) {
-    long double sum = 0;
-    for (const T& v : x) sum += std::norm(number(v));
-    return std::sqrt(sum);
 }
 
 template <class T>
@@ -117,23 +80,22 @@ struct Correlation : testing::Test {
 
     template <class Call>
     static std::vector<Sample> at_edges(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags,
-                                        Call call) {
+                                        Call correlate) {
         std::vector<Sample> results[2];
         for (const Edge edge : edges) {
             GuardedArray<Sample> x(a, edge), y(b, edge), dst(static_cast<std::size_t>(lags), edge);
             EXPECT_EQ(
-                call(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), lags),
+                correlate(x.data(), static_cast<int>(a.size()), y.data(), static_cast<int>(b.size()), dst.data(), lags),
                 kelStatusOk);
             results[edge == Edge::back] = dst.values();
         }
-        EXPECT_TRUE(filter_test::same(results[0], results[1]));
+        EXPECT_TRUE(same(results[0], results[1]));
         return results[0];
     }
 
-    static std::vector<Sample> itself(const std::vector<Sample>& x, int lags,
-                                      KelStatus (*f)(const Sample*, int, Sample*, int) = F::plain) {
+    static std::vector<Sample> itself(const std::vector<Sample>& x, int lags, Norm norm_of = plain) {
         return at_edges(x, x, lags, [=](const Sample* a, int n, const Sample*, int, Sample* dst, int count) {
-            return f(a, n, dst, count);
+            return F::of_itself[norm_of](a, n, dst, count);
         });
     }
     static std::vector<Sample> cross(const std::vector<Sample>& a, const std::vector<Sample>& b, int lags, int low) {
@@ -187,14 +149,14 @@ TYPED_TEST(Correlation, NormsActOnRoundedLags) {
     for (const int n : {1, 3, 50, 95, 700}) {
         const auto x = noise<T>(random, n);
         const int lags = n + 5;
-        const auto plain = this->itself(x, lags);
-        auto biased = plain, unbiased = plain;
+        const auto sums = this->itself(x, lags);
+        auto by_length = sums, by_terms = sums;
         for (int k = 0; k < lags * parts<T>; ++k) {
-            filter_test::values(biased)[k] *= static_cast<P>(1.0L / n);
-            if (k < n * parts<T>) filter_test::values(unbiased)[k] /= static_cast<P>(n - k / parts<T>);
+            values(by_length)[k] *= static_cast<P>(1.0L / n);
+            if (k < n * parts<T>) values(by_terms)[k] /= static_cast<P>(n - k / parts<T>);
         }
-        EXPECT_TRUE(filter_test::same(this->itself(x, lags, TypeParam::biased), biased)) << n;
-        EXPECT_TRUE(filter_test::same(this->itself(x, lags, TypeParam::unbiased), unbiased)) << n;
+        EXPECT_TRUE(same(this->itself(x, lags, biased), by_length)) << n;
+        EXPECT_TRUE(same(this->itself(x, lags, unbiased), by_terms)) << n;
     }
 }
 
@@ -209,23 +171,17 @@ TYPED_TEST(Correlation, EveryLagOfShortVectors) {
         }
 }
 
-TYPED_TEST(Correlation, AroundTheSwitch) {
-    using T = typename TypeParam::Sample;
-    Random random("switches of correlations");
-    constexpr int cost = TypeParam::most_cost;
-    for (const int more : {0, 1, 2})
-        this->expect_cross(noise<T>(random, 700), noise<T>(random, 700), cost + more, -100);
-    this->expect_cross(noise<T>(random, 500), noise<T>(random, 1000), 2 * cost + 1, -400);
-    this->expect_cross(noise<T>(random, 1000), noise<T>(random, 500), 2 * cost + 2, -900);
-}
-
-// Every way of the transforms: at once, in blocks, in halves; and many tiles of strips.
+// Around the switch to transforms; every way of these, at once, in blocks, in halves; and many tiles of strips.
 TYPED_TEST(Correlation, LongVectors) {
     using T = typename TypeParam::Sample;
     Random random("long correlations");
-    const int sizes[][4] = {{1500, 1500, 2999, -1499}, {3000, 900, 1000, -2500}, {900, 3000, 3899, -899},
-                            {20, 3000, 3019, -19},     {3000, 20, 3100, -3050},  {4000, 4000, 700, -300},
-                            {4000, 4000, 520, 3000},   {4000, 4000, 520, -3900}, {2500, 2600, 200, 2450}};
+    constexpr int cost = TypeParam::most_cost;
+    const int sizes[][4] = {
+        {700, 700, cost, -100},          {700, 700, cost + 1, -100},      {700, 700, cost + 2, -100},
+        {500, 1000, 2 * cost + 1, -400}, {1000, 500, 2 * cost + 2, -900}, {1500, 1500, 2999, -1499},
+        {3000, 900, 1000, -2500},        {900, 3000, 3899, -899},         {20, 3000, 3019, -19},
+        {3000, 20, 3100, -3050},         {4000, 4000, 700, -300},         {4000, 4000, 520, 3000},
+        {4000, 4000, 520, -3900},        {2500, 2600, 200, 2450}};
     for (const auto& [m, n, lags, low] : sizes) this->expect_cross(noise<T>(random, m), noise<T>(random, n), lags, low);
 }
 
@@ -253,7 +209,7 @@ TYPED_TEST(Correlation, LagsAloneAndAmongOthers) {
         const auto one = this->cross(a, b, 1, 1900 + k);
         EXPECT_EQ(number(one[0]), number(some[static_cast<std::size_t>(k)]));
     }
-    EXPECT_TRUE(filter_test::same(this->itself(a, 17), std::vector<T>(all.begin(), all.begin() + 17)));
+    EXPECT_TRUE(same(this->itself(a, 17), std::vector<T>(all.begin(), all.begin() + 17)));
 }
 
 TYPED_TEST(Correlation, NotANumberReachesItsTermsOnly) {
@@ -262,8 +218,8 @@ TYPED_TEST(Correlation, NotANumberReachesItsTermsOnly) {
     for (const auto& [m, n] : {std::pair{60, 60}, std::pair{20, 90}, std::pair{90, 20}}) {
         auto a = noise<T>(random, m), b = noise<T>(random, n);
         const auto clean = this->cross(a, b, m + n - 1, 1 - m);
-        filter_test::values(a)[(m - 3) * parts<T>] = std::numeric_limits<Part<T>>::quiet_NaN();
-        filter_test::values(b)[parts<T>] = std::numeric_limits<Part<T>>::infinity();
+        values(a)[(m - 3) * parts<T>] = std::numeric_limits<Part<T>>::quiet_NaN();
+        values(b)[parts<T>] = std::numeric_limits<Part<T>>::infinity();
         const auto r = this->cross(a, b, m + n - 1, 1 - m);
         for (int k = 0; k < m + n - 1; ++k) {
             const int lag = k + 1 - m;
@@ -278,43 +234,28 @@ TYPED_TEST(Correlation, NotANumberReachesItsTermsOnly) {
     }
 }
 
-TYPED_TEST(Correlation, ChecksInOrder) {
-    using T = typename TypeParam::Sample;
-    const T x[3] = {};
-    std::vector<T> y(3);
-    std::memset(static_cast<void*>(y.data()), 7, 3 * sizeof(T));
-    const auto before = y;
-    for (const int bad : bad_lengths) {
-        for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased})
-            for (const auto& [n, lags] : {std::pair{bad, 3}, {3, bad}}) {
-                expect_nulls_refused(f, x, n, y.data(), lags);
-                EXPECT_EQ(f(x, n, y.data(), lags), kelStatusBadSize);
-            }
-        for (const auto& [m, n, lags] : {std::tuple{bad, 3, 3}, {3, bad, 3}, {3, 3, bad}}) {
-            expect_nulls_refused(TypeParam::cross, x, m, x, n, y.data(), lags, 0);
-            EXPECT_EQ(TypeParam::cross(x, m, x, n, y.data(), lags, 0), kelStatusBadSize);
-        }
+template <class F>
+void expect_frame() {
+    using T = typename F::Sample;
+    Untouched memory;
+    T *const x = memory.array<T>(3), *const y = memory.array<T>(3), *const r = memory.array<T>(3);
+    Random random("correlations without memory");
+    const auto a = noise<T>(random, 3000);
+    std::vector<T> sums(3000);
+    for (const auto f : F::of_itself) {
+        memory.expect_checks(f, std::tuple(x, 3, r, 3), {null(0), null(2), size(1), size(3)});
+        for_each_allocation_failure([&] { return call(f, 20, a.data(), 3000, sums.data(), 3000); });
     }
-    EXPECT_TRUE(filter_test::same(y, before));
+    memory.expect_checks(F::cross, std::tuple(x, 3, y, 3, r, 3, 0),
+                         {null(0), null(2), null(4), size(1), size(3), size(5)});
+    for (const int lags : {3000, 1000})
+        for_each_allocation_failure(
+            [&] { return call(F::cross, 20, a.data(), 3000, a.data(), 3000, sums.data(), lags, -9); });
 }
 
-TYPED_TEST(Correlation, WithoutMemory) {
-    using T = typename TypeParam::Sample;
-    Random random("correlations without memory");
-    const auto x = noise<T>(random, 3000);
-    std::vector<T> y(3000);
-    for (const auto f : {TypeParam::plain, TypeParam::biased, TypeParam::unbiased})
-        for_each_allocation_failure([&] { return f(x.data(), 3000, y.data(), 3000); });
-    for_each_allocation_failure([&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 3000, -9); });
-    for_each_allocation_failure([&] { return TypeParam::cross(x.data(), 3000, x.data(), 3000, y.data(), 1000, -9); });
-}
+TYPED_TEST(Correlation, ChecksAndMemory) { expect_frame<TypeParam>(); }
 
 // 16 bits
-
-using Correlate16s = KelStatus (*)(const Kel16s*, int, Kel16s*, int, int);
-
-enum Norm { plain, biased, unbiased };
-constexpr Correlate16s functions16s[] = {kelsAutoCorr_16s_Sfs, kelsAutoCorr_NormA_16s_Sfs, kelsAutoCorr_NormB_16s_Sfs};
 
 /// What the norm makes of a rounded sum.
 Kel32f normalized(Kel32f sum, int norm_of, int len, int lag) {
@@ -334,7 +275,8 @@ TEST(Correlation16s, DirectLagsAreExact) {
         for (const int scale : {0, 1, 14, 17, 22, 31, INT_MAX, -1, -4, INT_MIN}) {
             for (int norm_of = plain; norm_of <= unbiased; ++norm_of) {
                 GuardedArray<Kel16s> dst(itself.size(), Edge::back);
-                ASSERT_EQ(functions16s[norm_of](a.data(), n, dst.data(), lags, scale), kelStatusOk);
+                ASSERT_EQ(Of16s::of_itself[static_cast<std::size_t>(norm_of)](a.data(), n, dst.data(), lags, scale),
+                          kelStatusOk);
                 for (int k = 0; k < lags; ++k)
                     ASSERT_EQ(dst.data()[k],
                               scaled<Kel16s>(normalized(itself[static_cast<std::size_t>(k)], norm_of, n, k), scale))
@@ -354,7 +296,8 @@ TEST(Correlation16s, Transformed) {
     const long double slack = 0x1p-21L * norm(x) * norm(x) * 0x1p-20L + 0.5L;
     for (int norm_of = plain; norm_of <= unbiased; ++norm_of) {
         const int scale = norm_of == plain ? 20 : 10;
-        ASSERT_EQ(functions16s[norm_of](x.data(), 1500, r.data(), 1600, scale), kelStatusOk);
+        ASSERT_EQ(Of16s::of_itself[static_cast<std::size_t>(norm_of)](x.data(), 1500, r.data(), 1600, scale),
+                  kelStatusOk);
         for (int k = 0; k < 1600; k += 13) {
             const long double terms = norm_of == plain ? 1024 : norm_of == biased ? 1500 : std::max(1500 - k, 1);
             const long double want = lag_of(x, x, k).sum.real() / terms * 0x1p-10L;
@@ -371,33 +314,17 @@ TEST(Correlation16s, Transformed) {
 }
 
 TEST(Correlation16s, ChecksMemoryAndModes) {
-    Random random("frame of correlations of 16 bits");
+    expect_frame<Of16s>();
+    Random random("correlations of 16 bits in any mode");
     const auto x = noise<Kel16s>(random, 2000);
-    std::vector<Kel16s> r(2500), again(2500);
-    for (const int bad : bad_lengths) {
-        expect_nulls_refused(kelsCrossCorr_16s_Sfs, x.data(), bad, x.data(), 1, r.data(), 1, 0, 0);
-        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), bad, x.data(), 1, r.data(), 1, 0, 0), kelStatusBadSize);
-        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), bad, r.data(), 1, 0, 0), kelStatusBadSize);
-        EXPECT_EQ(kelsCrossCorr_16s_Sfs(x.data(), 1, x.data(), 1, r.data(), bad, 0, 0), kelStatusBadSize);
-        for (const Correlate16s f : functions16s) {
-            expect_nulls_refused(f, x.data(), bad, r.data(), 1, 0);
-            EXPECT_EQ(f(x.data(), bad, r.data(), 1, 0), kelStatusBadSize);
-            EXPECT_EQ(f(x.data(), 1, r.data(), bad, 0), kelStatusBadSize);
-        }
-    }
     const auto cross = [](const Kel16s* a, int n, Kel16s* dst, int lags, int scale) {
         return kelsCrossCorr_16s_Sfs(a, n, a, n, dst, lags, -50, scale);
     };
-    for (const Correlate16s f : {functions16s[0], functions16s[1], functions16s[2], +cross})
+    for (const auto f : {Of16s::of_itself[0], Of16s::of_itself[1], Of16s::of_itself[2], +cross})
         for (const int lags : {100, 2500}) {
-            for_each_allocation_failure([&] {
-                r.back() = 7;
-                const KelStatus status = f(x.data(), 2000, r.data(), lags, 20);
-                EXPECT_EQ(r.back(), lags == 100 ? 7 : 0);
-                return status;
-            });
-            in_odd_modes([&] { f(x.data(), 2000, again.data(), lags, 20); },
-                         [&] { EXPECT_TRUE(std::equal(again.begin(), again.begin() + lags, r.begin())); });
+            std::vector<Kel16s> r(static_cast<std::size_t>(lags)), again(r.size());
+            for_each_allocation_failure([&] { return f(x.data(), 2000, r.data(), lags, 20); });
+            in_odd_modes([&] { f(x.data(), 2000, again.data(), lags, 20); }, [&] { EXPECT_EQ(again, r); });
         }
 }
 

@@ -1,9 +1,6 @@
 // Integer taps: how they are kept, found for real ones, and read back; what their sums become.
 
 #include "filters/fir/reference.h"
-#include "support/allocation_faults.h"
-
-#include <climits>
 
 namespace {
 
@@ -157,54 +154,45 @@ TEST(FirIntegerTaps, SumsWrap) {
     EXPECT_LT(y[3], 0);
 }
 
-TEST(FirIntegerTaps, RefusalsKeepTheirOrder) {
-    const long live = kels_test::live_blocks();
-    KelFirContext* context = nullptr;
-    const Kel32f real[] = {1, 2};
-    const Kel32fc complex[] = {{1, 2}};
-    EXPECT_EQ(kelsFIRInitAlloc32s_16s32f(nullptr, real, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRInitAlloc32s_16s32f(&context, nullptr, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRInitAlloc32s_16s32f(&context, real, 0, nullptr), kelStatusBadFirLength);
-    EXPECT_EQ(kelsFIRInitAlloc32sc_16sc32fc(nullptr, complex, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRInitAlloc32sc_16sc32fc(&context, nullptr, 1, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRMRInitAlloc32s_16s32f(nullptr, real, 0, 0, 0, 0, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRMRInitAlloc32s_16s32f(&context, real, 0, 0, 0, 0, 0, nullptr), kelStatusBadFirLength);
-    EXPECT_EQ(kelsFIRMRInitAlloc32s_16s32f(&context, real, 2, 0, 0, 1, 0, nullptr), kelStatusBadMrFactor);
-    EXPECT_EQ(kelsFIRMRInitAlloc32s_16s32f(&context, real, 2, 2, 2, 1, 0, nullptr), kelStatusBadMrPhase);
+// Taps that come from real ones are converted before they are kept.
+TEST(FirIntegerTaps, CreationRefusesAndRunsOutOfMemory) {
+    Untouched memory;
+    auto* const made = memory.array<KelFirContext*>(1);
+    const Kel32f* const real = memory.array<Kel32f>({1, 2, 3});
+    const Kel32fc* const complex = memory.array<Kel32fc>({{1, 2}, {3, 4}});
+    const Check length = size(2, kelStatusBadFirLength);
+    const std::vector<Check> rates = {size(3, kelStatusBadMrFactor), size(5, kelStatusBadMrFactor),
+                                      index(4, 3, kelStatusBadMrPhase), index(6, 2, kelStatusBadMrPhase)};
+    const auto behind = [&](std::vector<Check> first) {
+        first.insert(first.end(), rates.begin(), rates.end());
+        return first;
+    };
+    memory.expect_refusals(kelsFIRInitAlloc32s_16s32f, std::tuple(made, real, 3), {null(0), null(1), length});
+    memory.expect_refusals(kelsFIRInitAlloc32sc_16sc32fc, std::tuple(made, complex, 2), {null(0), null(1), length});
+    memory.expect_refusals(kelsFIRMRInitAlloc32s_16s32f, std::tuple(made, real, 3, 3, 0, 2, 0),
+                           behind({null(0), null(1), length}));
     // Whether there is a place for the result is seen late here.
-    EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(nullptr, nullptr, 0, 0, 0, 0, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(nullptr, complex, 0, 0, 0, 0, 0, nullptr), kelStatusBadFirLength);
-    EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(nullptr, complex, 1, 0, 0, 0, 0, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRMRInitAlloc32sc_16sc32fc(&context, complex, 1, 1, 0, 1, 1, nullptr), kelStatusBadMrPhase);
-    EXPECT_EQ(context, nullptr);
-    EXPECT_EQ(kels_test::live_blocks(), live) << "what was converted is released";
-
-    const Made made(Ints{1}, 0, false);
-    Kel32s tap;
-    int factor;
-    EXPECT_EQ(kelsFIRGetTaps32s_16s(made.context, &tap, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRGetTaps32s_16s(made.context, nullptr, &factor), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRGetTaps32s_16s32f(made.context, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(kelsFIRGetTaps32s_16s32f(nullptr, nullptr), kelStatusNullPtr);
-    Kel32fc back;
-    EXPECT_EQ(kelsFIRGetTaps32sc_16sc32fc(made.context, &back), kelStatusContextMismatch);
+    memory.expect_refusals(kelsFIRMRInitAlloc32sc_16sc32fc, std::tuple(made, complex, 2, 3, 0, 2, 0),
+                           behind({null(1), length, null(0)}));
+    kels_test::expect_clean_failures(kelsFIRInitAlloc32s_16s32f, kelsFIRFree32s_16s, real, 3, nullptr);
+    kels_test::expect_clean_failures(kelsFIRMRInitAlloc32sc_16sc32fc, kelsFIRFree32sc_16sc, complex, 2, 3, 1, 2, 1,
+                                     nullptr);
 }
 
-TEST(FirIntegerTaps, FailedAllocationsLeakNothing) {
-    const Kel32f real[] = {1, 2, 3};
-    const Kel32fc complex[] = {{1, 2}, {3, 4}};
-    kels_test::for_each_allocation_failure([&] {
-        KelFirContext* context = nullptr;
-        const KelStatus status = kelsFIRInitAlloc32s_16s32f(&context, real, 3, nullptr);
-        if (status == kelStatusOk) kelsFIRFree32s_16s(context);
-        return status;
-    });
-    kels_test::for_each_allocation_failure([&] {
-        KelFirContext* context = nullptr;
-        const KelStatus status = kelsFIRMRInitAlloc32sc_16sc32fc(&context, complex, 2, 3, 1, 2, 1, nullptr);
-        if (status == kelStatusOk) kelsFIRFree32sc_16sc(context);
-        return status;
-    });
+TEST(FirIntegerTaps, AreReadByTheirFamilyOnly) {
+    const Made own(Ints{1}, 0, false);
+    std::vector<Context> others;
+    others.push_back(make<Family_32sc_16sc>({{1, 2}}));
+    Untouched memory;
+    int* const factor = memory.array({7});
+    memory.expect_checks(kelsFIRGetTaps32s_16s, std::tuple(own.context, memory.array<Kel32s>(1), factor),
+                         {null(0), null(1), null(2), foreign(0, others)});
+    memory.expect_checks(kelsFIRGetTaps32s_16s32f, std::tuple(own.context, memory.array<Kel32f>(1)),
+                         {null(0), null(1), foreign(0, others)});
+    std::vector<Context> reals;
+    reals.push_back(make<Family_32s_16s>({1}));
+    memory.expect_checks(kelsFIRGetTaps32sc_16sc32fc, std::tuple(others[0].get(), memory.array<Kel32fc>(1)),
+                         {null(0), null(1), foreign(0, reals)});
 }
 
 } // namespace

@@ -1,17 +1,10 @@
 // IIR filters of every family: their contexts, the order of their checks, the memory they touch.
 
 #include "filters/iir/families.h"
-#include "support/control_state.h"
-#include "support/guarded_array.h"
-#include "support/refusals.h"
-
-#include <climits>
 
 namespace {
 
 using namespace iir_test;
-using kels_test::Edge;
-using kels_test::GuardedArray;
 
 template <class F>
 class IirContext : public testing::Test {};
@@ -49,39 +42,40 @@ TYPED_TEST(IirContext, StateIsInStoredOrder) {
         }
 }
 
+/// make(&context, taps, size, ...) of good taps. A cascade has a section at least.
+template <class Tap, class... A>
+void expect_creation_checked(KelStatus (*make)(KelIirContext**, const Tap*, int, A...), const Tap* taps, bool cascade) {
+    Untouched memory;
+    auto* const result = memory.array<KelIirContext*>(1);
+    const std::vector<std::intptr_t> bad_sizes = {cascade ? 0 : -1, -2, INT_MIN};
+    memory.expect_refusals(make, std::tuple(result, taps, 3),
+                           {null(0), null(1), {2, kelStatusBadIirOrder, bad_sizes}, {2, kelStatusNoMemory, {INT_MAX}}});
+}
+
 /// A context of both forms of every family but one.
-template <class Other, class... Rest>
-std::vector<Context> contexts_of_others(const char* name, testing::Types<Other, Rest...>*) {
+template <class F, class... All>
+std::vector<Context> contexts_of_others(testing::Types<All...>) {
     std::vector<Context> others;
-    if constexpr (sizeof...(Rest) > 0)
-        others = contexts_of_others(name, static_cast<testing::Types<Rest...>*>(nullptr));
     Random random("others");
-    if (std::string(name) != Other::name)
+    const auto add = [&]<class Other>(std::type_identity<Other>) {
+        if (std::is_same_v<F, Other>) return;
         for (bool cascade : {false, true})
             others.push_back(make<Other>(cascade, simple_taps<Other>(random, cascade, 2)));
+    };
+    (add(std::type_identity<All>{}), ...);
     return others;
 }
 
-TYPED_TEST(IirContext, RefusesContextsOfOthers) {
+TYPED_TEST(IirContext, IsChecked) {
     using F = TypeParam;
-    typename F::Taps state[8] = {}, kept_state[8] = {};
-    typename F::Sample x[8] = {}, y[8] = {}, kept[8] = {};
-    const auto others = contexts_of_others(F::name, static_cast<Families*>(nullptr));
+    Random random("checks");
+    const auto others = contexts_of_others<F>(Families{});
     EXPECT_EQ(others.size(), 26U);
-    for (const Context& other : others) {
-        KelIirContext* foreign = other.get();
-        EXPECT_EQ(F::release(foreign), kelStatusContextMismatch);
-        EXPECT_EQ(F::get_line(foreign, state), kelStatusContextMismatch);
-        EXPECT_EQ(F::set_line(foreign, nullptr), kelStatusContextMismatch);
-        EXPECT_EQ(F::set_line(foreign, state), kelStatusContextMismatch);
-        for (int count : {0, 1}) {
-            EXPECT_EQ(call(F::block, 0, nullptr, y, count, foreign), kelStatusContextMismatch);
-            EXPECT_EQ(call(F::in_place, 0, nullptr, count, foreign), kelStatusContextMismatch);
-        }
-        EXPECT_EQ(call(F::one, 0, x[0], nullptr, foreign), kelStatusContextMismatch);
+    for (bool cascade : {false, true}) {
+        const Context own = make<F>(cascade, simple_taps<F>(random, cascade, 3));
+        expect_checks_of_context<F>(own, others);
+        expect_checks_of_one<F>(own, others);
     }
-    EXPECT_EQ(std::memcmp(y, kept, sizeof y), 0);
-    EXPECT_EQ(std::memcmp(state, kept_state, sizeof state), 0);
 }
 
 TYPED_TEST(IirContext, MakingOneRefusesAndRunsOutOfMemory) {
@@ -90,11 +84,7 @@ TYPED_TEST(IirContext, MakingOneRefusesAndRunsOutOfMemory) {
     for (bool cascade : {false, true}) {
         const auto make_one = init_of<F>(cascade);
         const auto taps = simple_taps<F>(random, cascade, 3);
-        KelIirContext* made = nullptr;
-        kels_test::expect_nulls_refused(make_one, &made, taps.data(), -1, 0, nullptr);
-        for (int bad : {cascade ? 0 : -1, -2, INT_MIN})
-            kels_test::expect_not_made(kelStatusBadIirOrder, make_one, taps.data(), bad, 0, nullptr);
-        kels_test::expect_not_made(kelStatusNoMemory, make_one, taps.data(), INT_MAX, 0, nullptr);
+        expect_creation_checked(make_one, taps.data(), cascade);
         // A divisor is zero if both its parts are.
         const long live = kels_test::live_blocks();
         for (std::size_t i = 0; i < taps.size(); ++i) {
@@ -114,75 +104,17 @@ TYPED_TEST(IirContext, MakingOneRefusesAndRunsOutOfMemory) {
     }
 }
 
-TYPED_TEST(IirContext, RefusesInTheOrderOfItsChecks) {
+TYPED_TEST(IirContext, BlocksOfAnyLengthAreTheSameInPlace) {
     using F = TypeParam;
-    using T = typename F::Sample;
-    Random random("refuses");
-    for (bool cascade : {false, true}) {
-        auto taps = simple_taps<F>(random, cascade, 3);
-        const Context own = make<F>(cascade, taps);
-        const std::size_t registers = cascade ? 6 : 3;
-        const auto before = state_of<F>(own, registers);
-        std::vector<T> a(8), b(8);
-        std::memset(static_cast<void*>(a.data()), 0x5A, 8 * sizeof(T));
-        b = a;
-        EXPECT_EQ(F::release(nullptr), kelStatusNullPtr);
-        EXPECT_EQ(F::set_line(nullptr, taps.data()), kelStatusNullPtr);
-        kels_test::expect_nulls_refused(F::get_line, own.get(), taps.data());
-        EXPECT_EQ(call(F::one, 0, a[0], a.data(), nullptr), kelStatusNullPtr);
-        EXPECT_EQ(call(F::one, 0, a[0], nullptr, own.get()), kelStatusNullPtr);
-        for (int count : {1, 0, -1, INT_MIN}) {
-            EXPECT_EQ(call(F::block, 0, nullptr, nullptr, count, nullptr), kelStatusNullPtr);
-            EXPECT_EQ(call(F::block, 0, nullptr, a.data(), count, own.get()), kelStatusNullPtr);
-            EXPECT_EQ(call(F::block, 0, b.data(), nullptr, count, own.get()), kelStatusNullPtr);
-            EXPECT_EQ(call(F::in_place, 0, a.data(), count, nullptr), kelStatusNullPtr);
-            EXPECT_EQ(call(F::in_place, 0, nullptr, count, own.get()), kelStatusNullPtr);
-            if (count > 0) continue;
-            EXPECT_EQ(call(F::block, 0, b.data(), a.data(), count, own.get()), kelStatusBadSize);
-            EXPECT_EQ(call(F::in_place, 0, a.data(), count, own.get()), kelStatusBadSize);
-        }
-        EXPECT_TRUE(same(a, b)) << "nothing stored";
-        EXPECT_TRUE(same(state_of<F>(own, registers), before));
-    }
-}
-
-TYPED_TEST(IirContext, StaysInsideItsArrays) {
-    using F = TypeParam;
-    using T = typename F::Sample;
-    using Taps = typename F::Taps;
-    Random random("guards");
+    Random random("lengths");
     for (bool cascade : {false, true})
         for (int size : {1, 2, 3, 4, 5, 8, 9, 17}) {
             const auto taps = simple_taps<F>(random, cascade, size);
-            GuardedArray<Taps> guarded(taps, Edge::back),
-                state(static_cast<std::size_t>(cascade ? 2 * size : size), Edge::back);
-            KelIirContext* made = nullptr;
-            ASSERT_TRUE(kels_test::runs_without_fault([&] {
-                init_of<F>(cascade)(&made, guarded.data(), size, 0, nullptr);
-                F::get_line(made, state.data());
-                F::set_line(made, state.data());
-            }));
-            const Context context(made, F::release), other = make<F>(cascade, taps);
-            for (int count : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 33, 64, 65, 129, 1023, 1024, 1025, 2500})
-                for (const Edge edge : kels_test::edges) {
-                    const auto x = noise<T>(random, count);
-                    GuardedArray<T> src(x, edge), dst(x.size(), edge);
-                    const long before = kels_test::allocations();
-                    ASSERT_TRUE(kels_test::runs_without_fault([&] {
-                        call(F::block, 3, src.data(), dst.data(), count, context.get());
-                    })) << size
-                        << ' ' << count;
-                    EXPECT_TRUE(same(src.values(), x));
-                    EXPECT_TRUE(same(dst.values(), filtered<F>(in_place, x, other, 3)))
-                        << "in place and at any address the same bits";
-                    ASSERT_TRUE(kels_test::runs_without_fault([&] {
-                        call(F::in_place, 3, src.data(), count, context.get());
-                        call(F::one, 3, x[0], dst.data(), context.get());
-                    }));
-                    filtered<F>(as_block, x, other, 3);
-                    filtered<F>(one_by_one, {x[0]}, other, 3);
-                    EXPECT_EQ(kels_test::allocations(), before) << "only making one allocates";
-                }
+            const Context one = make<F>(cascade, taps), other = make<F>(cascade, taps);
+            for (int count : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 33, 64, 65, 129, 1023, 1024, 1025, 2500, 5000}) {
+                const auto x = noise<typename F::Sample>(random, count);
+                EXPECT_TRUE(same(filtered<F>(as_block, x, one, 3), filtered<F>(in_place, x, other, 3))) << count;
+            }
         }
 }
 
@@ -208,22 +140,19 @@ TYPED_TEST(IirContext, LeavesTheModesAlone) {
 /// Those that take real taps for integers.
 template <class Tap, class State>
 void expect_clean_creation(KelStatus (*make)(KelIirContext**, const Tap*, int, const State*),
-                           KelStatus (*release)(KelIirContext*), int lowest) {
+                           KelStatus (*release)(KelIirContext*), bool cascade) {
     std::vector<Tap> taps(24);
     kels_test::expect_not_made(kelStatusDivByZero, make, taps.data(), 3, nullptr);
     for (std::size_t i = 0; i < taps.size() * parts<Tap>; ++i) values(taps)[i] = 1;
-    KelIirContext* made = nullptr;
-    kels_test::expect_nulls_refused(make, &made, taps.data(), -5, nullptr);
-    kels_test::expect_not_made(kelStatusBadIirOrder, make, taps.data(), lowest - 1, nullptr);
-    kels_test::expect_not_made(kelStatusNoMemory, make, taps.data(), INT_MAX, nullptr);
+    expect_creation_checked(make, taps.data(), cascade);
     kels_test::expect_clean_failures(make, release, taps.data(), 3, nullptr);
 }
 
 TEST(IirContexts, OfRealTapsForIntegersFailWell) {
-    expect_clean_creation(kelsIIRInitAlloc32s_16s32f, kelsIIRFree32s_16s, 0);
-    expect_clean_creation(kelsIIRInitAlloc32s_BiQuad_16s32f, kelsIIRFree32s_16s, 1);
-    expect_clean_creation(kelsIIRInitAlloc32sc_16sc32fc, kelsIIRFree32sc_16sc, 0);
-    expect_clean_creation(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, kelsIIRFree32sc_16sc, 1);
+    expect_clean_creation(kelsIIRInitAlloc32s_16s32f, kelsIIRFree32s_16s, false);
+    expect_clean_creation(kelsIIRInitAlloc32s_BiQuad_16s32f, kelsIIRFree32s_16s, true);
+    expect_clean_creation(kelsIIRInitAlloc32sc_16sc32fc, kelsIIRFree32sc_16sc, false);
+    expect_clean_creation(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, kelsIIRFree32sc_16sc, true);
 }
 
 } // namespace

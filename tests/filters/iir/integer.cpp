@@ -3,8 +3,6 @@
 #include "filters/iir/reference.h"
 #include "support/emulation.h"
 
-#include <climits>
-
 namespace {
 
 using namespace iir_test;
@@ -91,7 +89,7 @@ template <class F>
 void follow_the_rule(bool cascade, int size, int factor, int tap_range, int sample_range) {
     using T = typename F::Sample;
     using Taps = typename F::Taps;
-    Random random(std::string("fixed ") + F::name + std::to_string(cascade) + std::to_string(100 * size + factor));
+    Random random(std::string("fixed ") + name_of<F>() + std::to_string(cascade) + std::to_string(100 * size + factor));
     std::vector<Taps> taps(static_cast<std::size_t>(cascade ? 6 * size : 2 * size + 2));
     std::vector<Taps> state(static_cast<std::size_t>(cascade ? 2 * size : size));
     for (auto* array : {&taps, &state})

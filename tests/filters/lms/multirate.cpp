@@ -1,53 +1,15 @@
 // Adaptive filters driven step by step, against a model that keeps the whole stream.
 
-#include "kels/lms.h"
+#include "filters/checks.h"
+#include "filters/lms/families.h"
 #include "support/life_cycle.h"
 #include "support/random_data.h"
-#include "support/refusals.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cstring>
-#include <vector>
 
 namespace {
 
 using namespace kels_test;
-
-template <class T, class S, auto make_, auto release_, auto set_taps_, auto get_taps_, auto show_taps_, auto set_mu_,
-          auto set_line_, auto get_line_, auto get_sample_, auto put_, auto output_, auto put_and_output_, auto update_>
-struct Functions {
-    using Tap = T;
-    using Sample = S;
-    static constexpr int parts = type_of<S>().parts;
-    static constexpr auto make = make_;
-    static constexpr auto release = release_;
-    static constexpr auto set_taps = set_taps_;
-    static constexpr auto get_taps = get_taps_;
-    static constexpr auto show_taps = show_taps_;
-    static constexpr auto set_mu = set_mu_;
-    static constexpr auto set_line = set_line_;
-    static constexpr auto get_line = get_line_;
-    static constexpr auto get_sample = get_sample_;
-    static constexpr auto put = put_;
-    static constexpr auto output = output_;
-    static constexpr auto put_and_output = put_and_output_;
-    static constexpr auto update = update_;
-};
-
-using Real = Functions<Kel32s, Kel16s, kelsFIRLMSMRInitAlloc32s_16s, kelsFIRLMSMRFree32s_16s,
-                       kelsFIRLMSMRSetTaps32s_16s, kelsFIRLMSMRGetTaps32s_16s, kelsFIRLMSMRGetTapsPointer32s_16s,
-                       kelsFIRLMSMRSetMu32s_16s, kelsFIRLMSMRSetDlyLine32s_16s, kelsFIRLMSMRGetDlyLine32s_16s,
-                       kelsFIRLMSMRGetDlyVal32s_16s, kelsFIRLMSMRPutVal32s_16s, kelsFIRLMSMROne32s_16s,
-                       kelsFIRLMSMROneVal32s_16s, kelsFIRLMSMRUpdateTaps32s_16s>;
-using Complex =
-    Functions<Kel32sc, Kel16sc, kelsFIRLMSMRInitAlloc32sc_16sc, kelsFIRLMSMRFree32sc_16sc, kelsFIRLMSMRSetTaps32sc_16sc,
-              kelsFIRLMSMRGetTaps32sc_16sc, kelsFIRLMSMRGetTapsPointer32sc_16sc, kelsFIRLMSMRSetMu32sc_16sc,
-              kelsFIRLMSMRSetDlyLine32sc_16sc, kelsFIRLMSMRGetDlyLine32sc_16sc, kelsFIRLMSMRGetDlyVal32sc_16sc,
-              kelsFIRLMSMRPutVal32sc_16sc, kelsFIRLMSMROne32sc_16sc, kelsFIRLMSMROneVal32sc_16sc,
-              kelsFIRLMSMRUpdateTaps32sc_16sc>;
+using namespace filter_test;
+using namespace lms_test;
 
 /// A number of either family, in 64 bits.
 struct Wide {
@@ -133,6 +95,7 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
             Model model = {wide(taps), {}, size.stride, size.delay, 12345};
             for (int i = 0; i < L; ++i) model.stream.push_back(wide(line[static_cast<std::size_t>((index + i) % L)]));
 
+            const long before = allocations();
             for (int step = 0; step < 400; ++step) {
                 const typename F::Sample x = noise<typename F::Sample>(random, 1, extremes)[0];
                 const typename F::Tap error = noise<typename F::Tap>(random, 1, extremes)[0];
@@ -167,6 +130,7 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
                     }
                 }
             }
+            EXPECT_EQ(allocations(), before);
             const auto expect_kept = [&](const std::vector<Wide>& kept_taps, const std::vector<Wide>& kept_line,
                                          int at) {
                 std::vector<typename F::Tap> got(taps.size());
@@ -235,91 +199,46 @@ TEST(LmsMrReal, Literals) {
     }
 }
 
-TYPED_TEST(LmsMr, FindsAnUnknownSystem) {
-    using F = TypeParam;
-    using Tap = typename F::Tap;
-    using Sample = typename F::Sample;
-    Random random("identification at several rates");
-    const auto context = made(F::make, F::release, nullptr, 4, nullptr, 0, 2, 0, 512);
-    constexpr int system[] = {100, -50, 25, 0};
-    const auto number = []<class T>(T*, int re, int im) -> T {
-        if constexpr (F::parts == 1)
-            return static_cast<T>(re);
-        else
-            return {static_cast<decltype(T::re)>(re), static_cast<decltype(T::re)>(im)};
-    };
-    std::vector<int> x(8);
-    for (int i = 0; i < 20000; ++i) {
-        x.insert(x.begin(), random.below(2001) - 1000);
-        x.pop_back();
-        int wanted = 0;
-        for (int k = 0; k < 4; ++k) wanted += system[k] * x[static_cast<std::size_t>(2 * k)];
-        Tap y{};
-        F::put_and_output(number(static_cast<Sample*>(nullptr), x[0], 0), &y, context.get());
-        const Wide got = wide(y);
-        F::update(number(static_cast<Tap*>(nullptr), wanted - static_cast<int>(got.re), static_cast<int>(-got.im)),
-                  context.get());
-    }
-    Tap found[4];
-    F::get_taps(context.get(), found);
-    for (int k = 0; k < 4; ++k) EXPECT_NEAR(static_cast<double>(wide(found[k]).re) / 65536, system[k], 1.5) << k;
-}
-
 TYPED_TEST(LmsMr, CreationRefusesAndRunsOutOfMemory) {
     using F = TypeParam;
-    const auto expect = [](KelStatus status, int taps, int index, int stride, int delay) {
-        expect_not_made(status, F::make, nullptr, taps, nullptr, index, stride, delay, 0);
-    };
-    EXPECT_EQ(F::make(nullptr, nullptr, 0, nullptr, 0, 0, 0, 0), kelStatusNullPtr);
-    for (const int taps : {0, -1}) expect(kelStatusBadSize, taps, 0, 1, 5);
-    for (const int stride : {0, INT_MIN}) expect(kelStatusBadSize, 1, 0, stride, 5);
-    for (const int index : {-1, 7, INT_MAX}) expect(kelStatusBadSize, 2, index, 3, 1);
-    for (const int delay : {-1, INT_MIN}) expect(kelStatusBadSize, 1, 0, 1, delay);
+    Untouched memory;
+    memory.expect_refusals(
+        F::make, std::tuple(memory.array<KelLmsMrContext*>(1), nullptr, 2, nullptr, 6, 3, 1),
+        {null(0), size(2), size(5), {6, kelStatusBadSize, {-1, INT_MIN}}, index(4, 7, kelStatusBadSize)});
     for (const Sizes& huge :
          {Sizes{INT_MAX, INT_MAX, INT_MAX}, {1 << 16, 1 << 16, 0}, {1, 1, INT_MAX}, {1, INT_MAX, 0}, {INT_MAX, 1, 0}})
-        expect(kelStatusNoMemory, huge.taps, 0, huge.stride, huge.delay);
+        expect_not_made(kelStatusNoMemory, F::make, nullptr, huge.taps, nullptr, 0, huge.stride, huge.delay, 0);
     expect_clean_failures(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0);
 }
 
-TYPED_TEST(LmsMr, RefusesInOrderAndStoresNothing) {
+TYPED_TEST(LmsMr, ContextsAreChecked) {
     using F = TypeParam;
     using Other = std::conditional_t<F::parts == 1, Complex, Real>;
-    KelLmsMrContext* const context = made(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0).release();
-    KelLmsMrContext* const foreign = made(Other::make, Other::release, nullptr, 2, nullptr, 0, 3, 1, 0).release();
-    typename F::Tap tap[2] = {}, *shown = nullptr;
-    typename F::Sample sample[7] = {};
-    int index = 7;
-    for (KelLmsMrContext* const wrong : {static_cast<KelLmsMrContext*>(nullptr), foreign}) {
-        const KelStatus status = wrong ? kelStatusContextMismatch : kelStatusNullPtr;
-        EXPECT_EQ(F::set_taps(wrong, tap), status);
-        EXPECT_EQ(F::get_taps(wrong, tap), status);
-        EXPECT_EQ(F::set_mu(wrong, 1), status);
-        EXPECT_EQ(F::set_line(wrong, sample, -1), status);
-        EXPECT_EQ(F::get_line(wrong, sample, &index), status);
-        EXPECT_EQ(F::get_sample(wrong, sample, -1), status);
-        EXPECT_EQ(F::put(sample[0], wrong), status);
-        EXPECT_EQ(F::output(tap, wrong), status);
-        EXPECT_EQ(F::put_and_output(sample[0], tap, wrong), status);
-        EXPECT_EQ(F::update(tap[0], wrong), status);
-    }
-    for (KelLmsMrContext* const any : {context, foreign}) { // whose nulls come first
-        expect_nulls_refused(F::get_taps, any, tap);
-        expect_nulls_refused(F::get_line, any, sample, &index);
-        expect_nulls_refused(F::get_sample, any, sample, 0);
-        expect_nulls_refused(F::output, tap, any);
-        expect_nulls_refused(F::put_and_output, sample[0], tap, any);
-    }
-    EXPECT_EQ(F::show_taps(nullptr, &shown), kelStatusNullPtr);
-    EXPECT_EQ(F::show_taps(context, nullptr), kelStatusNullPtr);
-    EXPECT_EQ(F::show_taps(foreign, &shown), kelStatusOk) << "of either family";
-    for (const int wrong : {-1, 7, INT_MIN, INT_MAX})
-        EXPECT_EQ(F::set_line(context, sample, wrong), kelStatusBadDlyLineIndex);
-    for (const int wrong : {-1, 8, INT_MIN, INT_MAX}) EXPECT_EQ(F::get_sample(context, sample, wrong), kelStatusBadArg);
-    EXPECT_EQ(index, 7);
-    F::get_line(context, sample, &index);
-    EXPECT_EQ(index, 6) << "nothing has entered";
-    EXPECT_EQ(F::release(context), kelStatusOk);
-    EXPECT_EQ(F::release(foreign), kelStatusOk) << "either family releases";
+    const auto owner = made(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0);
+    std::vector<Owned<KelLmsMrContext>> others;
+    others.push_back(made(Other::make, Other::release, nullptr, 2, nullptr, 0, 3, 1, 0));
+    KelLmsMrContext* const context = owner.get();
+    Untouched memory;
+    auto* const taps = memory.array<typename F::Tap>(2);
+    auto* const line = memory.array<typename F::Sample>(7);
+    int* const place = memory.array({7});
+    auto** const shown = memory.array<typename F::Tap*>(1);
+    const Check first = foreign(0, others);
+    memory.expect_checks(F::set_taps, std::tuple(context, taps), {null(0), first});
+    memory.expect_checks(F::get_taps, std::tuple(context, taps), {null(0), null(1), first});
+    memory.expect_checks(F::show_taps, std::tuple(context, shown), {null(0), null(1)});
+    memory.expect_checks(F::set_mu, std::tuple(context, 1), {null(0), first});
+    memory.expect_checks(F::get_line, std::tuple(context, line, place), {null(0), null(1), null(2), first});
+    memory.expect_checks(F::get_sample, std::tuple(context, line, 0),
+                         {null(0), null(1), first, index(2, 8, kelStatusBadArg)});
+    memory.expect_checks(F::set_line, std::tuple(context, line, 0),
+                         {null(0), first, index(2, 7, kelStatusBadDlyLineIndex)});
+    memory.expect_checks(F::put, std::tuple(*line, context), {null(1), foreign(1, others)});
+    memory.expect_checks(F::output, std::tuple(taps, context), {null(0), null(1), foreign(1, others)});
+    memory.expect_checks(F::put_and_output, std::tuple(*line, taps, context), {null(1), null(2), foreign(2, others)});
+    memory.expect_checks(F::update, std::tuple(*taps, context), {null(1), foreign(1, others)});
+    EXPECT_EQ(F::show_taps(others[0].get(), shown), kelStatusOk) << "of either family";
+    EXPECT_EQ(F::release(others[0].release()), kelStatusOk) << "either family releases";
     EXPECT_EQ(F::release(nullptr), kelStatusOk);
 }
 

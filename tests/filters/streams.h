@@ -1,0 +1,100 @@
+// Streams through contexts, for the tests and for the fuzzer: one way of calling, with arrays at the edge of a page.
+#pragma once
+
+#include "filters/careful.h"
+#include "filters/checks.h"
+#include "filters/samples.h"
+
+namespace filter_test {
+
+/// What all families of FIR and IIR filters have: types of the taps, of the samples, of the delay line, and functions.
+template <class T, class S, class L, auto release_, auto get_line_, auto set_line_, auto block_, auto in_place_,
+          auto one_>
+struct Family {
+    using Taps = T;
+    using Sample = S;
+    using State = L;
+    static constexpr auto release = release_;
+    static constexpr auto get_line = get_line_;
+    static constexpr auto set_line = set_line_;
+    static constexpr auto block = block_;
+    static constexpr auto in_place = in_place_;
+    static constexpr auto one = one_;
+    static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
+    static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
+    static constexpr bool single_taps = std::is_same_v<Part<T>, Kel32f>;
+    static constexpr bool complex = parts<S> == 2;
+};
+
+/// The ways of samples through a filter. The last two are for some only.
+enum Way { as_block, in_place, one_by_one, one_in_place, over_itself };
+
+/// A context as what samples go through.
+template <class F, class Context>
+struct Through {
+    Context* context;
+    int scale;
+
+    kels_test::Edge edge_of_source(auto& in) const { return in.edge(); }
+    KelStatus run(const typename F::Sample* x, typename F::Sample* y, int n) {
+        return call(F::block, scale, x, y, n, context);
+    }
+    KelStatus run(typename F::Sample* x, int n) { return call(F::in_place, scale, x, n, context); }
+    KelStatus one(Way, typename F::Sample* x) { return call(F::one, scale, *x, x, context); }
+};
+
+/// What a filter makes of x in one of the ways: n iterations, which give so many samples.
+template <class T, class In, class Filter>
+std::vector<T> filtered(In& in, Filter& filter, Way way, const std::vector<T>& x, int n, std::size_t given) {
+    if (way == as_block) {
+        const kels_test::GuardedArray<T> source(x, filter.edge_of_source(in));
+        return kels_test::results<T>(in, given, [&](T* y) { return filter.run(source.data(), y, n); });
+    }
+    if (way == in_place || way == over_itself) {
+        const auto run = [&](T* y) { return way == in_place ? filter.run(y, n) : filter.run(y, y, n); };
+        auto y = kels_test::results_in_place(in, x, run, given);
+        y.resize(given);
+        return y;
+    }
+    kels_test::GuardedArray<T> y(x, kels_test::Edge::back);
+    const auto one_after_the_other = [&] {
+        KelStatus status = kelStatusOk;
+        for (std::size_t i = 0; i < x.size() && status == kelStatusOk; ++i) status = filter.one(way, y.data() + i);
+        return status;
+    };
+    EXPECT_EQ(in.plainly(one_after_the_other), kelStatusOk);
+    return y.values();
+}
+
+/// A family that has no context of this kind refuses it.
+template <class Stranger>
+void expect_stranger(auto* context) {
+    typename Stranger::Sample x[2] = {};
+    typename Stranger::State line[2] = {};
+    EXPECT_EQ(call(Stranger::block, 0, x, x, 2, context), kelStatusContextMismatch);
+    EXPECT_EQ(Stranger::get_line(context, line), kelStatusContextMismatch);
+    EXPECT_EQ(Stranger::release(context), kelStatusContextMismatch);
+}
+
+/// The checks of what goes through a context, and of what reads and writes its state.
+template <class F, class Owner>
+void expect_checks_of_context(const Owner& own, const std::vector<Owner>& others) {
+    Untouched memory;
+    auto* const x = memory.array<typename F::Sample>(4);
+    auto* const y = memory.array<typename F::Sample>(4);
+    auto* const line = memory.array<typename F::State>(8);
+    memory.expect_refusals(F::release, std::tuple(own.get()), {null(0), foreign(0, others)});
+    memory.expect_checks(F::get_line, std::tuple(own.get(), line), {null(0), null(1), foreign(0, others)});
+    memory.expect_checks(F::set_line, std::tuple(own.get(), line), {null(0), foreign(0, others)});
+    memory.expect_checks(F::block, std::tuple(x, y, 1, own.get()),
+                         {null(3), foreign(3, others), null(0), null(1), size(2)});
+    memory.expect_checks(F::in_place, std::tuple(x, 1, own.get()), {null(2), foreign(2, others), null(0), size(1)});
+}
+template <class F, class Owner>
+void expect_checks_of_one(const Owner& own, const std::vector<Owner>& others) {
+    Untouched memory;
+    memory.expect_checks(F::one, std::tuple(typename F::Sample{}, memory.array<typename F::Sample>(1), own.get()),
+                         {null(2), foreign(2, others), null(1)});
+}
+
+} // namespace filter_test
