@@ -98,7 +98,7 @@ template <class V>
     using W = SingleBits<V>;
     using U = Vec<std::uint32_t, lanes<V>>;
     static constexpr Reciprocals table;
-    constexpr float error = 0x1.8p-35F; // with those of the doubles
+    constexpr float error = 0x1p-34F; // with those of the doubles
     const W above = bits_as<W>(bits_as<U>(x) - splat<U>(Reciprocals::start));
     const W exponent = above & splat<W>(static_cast<std::int32_t>(0xFF800000));
     const V m = bits_as<V>(bits_as<U>(x) - bits_as<U>(exponent)), k = convert<float>(above >> splat<W>(23));
