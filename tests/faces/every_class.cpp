@@ -6,25 +6,20 @@
 
 namespace kels {
 
-template class fft<float>;
-template class fft<double>;
-template class fft<Kel16s>;
-template class fft<std::complex<float>>;
-template class fft<std::complex<double>>;
-template class fft<Kel16sc>;
-template class fft<split<float>>;
-template class fft<split<double>>;
-template class fft<split<Kel16s>>;
+#define FOR_SIGNALS(CLASS)                                                                                             \
+    template class CLASS<float>;                                                                                       \
+    template class CLASS<double>;                                                                                      \
+    template class CLASS<Kel16s>;                                                                                      \
+    template class CLASS<std::complex<float>>;                                                                         \
+    template class CLASS<Kel64fc>;                                                                                     \
+    template class CLASS<Kel16sc>;                                                                                     \
+    template class CLASS<split<float>>;                                                                                \
+    template class CLASS<split<double>>;                                                                               \
+    template class CLASS<split<Kel16s>>;
 
-template class dft<float>;
-template class dft<double>;
-template class dft<Kel16s>;
-template class dft<Kel32fc>;
-template class dft<Kel64fc>;
-template class dft<Kel16sc>;
-template class dft<split<float>>;
-template class dft<split<double>>;
-template class dft<split<Kel16s>>;
+FOR_SIGNALS(fft)
+FOR_SIGNALS(dft)
+#undef FOR_SIGNALS
 
 template class dct<float>;
 template class dct<double>;

@@ -50,26 +50,31 @@ double any_of_exponents(Random& random, int from, int to) {
     return random.below(2) ? size : -size;
 }
 
-Arguments for_exponential() {
-    Random random("exponential");
+/// Some of each kind that is drawn.
+template <class... Draw>
+Arguments drawn(const char* purpose, Draw... draw) {
+    Random random(purpose);
     Arguments a;
-    for (int i = 0; i < arguments_of_a_kind; ++i) {
-        a.add(random.uniform(-708, 709.08));
-        a.add(random.uniform(-1, 1));
-        a.add(any_of_exponents(random, -60, 9));
-    }
+    for (int i = 0; i < arguments_of_a_kind; ++i) (a.add(draw(random)), ...);
+    return a;
+}
+auto between(double low, double high) {
+    return [=](Random& random) { return random.uniform(low, high); };
+}
+auto of_exponents(int from, int to) {
+    return [=](Random& random) { return any_of_exponents(random, from, to); };
+}
+constexpr auto beside_one = [](Random& random) { return 1 + any_of_exponents(random, -52, 0) / 2; };
+
+Arguments for_exponential() {
+    Arguments a = drawn("exponential", between(-708, 709.08), between(-1, 1), of_exponents(-60, 9));
     for (int n = 0; n < 1000; ++n) a.add_neighbours((n + 0.5) * 0.69314718055994530942); // where n changes
     return a;
 }
 
 Arguments for_logarithm() {
-    Random random("logarithm");
-    Arguments a;
-    for (int i = 0; i < arguments_of_a_kind; ++i) {
-        a.add(random.uniform(0.5, 2));
-        a.add(std::fabs(any_of_exponents(random, -1074, 1023)));
-        a.add(1 + any_of_exponents(random, -52, 0) / 2);
-    }
+    const auto any = [](Random& random) { return std::fabs(any_of_exponents(random, -1074, 1023)); };
+    Arguments a = drawn("logarithm", between(0.5, 2), any, beside_one);
     for (int e = -1074; e < 1024; ++e) a.add(std::ldexp(1.0, e));
     for (int e = -1022; e < 1023; ++e)
         for (int steps = -2; steps <= 2; ++steps)
@@ -78,13 +83,7 @@ Arguments for_logarithm() {
 }
 
 Arguments for_circular() {
-    Random random("circular");
-    Arguments a;
-    for (int i = 0; i < arguments_of_a_kind; ++i) {
-        a.add(random.uniform(-10, 10));
-        a.add(any_of_exponents(random, -40, 60));
-        if (i % 4 == 0) a.add(any_of_exponents(random, 20, 1024));
-    }
+    Arguments a = drawn("circular", between(-10, 10), of_exponents(-40, 60), of_exponents(20, 1024));
     for (int n = 1; n < 3000; ++n) a.add_neighbours(n * 0.78539816339744830962);
     for (int e = -1000; e < 1024; ++e) a.add_neighbours(std::ldexp(1.0, e));
     a.add_neighbours(0x1.6ac5b262ca1ffp849); // nearest of all to a multiple of pi / 2
@@ -92,13 +91,7 @@ Arguments for_circular() {
 }
 
 Arguments for_arctangent() {
-    Random random("arctangent");
-    Arguments a;
-    for (int i = 0; i < arguments_of_a_kind; ++i) {
-        a.add(random.uniform(-4, 4));
-        a.add(any_of_exponents(random, -100, 100));
-        a.add(1 + any_of_exponents(random, -52, 0) / 2);
-    }
+    Arguments a = drawn("arctangent", between(-4, 4), of_exponents(-100, 100), beside_one);
     for (double edge : {std::sqrt(2.0) - 1, std::sqrt(2.0) + 1, 1.0, 0x1p200, 0x1p-1022, 0x1p1023})
         a.add_neighbours(edge);
     return a;
@@ -229,25 +222,6 @@ TEST(ElementaryFunctions, GiveTheSameSinglesAtEveryLevel) {
     expect_same_bits(kelsLn_32f, logarithm, least_normal, largest);
     expect_same_bits(kelsArctan_32f, angle, 0, largest);
     expect_same_bits(kelsArctan_32f, angle, negative, negative + largest);
-}
-
-// What is not a number, and what has none for a result.
-TEST(ElementaryFunctions, AnswerSpecialArguments) {
-    using kels::Grade;
-    const double nan = std::nan(""), infinity = HUGE_VAL;
-    for (double x : {nan, infinity, -infinity}) {
-        EXPECT_TRUE(std::isnan(kels::sine<Grade::for_double>(x)));
-        EXPECT_TRUE(std::isnan(kels::cosine<Grade::for_single>(x)));
-        const double y = 1;
-        EXPECT_EQ(std::isnan(kels::arctangent_in_range<Grade::for_double>(y, x)), std::isnan(x));
-        EXPECT_EQ(std::isnan(kels::arctangent_in_range<Grade::for_single>(x, y)), std::isnan(x));
-    }
-    EXPECT_EQ(kels::arctangent<Grade::for_double>(infinity), std::atan(infinity));
-    EXPECT_EQ(kels::arctangent<Grade::for_double>(-infinity), -std::atan(infinity));
-    EXPECT_EQ(kels::exponential<Grade::for_double>(0.0), 1);
-    EXPECT_EQ(kels::exponential<Grade::for_double>(-0.0), 1);
-    EXPECT_EQ(kels::logarithm<Grade::for_double>(1.0), 0);
-    EXPECT_EQ(kels::logarithm<Grade::for_single>(1.0), 0);
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 // Allocators and the version record.
 
-#include "kels/fft.h"
 #include "kels/services.h"
-#include "support/allocation_faults.h"
 
 #include <gtest/gtest.h>
 
@@ -84,33 +82,6 @@ TEST(Memory, TheRawAddressStandsBelowTheBlock) {
 }
 
 TEST(Memory, FreeingNullDoesNothing) { kelsFree(nullptr); }
-
-TEST(Memory, FaultsAreInjectedAndBlocksCounted) {
-    const long before = kels_test::live_blocks();
-    int calls = 0;
-    kels_test::for_each_allocation_failure([&] {
-        ++calls;
-        Kel8u* first = kelsMalloc_8u(8);
-        Kel8u* second = first ? kelsMalloc_8u(8) : nullptr;
-        EXPECT_EQ(kels_test::live_blocks() - before, (first != nullptr) + (second != nullptr));
-        const bool complete = first && second;
-        kelsFree(second);
-        kelsFree(first);
-        return complete ? kelStatusOk : kelStatusNoMemory;
-    });
-    EXPECT_EQ(calls, 3);
-}
-
-// The fault tests of all families stand on this.
-TEST(Memory, TheLibraryAllocatesThroughItsPublicFunction) {
-    kels_test::for_each_allocation_failure([] {
-        KelsFftPlan_32f* plan = nullptr;
-        const KelStatus status = kelsFFTInitAlloc_C_32fc(&plan, 5, kelFftNormNone, kelHintDefault);
-        EXPECT_EQ(plan != nullptr, status == kelStatusOk);
-        if (plan) kelsFFTFree_C_32fc(plan);
-        return status;
-    });
-}
 
 TEST(Version, RecordIsTheSameOnEveryCall) {
     const kelLibraryVersion* v = kelsGetLibVersion();

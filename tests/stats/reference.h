@@ -2,6 +2,7 @@
 // reductions.
 #pragma once
 
+#include "support/literals.h"
 #include "support/rows.h"
 
 #include <gtest/gtest.h>
@@ -50,9 +51,26 @@ private:
     int count = 0;
 };
 
+template <class P>
+struct Parts {
+    P re, im;
+};
+
+/// Of a real vector's sum, or of the sums of both parts.
+template <bool has_parts, class S, class Of>
+auto of_parts(const S& re, [[maybe_unused]] const S& im, Of of) {
+    using P = decltype(of(re));
+    if constexpr (!has_parts)
+        return of(re);
+    else if constexpr (std::is_same_v<P, Within>)
+        return ComplexWithin{of(re), of(im)};
+    else
+        return Parts<P>{of(re), of(im)};
+}
+
 /// Runs a reduction of one vector and gives its result.
 template <class R, class T, class... Values>
-R reduce_with(KelStatus (*function)(const T*, int, R*, Values...), const std::vector<T>& x,
+R reduce_with(KelStatus (*function)(const T*, int, R*, Values...), const Elements<T>& x,
               std::type_identity_t<Values>... values) {
     R result{};
     if (function(x.data(), static_cast<int>(x.size()), &result, values...) != kelStatusOk) ADD_FAILURE();
@@ -61,8 +79,8 @@ R reduce_with(KelStatus (*function)(const T*, int, R*, Values...), const std::ve
 
 /// The same of two vectors.
 template <class R, class A, class B, class... Values>
-R reduce_with(KelStatus (*function)(const A*, const B*, int, R*, Values...), const std::vector<A>& x,
-              const std::vector<B>& y, std::type_identity_t<Values>... values) {
+R reduce_with(KelStatus (*function)(const A*, const B*, int, R*, Values...), const Elements<A>& x, const Elements<B>& y,
+              std::type_identity_t<Values>... values) {
     R result{};
     if (function(x.data(), y.data(), static_cast<int>(x.size()), &result, values...) != kelStatusOk) ADD_FAILURE();
     return result;

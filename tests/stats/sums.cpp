@@ -31,85 +31,57 @@ ExtendedSum total_of(const T* x, int len) {
     return sum;
 }
 
-/// Applies a function of one part's total to each part.
-template <class Of, class T>
-auto of_parts(const T* x, int len, Of of) {
-    if constexpr (ComplexSample<T>) {
-        using P = decltype(T::re);
-        std::vector<P> re, im;
-        for (int i = 0; i < len; ++i) {
-            re.push_back(x[i].re);
-            im.push_back(x[i].im);
+/// What `of` makes of the total of each part.
+template <class T, class Of>
+auto of_totals(const T* x, int len, Of of) {
+    ExtendedSum re, im;
+    for (int i = 0; i < len; ++i) {
+        if constexpr (ComplexSample<T>) {
+            re.add(x[i].re);
+            im.add(x[i].im);
+        } else {
+            re.add(x[i]);
         }
-        return std::pair(of(total_of(re.data(), len)), of(total_of(im.data(), len)));
-    } else {
-        return of(total_of(x, len));
     }
+    return of_parts<ComplexSample<T>>(re, im, of);
 }
 
 template <class R>
 struct Sum {
-    template <class T>
-    auto operator()(const T* x, int len, int = 0) const {
-        const auto sums = of_parts(x, len, [](const ExtendedSum& s) { return s.result<R>(); });
-        if constexpr (ComplexSample<T>)
-            return ComplexWithin{sums.first, sums.second};
-        else
-            return sums;
+    auto operator()(const auto* x, int len, int = 0) const {
+        return of_totals(x, len, [](const ExtendedSum& s) { return s.result<R>(); });
     }
 };
 
-/// Saturated to 32 bits before a shift to the left, and then to the result.
-template <class R>
+/// Saturated to 32 bits before a shift to the left, and then to the result's parts.
+template <class P>
 struct ScaledSum {
-    template <class T>
-    R operator()(const T* x, int len, int factor) const {
-        const auto part = [=](const ExtendedSum& s) {
+    auto operator()(const auto* x, int len, int factor) const {
+        return of_totals(x, len, [=](const ExtendedSum& s) {
             const Kel32s unscaled = scaled<Kel32s>(s.value(), factor > 0 ? factor : 0);
-            return scaled<Kel32s>(unscaled, factor < 0 ? factor : 0);
-        };
-        const auto sums = of_parts(x, len, part);
-        if constexpr (ComplexSample<T>)
-            return {scaled<decltype(R::re)>(sums.first), scaled<decltype(R::re)>(sums.second)};
-        else
-            return scaled<R>(sums);
+            return scaled<P>(scaled<Kel32s>(unscaled, factor < 0 ? factor : 0));
+        });
     }
 };
 
 template <class R>
 struct Mean {
-    template <class T>
-    auto operator()(const T* x, int len, int = 0) const {
-        const auto means =
-            of_parts(x, len, [=](const ExtendedSum& s) { return s.result<R>(s.value() / len, 1.0L / len); });
-        if constexpr (ComplexSample<T>)
-            return ComplexWithin{means.first, means.second};
-        else
-            return means;
+    auto operator()(const auto* x, int len, int = 0) const {
+        return of_totals(x, len, [=](const ExtendedSum& s) { return s.result<R>(s.value() / len, 1.0L / len); });
     }
 };
 
-struct ScaledMean {
-    static Kel16s saturated(long double mean) { return scaled<Kel16s>(mean); }
-
-    template <class T>
-    T operator()(const T* x, int len, int factor) const {
-        const auto part = [=](const ExtendedSum& s) -> Kel16s {
-            if (factor >= 16) return 0;
-            const long double sum = s.value();
-            if (factor <= -15) return sum > 0 ? 32767 : sum < 0 ? -32768 : 0;
-            if constexpr (ComplexSample<T>)
-                return saturated(sum * (1.0L / std::ldexp(static_cast<long double>(len), factor)));
-            else
-                return saturated(std::ldexp(sum, -std::min(factor, 0)) / std::ldexp(1.0L * len, std::max(factor, 0)));
-        };
-        const auto means = of_parts(x, len, part);
+constexpr auto scaled_mean = reduced([]<class T>(const T* x, int len, int factor) {
+    return of_totals(x, len, [=](const ExtendedSum& s) -> Kel16s {
+        if (factor >= 16) return 0;
+        const long double sum = s.value();
+        if (factor <= -15) return sum > 0 ? 32767 : sum < 0 ? -32768 : 0;
         if constexpr (ComplexSample<T>)
-            return {means.first, means.second};
+            return scaled<Kel16s>(sum * (1.0L / std::ldexp(static_cast<long double>(len), factor)));
         else
-            return means;
-    }
-};
+            return scaled<Kel16s>(std::ldexp(sum, -std::min(factor, 0)) / std::ldexp(1.0L * len, std::max(factor, 0)));
+    });
+});
 
 /// By the formula, in extended precision: what counts is the sign of its NaNs.
 template <class T>
@@ -168,51 +140,27 @@ struct ScaledDeviation {
 Rows about_the_limits(const Rows& rows) { return rows.values(0, {0, 1, -1, 3, 14, 15, 16, -14, -15, 48, 49, INT_MAX}); }
 
 const Rows table = {
-    reductions(reduced(ScaledSum<Kel32s>{}), kelsSum_16s32s_Sfs),
-    reductions(reduced(ScaledSum<Kel16s>{}), kelsSum_16s_Sfs),
-    reductions(reduced(ScaledSum<Kel32sc>{}), kelsSum_16sc32sc_Sfs),
-    reductions(reduced(ScaledSum<Kel16sc>{}), kelsSum_16sc_Sfs),
+    reductions(reduced(ScaledSum<Kel32s>{}), kelsSum_16s32s_Sfs, kelsSum_16sc32sc_Sfs),
+    reductions(reduced(ScaledSum<Kel16s>{}), kelsSum_16s_Sfs, kelsSum_16sc_Sfs),
     reductions(reduced(Sum<Kel32f>{}), kelsSum_32f, kelsSum_32fc).ulps(1),
-    reductions(reduced(Sum<Kel64f>{}), kelsSum_64f).ulps(1),
-    about_the_limits(reductions(reduced(ScaledMean{}), kelsMean_16s_Sfs, kelsMean_16sc_Sfs)).follows_rounding(),
+    reductions(reduced(Sum<Kel64f>{}), kelsSum_64f).every_size().ulps(1),
+    about_the_limits(reductions(scaled_mean, kelsMean_16s_Sfs, kelsMean_16sc_Sfs)).follows_rounding(),
     reductions(reduced(Mean<Kel32f>{}), kelsMean_32f, kelsMean_32fc).ulps(1),
-    reductions(reduced(Mean<Kel64f>{}), kelsMean_64f).ulps(1),
+    reductions(reduced(Mean<Kel64f>{}), kelsMean_64f).every_size().ulps(1),
     reductions(reduced(ScaledDeviation<Kel32s>{}), kelsStdDev_16s32s_Sfs).shortest(2).follows_rounding(),
     reductions(reduced(ScaledDeviation<Kel16s>{}), kelsStdDev_16s_Sfs).shortest(2).follows_rounding(),
-    reductions(reduced(Deviation{}), kelsStdDev_32f, kelsStdDev_64f).shortest(2).ulps(1),
+    reductions(reduced(Deviation{}), kelsStdDev_32f, kelsStdDev_64f).shortest(2).every_size().ulps(1),
 };
 
 const bool registered = add_rows("Sums", table);
 
 // Sums
 
-TEST(Sum, LiteralValues) {
+TEST(Sum, SaturatesBeforeItIsShiftedToTheLeft) {
     EXPECT_EQ(reduce_with(kelsSum_16s_Sfs, {32767, 1}, 0), 32767);
-    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {32767, 1}, 0), 32768);
-    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1}, 1), 0);
-    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1, 2}, 1), 2);
-    EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {5}, 1), 2);
     EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {-1}, -32), INT_MIN);
     EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {1}, -31), INT_MAX);
     EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, {0}, INT_MIN), 0);
-}
-
-// Lanes hold a limited number of steps: every length about a multiple of any such number, with the largest elements.
-TEST(Sum, IsExactAtAnyLength) {
-    for (const int len : {16383, 16384, 16385, 65535, 65536, 65537, 70000, 131072, 1000003}) {
-        for (const int value : {-32768, 32767, 1}) {
-            const std::vector<Kel16s> x(len, static_cast<Kel16s>(value));
-            const Kel64s sum = Kel64s{len} * value;
-            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 5), (scaled<Kel32s>(sum, 5)));
-            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 48), (scaled<Kel32s>(sum, 48)));
-            EXPECT_EQ(reduce_with(kelsSum_16s32s_Sfs, x, 49), 0);
-            EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, 0), value);
-            const std::vector<Kel16sc> z(len, Kel16sc{static_cast<Kel16s>(value), 3});
-            const Kel32sc parts = reduce_with(kelsSum_16sc32sc_Sfs, z, 5);
-            EXPECT_EQ(parts.re, (scaled<Kel32s>(sum, 5)));
-            EXPECT_EQ(parts.im, (scaled<Kel32s>(Kel64s{len} * 3, 5)));
-        }
-    }
 }
 
 // A million terms that all but cancel: what a sum in double precision leaves is noise.
@@ -236,41 +184,25 @@ TEST(Sum, DoublesMayLeaveTheirRangeOnTheWay) {
     EXPECT_EQ(reduce_with(kelsSum_64f, {most, most, -most}), most);
     EXPECT_EQ(reduce_with(kelsMean_64f, std::vector<Kel64f>(100, most)), most);
     EXPECT_EQ(reduce_with(kelsSum_64f, {most, most}), far);
-    EXPECT_EQ(reduce_with(kelsSum_64f, {1, -far}), -far);
-    EXPECT_TRUE(std::isnan(reduce_with(kelsSum_64f, {far, -far})));
 }
 
 // Means
 
-TEST(Mean, LiteralValues) {
-    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {1, 2}, 0), 2);
-    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {2, 3}, 0), 2);
-    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, {32767, 32767}, 16), 0);
+TEST(Mean, SmallSumsOfLargeFactors) {
     std::vector<Kel16s> x(1000);
     x[500] = 1;
     EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -15), 32767);
     EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -14), 16);
-    x[500] = -1;
-    EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, INT_MIN), -32768);
     x[500] = 0;
     EXPECT_EQ(reduce_with(kelsMean_16s_Sfs, x, -15), 0);
 }
 
 // Standard deviations
 
-TEST(StdDev, LiteralValues) {
-    EXPECT_EQ(reduce_with(kelsStdDev_16s_Sfs, {1, 2}, -20), 32767);
-    EXPECT_EQ(reduce_with(kelsStdDev_16s_Sfs, {7, 7, 7}, -20), 0);
-    EXPECT_EQ(reduce_with(kelsStdDev_16s32s_Sfs, {1, 2, 3, 4, 5, 6}, -10), 1916);
-    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, 2, 3, 4, 5}, 0), static_cast<Kel32f>(std::sqrt(2.5)));
-    EXPECT_EQ(reduce_with(kelsStdDev_64f, {1, 2, 3, 4, 5}), std::sqrt(2.5));
-}
-
 TEST(StdDev, ConstantVectorHasNone) {
     for (const int len : {2, 7, 100, 5000}) {
         EXPECT_EQ(reduce_with(kelsStdDev_32f, std::vector<Kel32f>(len, 0.1F), 0), 0);
         EXPECT_EQ(reduce_with(kelsStdDev_64f, std::vector<Kel64f>(len, 0.1)), 0);
-        EXPECT_EQ(reduce_with(kelsStdDev_16s32s_Sfs, std::vector<Kel16s>(len, -32768), -30), 0);
     }
 }
 
@@ -292,21 +224,6 @@ TEST(StdDev, FarFromZero) {
               scaled<Kel32s>(exact_deviation(integers.data(), len), -30));
 }
 
-TEST(StdDev, SignsOfNaNsCount) {
-    const Kel32f far = std::numeric_limits<Kel32f>::infinity(), nan = std::nanf("");
-    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, far, 2}, 0), 0);
-    EXPECT_TRUE(std::isnan(reduce_with(kelsStdDev_32f, {1, nan, 2}, 0)));
-    EXPECT_EQ(reduce_with(kelsStdDev_32f, {1, -nan, 2}, 0), 0);
-    EXPECT_EQ(reduce_with(kelsStdDev_64f, {1, far, 2}), 0);
-    EXPECT_TRUE(std::isnan(reduce_with(kelsStdDev_64f, {1, nan, 2})));
-    EXPECT_EQ(reduce_with(kelsStdDev_64f, {-nan, -nan, 1}), 0);
-}
-
-TEST(StdDev, SquaresMayLeaveTheRangeOfDoubles) {
-    EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, {1e300, -1e300}), std::sqrt(2) * 1e300);
-    EXPECT_DOUBLE_EQ(reduce_with(kelsStdDev_64f, {1e-200, -1e-200}), std::sqrt(2) * 1e-200);
-}
-
 // A quotient that is rounded before its root is off by more than a unit.
 TEST(StdDev, IsRoundedOnce) {
     Random random("rounded once");
@@ -318,41 +235,6 @@ TEST(StdDev, IsRoundedOnce) {
         ASSERT_LE(std::fabs(got - exact_deviation(x.data(), len)), 0.51L * (std::nextafter(wanted, HUGE_VAL) - wanted));
         x.resize(static_cast<std::size_t>(2 + random.below(9)));
         for (Kel64f& v : x) v = random.uniform(-50, 50);
-    }
-}
-
-// One meaning of the caller's rounding mode: what `fegetround` tells, and the library's own service sets.
-TEST(CallersRounding, IsThatOfTheX87Unit) {
-    const KeepControlState keep;
-    constexpr Kel32u mask = 0x0C00;
-    struct {
-        Kel32u mode;
-        Kel16s mean, part, normalized;
-        Kel32s deviation;
-        Kel32f converted;
-    } const cases[] = {{0x0000, 2, -2, 2, 1, 16777216},
-                       {0x0400, 1, -2, 2, 0, 16777216},
-                       {0x0800, 2, -1, 3, 1, 16777218},
-                       {0x0C00, 1, -1, 2, 0, 16777216}};
-    const std::vector<Kel16s> x = {1, 2};
-    const std::vector<Kel16sc> z = {{1, -1}, {2, -2}};
-    const Kel16s five = 5;
-    const Kel32s odd = 16777217;
-    for (const auto& row : cases) {
-        Kel16s normalized = 0;
-        Kel32f converted = 0;
-        ks_set_cw_fpu(row.mode, mask);
-        const Kel16s mean = reduce_with(kelsMean_16s_Sfs, x, 0);
-        const Kel16sc means = reduce_with(kelsMean_16sc_Sfs, z, 0);
-        const Kel32s deviation = reduce_with(kelsStdDev_16s32s_Sfs, x, 0);
-        kelsNormalize_16s_Sfs(&five, &normalized, 1, 0, 2, 0);
-        kelsConvert_32s32f(&odd, &converted, 1);
-        ks_set_cw_fpu(0, mask);
-        EXPECT_EQ(mean, row.mean) << row.mode;
-        EXPECT_EQ(means.im, row.part) << row.mode;
-        EXPECT_EQ(deviation, row.deviation) << row.mode;
-        EXPECT_EQ(normalized, row.normalized) << row.mode;
-        EXPECT_EQ(converted, row.converted) << row.mode;
     }
 }
 

@@ -51,46 +51,28 @@ std::uint64_t integer(Random& random, double low, double high, int specials) {
     return pattern(random.below(4) == 0 ? static_cast<T>(random.below(201) - 100) : static_cast<T>(random.bits()));
 }
 
-template <class T, std::size_t N>
-std::uint64_t real(Random& random, const std::uint64_t (&special)[N], double low, double high, int specials) {
-    if (is_special(random, specials)) return one_of(random, special);
+template <class T>
+std::uint64_t real(Random& random, double low, double high, int specials) {
+    if (is_special(random, specials)) return sizeof(T) == 4 ? one_of(random, special_32f) : one_of(random, special_64f);
     if (low != high) return pattern(static_cast<T>(random.uniform(low, high)));
     const double magnitude = std::ldexp(random.uniform(1, 2), random.below(40) - 20);
     return pattern(static_cast<T>(random.below(2) ? magnitude : -magnitude));
 }
 
-std::uint64_t draw(Random& random, Kind kind, double low, double high, int specials) {
-    switch (kind) {
-    case Kind::u8:
-        return integer<std::uint8_t>(random, low, high, specials);
-    case Kind::s8:
-        return integer<std::int8_t>(random, low, high, specials);
-    case Kind::u16:
-        return integer<std::uint16_t>(random, low, high, specials);
-    case Kind::s16:
-        return integer<std::int16_t>(random, low, high, specials);
-    case Kind::u32:
-        return integer<std::uint32_t>(random, low, high, specials);
-    case Kind::s32:
-        return integer<std::int32_t>(random, low, high, specials);
-    case Kind::s64:
-        return integer<std::int64_t>(random, low, high, specials);
-    case Kind::f32:
-        return real<float>(random, special_32f, low, high, specials);
-    default:
-        return real<double>(random, special_64f, low, high, specials);
-    }
-}
+/// Draws one of every kind, in the order of Kind.
+constexpr std::uint64_t (*draw[])(Random&, double low, double high, int specials) = {integer<std::uint8_t>,
+                                                                                     integer<std::int8_t>,
+                                                                                     integer<std::uint16_t>,
+                                                                                     integer<std::int16_t>,
+                                                                                     integer<std::uint32_t>,
+                                                                                     integer<std::int32_t>,
+                                                                                     integer<std::int64_t>,
+                                                                                     real<float>,
+                                                                                     real<double>};
 
 std::uint64_t number(Kind kind, double value) {
-    switch (kind) {
-    case Kind::f32:
-        return pattern(static_cast<float>(value));
-    case Kind::f64:
-        return pattern(value);
-    default:
-        return pattern(static_cast<std::int64_t>(value));
-    }
+    if (kind == Kind::f32) return pattern(static_cast<float>(value));
+    return kind == Kind::f64 ? pattern(value) : pattern(static_cast<std::int64_t>(value));
 }
 
 } // namespace
@@ -112,7 +94,7 @@ Random::Random(std::string_view purpose) {
 void fill_random(Random& random, Type type, void* data, std::size_t count, double low, double high, int specials) {
     auto* p = static_cast<std::byte*>(data);
     for (std::size_t i = 0; i < count * type.parts; ++i, p += type.part_size()) {
-        const std::uint64_t bits = draw(random, type.kind, low, high, specials);
+        const std::uint64_t bits = draw[static_cast<int>(type.kind)](random, low, high, specials);
         std::memcpy(p, &bits, type.part_size());
     }
 }

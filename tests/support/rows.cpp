@@ -32,8 +32,16 @@ using testing::AssertionResult;
 using testing::AssertionSuccess;
 
 constexpr int vector_bytes = 64;
-constexpr int longest = 1 << 16;
+constexpr int longest = 1 << 20;
 constexpr std::size_t margin = 2 * vector_bytes;
+
+/// The least and the largest of an integer type.
+std::pair<std::int64_t, std::int64_t> range_of(Type type) {
+    const bool is_signed = type.kind != Kind::u8 && type.kind != Kind::u16 && type.kind != Kind::u32;
+    const int digits = 8 * type.part_size() - is_signed;
+    const std::int64_t most = digits == 63 ? LLONG_MAX : (1LL << digits) - 1;
+    return {is_signed ? -most - 1 : 0, most};
+}
 
 // Comparison
 
@@ -113,8 +121,10 @@ bool matches(Type type, int tolerance, bool loose, const double* slack, const st
 const std::byte* noise() {
     static const std::vector<std::byte> bytes = [] {
         Random random("noise");
+        constexpr std::size_t period = 65521;
         std::vector<std::byte> b(longest * sizeof(Kel64fc) + 2 * margin);
-        for (std::byte& x : b) x = static_cast<std::byte>(random.bits());
+        for (std::size_t i = 0; i < b.size(); ++i)
+            b[i] = i < period ? static_cast<std::byte>(random.bits()) : b[i - period];
         return b;
     }();
     return bytes.data();
@@ -190,6 +200,34 @@ public:
                     std::memcpy(&s.found[(i * s.argument.type.parts + part) * size], &integers[pick % integers.size()],
                                 size);
                 }
+        }
+    }
+
+    /// Replaces real inputs and values by numbers of one size, or of sizes of their own, anywhere in their range.
+    void resize(Random& random) {
+        const int common = random.below(INT_MAX);
+        for (Slot& s : slots) {
+            const Type part = {s.argument.type.kind, 1, static_cast<std::uint8_t>(s.argument.type.part_size())};
+            if (part.kind < Kind::f32) continue;
+            const int most = part.kind == Kind::f32 ? 128 : 1024, least = part.kind == Kind::f32 ? -148 : -1073;
+            const int exponent = least + (random.below(2) ? common : random.below(INT_MAX)) % (most - least + 1);
+            for (std::size_t at = 0; at < s.found.size(); at += part.size) {
+                const int smaller = random.below(2) ? random.below(60) : 0;
+                const double x = std::ldexp(random.uniform(0.5, 1), exponent - smaller);
+                put_number(part, &s.found[at], s.argument.is_value() || random.below(2) ? x : -x);
+            }
+        }
+    }
+
+    /// Replaces all integers of each part of an input by the least or the largest one, as the bits of `which` say.
+    void fill_with_extremes(int which) {
+        for (Slot& s : slots) {
+            if (!s.argument.is_array() || !s.argument.is_input()) continue;
+            const auto size = static_cast<std::size_t>(s.argument.type.part_size());
+            const auto [least, most] = range_of(s.argument.type);
+            for (std::size_t part = 0; part < s.argument.type.parts; ++part, which >>= 1)
+                for (std::size_t at = part * size; at < s.bytes; at += s.argument.type.size)
+                    std::memcpy(&s.found[at], which & 1 ? &most : &least, size);
         }
     }
 
@@ -299,11 +337,12 @@ private:
     int tolerance = row.tolerance;
     bool loose = false;
     KelStatus expected_status = kelStatusOk;
-    double slack[2] = {};
+    double slack[2] = {row.spare, row.spare};
     std::vector<Slot> slots;
 
     /// One value of so many is special, or none. What ends in one result shows the others only without many NaNs.
     int special_share(Random& random) const {
+        if (row.is_finite) return 0;
         if (row.form != Form::reduction) return usual_special_share;
         const int shares[] = {usual_special_share, std::max(length, 2), 0};
         return shares[random.below(3)];
@@ -311,7 +350,7 @@ private:
 
     void draw(std::size_t i, Random& random, int specials) {
         Slot& s = slots[i];
-        const std::size_t count = s.argument.is_pointer() && s.argument.role != Role::result ? length : 1;
+        const std::size_t count = s.argument.is_array() ? length : 1;
         s.bytes = count * s.argument.type.size;
         if (s.argument.is_output()) s.expected.resize(s.bytes);
         if (s.argument.role == Role::length) {
@@ -404,8 +443,9 @@ private:
     AssertionResult check_values(std::size_t i, Tally& tally) const {
         const Slot& s = slots[i];
         const Type type = s.argument.type;
+        const int accepted = s.argument.role == Role::carried ? Row::every_bit : tolerance;
         for (std::size_t at = 0; at < s.bytes; at += type.size)
-            if (!matches(type, tolerance, loose, slack, s.place + at, &s.expected[at], tally))
+            if (!matches(type, accepted, loose, slack, s.place + at, &s.expected[at], tally))
                 return AssertionFailure() << "argument " << i << ", element " << at / type.size << ": "
                                           << print(type, s.place + at) << " instead of " << print(type, &s.expected[at])
                                           << operands(at / type.size) << "; " << describe();
@@ -415,7 +455,8 @@ private:
     std::string operands(std::size_t element) const {
         std::string text = " from";
         for (const Slot& s : slots) {
-            if (s.argument.is_input()) text += " " + print(s.argument.type, &s.found[element * s.argument.type.size]);
+            const std::size_t at = s.argument.is_array() ? element : 0;
+            if (s.argument.is_input()) text += " " + print(s.argument.type, &s.found[at * s.argument.type.size]);
             if (s.argument.is_value()) text += " value " + print(s.argument.type, s.found.data());
         }
         return text;
@@ -437,10 +478,11 @@ constexpr double scale_factors[] = {0, 1, 2, 7, 15, 16, 31, 33, 70, -1, -3, -9, 
 
 bool is_scaled(const Row& row) { return std::string_view(row.name).ends_with("Sfs"); }
 
+/// What is one value: arguments by value, and what is carried.
 std::vector<std::size_t> value_positions(const Row& row) {
     std::vector<std::size_t> found;
     for (std::size_t i = 0; i < row.arguments.size(); ++i)
-        if (row.arguments[i].is_value()) found.push_back(i);
+        if (row.arguments[i].is_value() || row.arguments[i].role == Role::carried) found.push_back(i);
     return found;
 }
 
@@ -457,8 +499,8 @@ Call drawn(const Row& row, int len, int k, Random& random) {
     Call call(row, len, random);
     const auto values = value_positions(row);
     for (std::size_t v = 0; v < values.size(); ++v) {
-        const auto& choice = row.choices[std::min<std::size_t>(v, 2)];
-        if (v < 3 && choice.count > 0)
+        const auto& choice = row.choices[std::min<std::size_t>(v, 3)];
+        if (v < 4 && choice.count > 0)
             call.set(values[v], choice.items[(k + random.below(2)) % choice.count]);
         else if (static_cast<int>(values[v]) == scale_position(row))
             call.set(values[v], scale_factors[k % std::size(scale_factors)]);
@@ -468,17 +510,19 @@ Call drawn(const Row& row, int len, int k, Random& random) {
 
 // The tests
 
+bool ends_in_one(const Row& row) { return row.form == Form::reduction || row.form == Form::update; }
+
 std::vector<Type> input_types(const Row& row) {
     std::vector<Type> types;
     for (const Argument& a : row.arguments)
-        if (a.is_input()) types.push_back(a.type);
+        if (a.is_input() && a.is_array()) types.push_back(a.type);
     return types;
 }
 
 /// True if every input there can be fits in one call.
 bool can_sweep(const Row& row) {
     const auto types = input_types(row);
-    if (row.form == Form::reduction || types.empty()) return false;
+    if (ends_in_one(row) || types.empty()) return false;
     return types.size() == 1 ? types[0].size <= 2 : types.size() == 2 && types[0].size == 1 && types[1].size == 1;
 }
 
@@ -493,9 +537,21 @@ void matches_reference(const Row& row) {
             ASSERT_TRUE(call.run({}, tally));
         }
     }
+    for (const int len : row.lengths)
+        for (int k = 0; k < std::clamp((emulated ? 1 << 14 : 1 << 18) / len, 1, draws(row)); ++k) {
+            Call call = drawn(row, len, len + k, random);
+            call.expect();
+            ASSERT_TRUE(call.run({Placement::shifted, 8 * k % vector_bytes}, tally)); // aligned in several ways
+        }
     for (int k = 0; can_sweep(row) && k < draws(row); ++k) {
-        Call call = drawn(row, longest, k, random);
+        Call call = drawn(row, 1 << 16, k, random);
         call.sweep();
+        call.expect();
+        ASSERT_TRUE(call.run({}, tally));
+    }
+    for (int k = 0; row.has_every_size && k < effort(1000, 100); ++k) {
+        Call call = drawn(row, row.shortest_length + k % 20, k, random);
+        call.resize(random);
         call.expect();
         ASSERT_TRUE(call.run({}, tally));
     }
@@ -506,51 +562,68 @@ void matches_reference(const Row& row) {
     }
 }
 
+/// The least and the largest integers over and over, as often as sums that are kept in few bits do not hold.
+void takes_extremes(const Row& row) {
+    Random random(row.name);
+    int k = 0, parts = 0;
+    for (const Type& type : input_types(row)) parts += type.parts;
+    for (const int len : {2, 63, 64, 65, 16383, 16384, 16385, 65535, 65536, 65537, effort(300001, 70000)})
+        for (int which = 0; which < 1 << parts; ++which) {
+            Call call = drawn(row, len, k++, random);
+            call.fill_with_extremes(which);
+            call.expect();
+            ASSERT_TRUE(call.run({}));
+        }
+}
+
 /// Elements beside which scaled integers are ties or overflow: a power of two, three of it, and their neighbours.
 std::vector<std::int64_t> telling_integers(Type type, bool few) {
-    const bool is_signed = type.kind != Kind::u8 && type.kind != Kind::u16 && type.kind != Kind::u32;
-    const int digits = 8 * type.part_size() - is_signed;
-    const std::int64_t most = digits == 63 ? LLONG_MAX : (1LL << digits) - 1, least = is_signed ? -most - 1 : 0;
+    const auto [least, most] = range_of(type);
     std::vector<std::int64_t> all = {0, least, least + 1, most - 1, most};
-    for (int shift = 0; shift < digits - 1; ++shift)
+    for (int shift = 0; most >> (shift + 1) > 0; ++shift)
         for (const std::int64_t odd : {1, 3})
             for (const std::int64_t beside : {-1, 0, 1})
                 for (const std::int64_t sign : {1, -1}) {
-                    if ((odd == 3 && few) || (sign < 0 && !is_signed)) continue;
-                    all.push_back(std::clamp(sign * ((odd << shift) + beside), least, most));
+                    if ((odd == 3 && few) || (sign < 0 && least == 0)) continue;
+                    all.push_back(std::clamp<std::int64_t>(sign * ((odd << shift) + beside), least, most));
                 }
     return all;
 }
 
 /// Every scale factor, from beyond the one at which all vanishes to beyond the one at which all saturates, on telling
-/// integers and pairs of them.
+/// integers and pairs of them, and with every factor on other ones of few bits.
 void takes_every_factor(const Row& row) {
     const auto types = input_types(row);
     const bool few = types.size() > 1 || types[0].parts > 1;
-    const auto integers = telling_integers(types[0], few);
+    auto integers = telling_integers(types[0], few);
+    integers.insert(integers.end(), row.telling_integers.begin(), row.telling_integers.end());
+    const std::size_t fixed = integers.size();
     std::vector<int> factors = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
     for (int factor = -70; factor <= 70; factor += emulated ? 9 : 1) factors.push_back(factor);
-    constexpr int most_pairs = 1024;
-    const int count = few ? most_pairs : static_cast<int>(integers.size());
+    constexpr int most_pairs = 1024, stride = 7;
     Random random(row.name);
     Tally tally;
     const auto values = value_positions(row);
-    for (const int factor : factors)
-        for (const bool by_one : {false, true}) { // a constant of 1 is telling, too
-            if (by_one && (values.size() == 1 || row.choices[0].count > 0)) continue;
+    for (const int factor : factors) {
+        integers.resize(fixed);
+        for (int x = factor & stride; !few && types[0].size <= 2 && x < 1 << 16; x += stride) integers.push_back(x);
+        const int count = few ? most_pairs : static_cast<int>(integers.size());
+        for (const int constant : {-1, 0, 1}) { // 0 and 1 are telling, too
+            if (constant >= 0 && (values.size() == 1 || row.choices[0].count > 0)) continue;
             Call call = drawn(row, count, 0, random);
             call.fill_with(integers, random);
-            if (by_one) call.set(values[0], 1);
+            if (constant >= 0) call.set(values[0], constant);
             call.set(static_cast<std::size_t>(scale_position(row)), factor);
             call.expect();
             ASSERT_TRUE(call.run({}, tally)) << "factor " << factor;
         }
+    }
 }
 
 /// Rows with a scale factor and integers that it scales exactly: what the x87 unit rounds may be off beside a tie.
 bool scales_integers(const Row& row) {
     const auto types = input_types(row);
-    return is_scaled(row) && !row.depends_on_rounding && row.form != Form::reduction && !types.empty() &&
+    return is_scaled(row) && !row.depends_on_rounding && !ends_in_one(row) && !types.empty() &&
            types[0].kind < Kind::f32;
 }
 
@@ -560,8 +633,28 @@ bool all_outputs_integer(const Row& row) {
     });
 }
 
+constexpr std::size_t none = ~std::size_t{0};
+
+/// Every bad value, also beside those that are found after it; before or after a null array and a bad length.
+void refuses_values(const Row& row, Random& random) {
+    const auto values = value_positions(row);
+    const int len = row.shortest_length + 36;
+    std::size_t array = 0;
+    while (!row.arguments[array].is_array()) ++array;
+    for (std::size_t i = 0; i < row.refusals.size(); ++i) {
+        const Refusal& r = row.refusals[i];
+        Call call = drawn(row, len, 0, random);
+        for (const Refusal& later : std::span(row.refusals).subspan(i))
+            if (later.value != r.value) call.set(values[later.value], later.bad);
+        call.set(values[r.value], r.bad);
+        const bool first = row.checks_values_first;
+        ASSERT_TRUE(call.run_bad(none, len, r.status)) << "value " << r.value << ": " << r.bad;
+        ASSERT_TRUE(call.run_bad(array, len, first ? r.status : kelStatusNullPtr)) << r.bad;
+        ASSERT_TRUE(call.run_bad(none, 0, first ? r.status : kelStatusBadSize)) << r.bad;
+    }
+}
+
 void obeys_frame(const Row& row) {
-    constexpr std::size_t none = ~std::size_t{0};
     Random random(row.name);
     Call call = drawn(row, row.shortest_length + 36, 0, random);
     call.expect();
@@ -575,6 +668,7 @@ void obeys_frame(const Row& row) {
     }
     // Whatever modes the caller has set stay set.
     for (const ControlState& modes : odd_modes) ASSERT_TRUE(call.run_bad(none, 0, kelStatusBadSize, &modes));
+    refuses_values(row, random);
 }
 
 /// Integers do not feel the caller's modes; what follows the caller's rounding follows the x87 unit's.
@@ -583,9 +677,14 @@ void keeps_modes(const Row& row) {
     for (int k = 0; k < draws(row); ++k) {
         Call call = drawn(row, row.shortest_length + 36, k, random);
         call.expect();
+        if (row.ignores_modes) {
+            ASSERT_TRUE(call.run({}));
+            call.expect_stored();
+        }
+        const bool same_results = all_outputs_integer(row) || row.depends_on_rounding || row.ignores_modes;
         for (const ControlState& modes : odd_modes) {
             if (row.depends_on_rounding) call.expect_rounded_by(modes);
-            ASSERT_TRUE(call.run_under(modes, all_outputs_integer(row) || row.depends_on_rounding))
+            ASSERT_TRUE(call.run_under(modes, same_results))
                 << "under control words " << std::hex << modes.x87 << ", " << modes.mxcsr;
         }
     }
@@ -598,6 +697,7 @@ void feels_rounding_little(const Row& row) {
     Random random(row.name);
     for (int k = 0; k < draws(row); ++k) {
         Call call = drawn(row, row.shortest_length + 36, k, random);
+        if (row.has_every_size && k % 2) call.resize(random);
         call.expect();
         Call loose = call;
         loose.loosen(last_places);
@@ -615,7 +715,7 @@ void stays_inside(const Row& row) {
     Random random(row.name);
     int narrowest = vector_bytes;
     for (const Argument& a : row.arguments)
-        if (a.is_pointer() && a.role != Role::result) narrowest = std::min<int>(narrowest, a.type.size);
+        if (a.is_array()) narrowest = std::min<int>(narrowest, a.type.size);
     const int to = std::max(2 * vector_bytes / narrowest + 1, row.shortest_length + 8);
     for (int len = row.shortest_length; len <= to; ++len) {
         Call call = drawn(row, len, len, random);
@@ -719,14 +819,16 @@ bool add_rows(const char* family, const Rows& added) {
     static std::list<Rows> kept; // as long as the program
     const Rows& rows = kept.emplace_back(added);
     for (const Row& row : rows) {
-        registered_rows().push_back(&row);
+        if (!row.is_driven_elsewhere) registered_rows().push_back(&row);
         const std::string suite = family + std::string("/").append(row.name);
         const Row* partner = partner_of(row, rows);
         add(suite, "matches_reference", [&row] { matches_reference(row); });
+        if (ends_in_one(row) && input_types(row)[0].kind < Kind::f32)
+            add(suite, "takes_extremes", [&row] { takes_extremes(row); });
         if (scales_integers(row)) add(suite, "takes_every_factor", [&row] { takes_every_factor(row); });
         add(suite, "obeys_frame", [&row] { obeys_frame(row); });
         add(suite, "keeps_modes", [&row] { keeps_modes(row); });
-        if (row.tolerance >= 0 && !row.depends_on_rounding && !all_outputs_integer(row))
+        if (row.tolerance >= 0 && !row.depends_on_rounding && !row.ignores_modes && !all_outputs_integer(row))
             add(suite, "feels_rounding_little", [&row] { feels_rounding_little(row); });
         add(suite, "stays_inside", [&row] { stays_inside(row); });
         if (partner || !aliases(row).empty())

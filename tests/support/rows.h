@@ -7,12 +7,13 @@
 //     };
 //     const bool registered = add_rows("Movement", table);
 //
-// The tests of a row are named Family/function.matches_reference, .takes_every_factor, .obeys_frame, .keeps_modes,
-// .feels_rounding_little, .stays_inside and .in_place_is_same.
+// The tests of a row are named Family/function.matches_reference, .takes_extremes, .takes_every_factor, .obeys_frame,
+// .keeps_modes, .feels_rounding_little, .stays_inside and .in_place_is_same.
 //
 // What an argument is follows from the signature. A pointer to const is a source, any other pointer before the length a
-// destination (in an `in_place` row: source and destination in one), one after the length a result of one element. The
-// length is the int behind a destination, in a reduction the int behind a source. Everything else is a value: a
+// destination (in an `in_place` row: source and destination in one). The length is the int behind a destination, in
+// `reductions` and `updates` the int behind a source. A pointer after the length is one element: in a reduction a
+// result, elsewhere carried from call to call (a phase, a seed), so read and replaced. Everything else is a value: a
 // constant, a level, a scale factor.
 #pragma once
 
@@ -61,22 +62,24 @@ constexpr Type type_of() {
     }
 }
 
-enum class Role : std::uint8_t { source, destination, in_place, result, length, value };
+enum class Role : std::uint8_t { source, destination, in_place, result, carried, length, value };
 
 struct Argument {
     Role role;
     Type type;
 
     constexpr bool is_pointer() const { return role != Role::length && role != Role::value; }
-    constexpr bool is_input() const { return role == Role::source || role == Role::in_place; }
+    constexpr bool is_array() const { return is_pointer() && role != Role::result && role != Role::carried; }
+    constexpr bool is_input() const { return is_pointer() && role != Role::destination && role != Role::result; }
     constexpr bool is_output() const { return is_pointer() && role != Role::source; }
     constexpr bool is_value() const { return role == Role::value; }
 };
 
-enum class Form : std::uint8_t { separate, in_place, reduction };
+enum class Form : std::uint8_t { separate, in_place, reduction, update };
 
-/// What a reference works on: an address per argument of the function. An in-place argument has its original among the
-/// inputs and its result among the outputs. A reduction's reference may leave slack for the parts of the result.
+/// What a reference works on: an address per argument of the function. What is replaced, in place or carried, has its
+/// original among the inputs and its result among the outputs. A reduction's reference may leave slack for the parts of
+/// the result.
 struct Frame {
     void* const* in;
     void* const* out;
@@ -107,14 +110,15 @@ constexpr Argument describe() {
 
 template <std::size_t N>
 constexpr std::array<Argument, N> assign_roles(Form form, std::array<Argument, N> a) {
-    const Role before_length = form == Form::reduction ? Role::source : Role::destination;
+    const bool ends_in_one = form == Form::reduction || form == Form::update;
+    const Role before_length = ends_in_one ? Role::source : Role::destination;
     std::size_t length = 1;
     while (a[length - 1].role != before_length || a[length].role != Role::value) ++length;
     a[length].role = Role::length;
     for (std::size_t i = 0; i < N; ++i)
         if (a[i].role == Role::destination) {
             if (i > length)
-                a[i].role = Role::result;
+                a[i].role = form == Form::reduction ? Role::result : Role::carried;
             else if (form == Form::in_place)
                 a[i].role = Role::in_place;
         }
@@ -293,8 +297,8 @@ constexpr Each<F> each(F) {
     return {};
 }
 
-/// Reference for the whole call: reference(sources..., destinations and results..., len, values...). An in-place
-/// argument stands among the sources and among the destinations. It returns nothing or the status.
+/// Reference for the whole call: reference(sources..., destinations and results..., len, values...). What is replaced
+/// stands among the sources and among the results. It returns nothing or the status.
 template <class F>
 constexpr Whole<F> whole(F) {
     return {};
@@ -319,6 +323,13 @@ inline constexpr bool is_placed = false;
 template <class F>
 inline constexpr bool is_placed<Placed<F>> = true;
 
+/// A value argument that a function answers with a status, storing nothing.
+struct Refusal {
+    int value;
+    double bad;
+    KelStatus status;
+};
+
 struct Row {
     static constexpr int every_bit = -1;
 
@@ -337,11 +348,20 @@ struct Row {
     bool takes_null_sources = false;
     bool depends_on_rounding = false;
     bool depends_on_place = false;
+    bool checks_values_first = false;
+    bool ignores_modes = false;
+    bool has_every_size = false;
+    bool is_driven_elsewhere = false;
+    bool is_finite = false;
+    double spare = 0;
     double low = 0, high = 0;
     struct {
         int count = 0;
         double items[12];
-    } choices[3];
+    } choices[4];
+    std::vector<Refusal> refusals;
+    std::vector<int> lengths;
+    std::vector<std::int64_t> telling_integers;
 };
 
 /// Rows that have something in common.
@@ -355,6 +375,8 @@ public:
     /// Floating-point results within n units in the last place, and any NaN for a NaN. Without this, and in integers,
     /// every bit counts.
     Rows ulps(int n) const { return with(&Row::tolerance, n); }
+    /// Floating-point results off by no more than this are as good as any.
+    Rows slack(double spare) const { return with(&Row::spare, spare); }
     /// Lengths below n are bad.
     Rows shortest(int n) const { return with(&Row::shortest_length, n); }
     /// The destination may not be a source.
@@ -371,9 +393,30 @@ public:
     }
     /// Results follow the rounding mode that the caller has set in the x87 unit.
     Rows follows_rounding() const { return with(&Row::depends_on_rounding, true); }
+    /// Results do not feel the caller's modes at all.
+    Rows any_modes() const { return with(&Row::ignores_modes, true); }
+    /// Real data and values of every exponent belong to it, those whose squares leave the range among them.
+    Rows every_size() const { return with(&Row::has_every_size, true); }
+    /// These lengths show what others do not; the longer, the fewer draws.
+    Rows lengths(const std::vector<int>& n) const { return with(&Row::lengths, n); }
+    /// These integers, too, are tried at every scale factor.
+    Rows telling(const std::vector<std::int64_t>& x) const { return with(&Row::telling_integers, x); }
+    /// The fuzzer has a drive of its own for them.
+    Rows driven_elsewhere() const { return with(&Row::is_driven_elsewhere, true); }
+    /// Infinities and NaNs do not belong to it, nor other special values; the family tests what they give.
+    Rows finite() const { return with(&Row::is_finite, true); }
     /// Random data lie in [from, to]; special values come all the same.
     Rows range(double from, double to) const { return with(&Row::low, from).with(&Row::high, to); }
-    /// The index-th value argument takes one of these only.
+    /// The index-th value argument may not be one of these. Refusals are stated in the order of the checks.
+    Rows refuses(int index, std::initializer_list<double> bad, KelStatus status) const {
+        Rows rows = *this;
+        for (Row& row : rows)
+            for (const double value : bad) row.refusals.push_back({index, value, status});
+        return rows;
+    }
+    /// Bad values are found before a null array and a bad length.
+    Rows values_first() const { return with(&Row::checks_values_first, true); }
+    /// The index-th value, carried ones counted, takes one of these only.
     Rows values(int index, std::initializer_list<double> items) const {
         Rows rows = *this;
         for (Row& row : rows)
@@ -383,7 +426,7 @@ public:
 
 private:
     template <class T, class U>
-    Rows with(T Row::*member, U value) const {
+    Rows with(T Row::*member, const U& value) const {
         Rows rows = *this;
         for (Row& row : rows) row.*member = value;
         return rows;
@@ -434,6 +477,11 @@ RowsOf<Reference> in_place(Reference, Functions... functions) {
 template <class Reference, class... Functions>
 RowsOf<Reference> reductions(Reference, Functions... functions) {
     return RowsOf<Reference>::template of<Form::reduction>(functions...);
+}
+
+template <class Reference, class... Functions>
+RowsOf<Reference> updates(Reference, Functions... functions) {
+    return RowsOf<Reference>::template of<Form::update>(functions...);
 }
 
 /// Registers the tests of every row. An in-place row whose name, without the ending, is that of another row is also

@@ -56,6 +56,11 @@ std::vector<Extended> as_complex(const std::vector<T>& parts) {
     return z;
 }
 
+template <class T>
+auto bins_of(const std::vector<T>& parts) {
+    return [&parts](std::size_t k) { return Extended(parts[2 * k], parts[2 * k + 1]); };
+}
+
 template <class F>
 class Definition : public testing::Test {};
 using Fouriers = testing::Types<Fft32f, Fft64f, Dft32f, Dft64f>;
@@ -74,11 +79,7 @@ TYPED_TEST(Definition, OfComplexNumbers) {
             const auto plan = c.plan();
             const std::vector<T> x = c.noise(), y = c.transformed(x, plan.get());
             const Known wanted = fourier_transform(as_complex(x), inverse ? 1 : -1);
-            EXPECT_LE(wanted.error(scale_of(c),
-                                   [&](std::size_t k) {
-                                       return Extended{y[2 * k], y[2 * k + 1]};
-                                   }),
-                      bound<F>(n));
+            EXPECT_LE(wanted.error(scale_of(c), bins_of(y)), bound<F>(n));
             std::vector<T> in_place = x;
             c.run(in_place.data(), in_place.data(), plan.get());
             EXPECT_TRUE(same_bits(in_place, y)) << "in place";
@@ -170,12 +171,7 @@ TYPED_TEST(Definition, AnImpulseIsASpiralAtLargeOrders) {
             std::vector<T>& result = in_place ? x : y;
             ASSERT_EQ(c.run(x.data(), result.data(), plan.get()), kelStatusOk);
             const Known wanted = Known::some_of(n, [&](std::size_t k) { return root_of_unity(-1, p * k % n, n); });
-            EXPECT_LE(wanted.error(1,
-                                   [&](std::size_t k) {
-                                       return Extended{result[2 * k], result[2 * k + 1]};
-                                   }),
-                      bound<F>(c.n))
-                << order;
+            EXPECT_LE(wanted.error(1, bins_of(result)), bound<F>(c.n)) << order;
         }
     }
 }

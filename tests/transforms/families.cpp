@@ -182,17 +182,23 @@ TYPED_TEST(Transform, ThreadsShareAPlan) {
     });
 }
 
+// Nor do the modes under which a plan is made show in what it gives.
 TYPED_TEST(Transform, LeavesTheModesAlone) {
     using F = TypeParam;
-    for_each_case<F>(F::some_lengths(), [](const Case<F>& c) {
+    const auto body = [](const Case<F>& c) {
         const auto plan = c.plan();
-        const auto x = c.noise();
+        const auto x = c.noise(), wanted = c.transformed(x, plan.get());
         const long before = allocations();
         in_odd_modes([&] { c.transformed(x, plan.get()); });
         if (F::lengths_that_allocate().empty()) {
             EXPECT_EQ(allocations(), before);
         }
-    });
+        for (const ControlState& modes : odd_modes) {
+            const auto other_plan = under(modes, [&] { return c.plan(); });
+            EXPECT_TRUE(same_bits(c.transformed(x, other_plan.get()), wanted)) << "made under " << modes.x87;
+        }
+    };
+    for_each_case<F>(F::some_lengths(), body, kelFftNormSqrt);
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "kels/conversion.h"
 #include "transforms/families.h"
 
+#include <cmath>
+
 namespace {
 
 using namespace transform_test;
@@ -33,54 +35,18 @@ TEST(Integers, AreTheSingleTransformRounded) {
 /// Transforms of one point only scale it, with ties up.
 template <class F>
 void expect_points_scaled() {
-    struct {
-        Kel16s x;
-        int scale;
-        Kel16s wanted;
-    } const literals[] = {{3, 0, 3},
-                          {3, 1, 2},
-                          {-3, 1, -1},
-                          {5, 0, 5},
-                          {5, 1, 3},
-                          {-5, 1, -2},
-                          {1, 1, 1},
-                          {-1, 1, 0},
-                          {7, 31, 0},
-                          {-7, 32, 0},
-                          {32767, 15, 1},
-                          {32767, 16, 0},
-                          {32767, 32, 0},
-                          {32767, INT_MAX, 0},
-                          {-32768, 15, -1},
-                          {-32768, 16, 0},
-                          {-32768, 31, 0},
-                          {-32768, 32, 0},
-                          {-32768, INT_MAX, 0},
-                          {3, -2, 12},
-                          {20000, -1, 32767},
-                          {3, -14, 32767},
-                          {-20000, -1, -32768},
-                          {-3, -14, -32768},
-                          {-2, -14, -32768},
-                          {1, -15, 32767},
-                          {-1, -15, -32768},
-                          {5, -20, 32767},
-                          {1, INT_MIN, 32767},
-                          {0, INT_MIN, 0},
-                          {-1, INT_MIN, -32768},
-                          {1, -40, 32767}};
-    for (const int flag : flags)
-        for_each_case<F>(
-            {1},
-            [&](const Case<F>& c) {
-                for (const auto& literal : literals) {
-                    std::vector<Kel16s> wanted(c.results(), literal.wanted);
-                    if (c.layout == Layout::ccs && !c.inverse) wanted[1] = 0;
-                    EXPECT_EQ(c.transformed(std::vector<Kel16s>(c.sources(), literal.x), literal.scale), wanted)
-                        << literal.x << " 2^-" << literal.scale;
-                }
-            },
-            flag);
+    const auto body = [](const Case<F>& c) {
+        const auto plan = c.plan();
+        for (const int x : {0, 1, -1, -2, 3, -3, 5, -5, 7, -7, 20000, -20000, 32767, -32768})
+            for (const int scale : {0, 1, 15, 16, 31, 32, INT_MAX, -1, -2, -14, -15, -20, -40, INT_MIN}) {
+                const double scaled = std::floor(std::ldexp(x, -std::clamp(scale, -100, 100)) + 0.5);
+                std::vector<Kel16s> wanted(c.results(), static_cast<Kel16s>(std::clamp(scaled, -32768.0, 32767.0)));
+                if (c.layout == Layout::ccs && !c.inverse) wanted[1] = 0;
+                const std::vector<Kel16s> points(c.sources(), static_cast<Kel16s>(x));
+                EXPECT_EQ(c.transformed(points, plan.get(), scale), wanted) << x << " 2^-" << scale;
+            }
+    };
+    for (const int flag : flags) for_each_case<F>({1}, body, flag);
 }
 
 TEST(Integers, OfOnePointAreScaledWithTiesUp) {

@@ -111,13 +111,8 @@ const bool registered = add_rows("Companding", table);
 TEST(Companding, LiteralValues) {
     expect_results(kelsLinToALaw_16s8u, {0, -1, -7, -8, 32767, -32768}, {0xD5, 0x5A, 0x5A, 0x55, 0xAA, 0x2A});
     expect_results(kelsLinToMuLaw_16s8u, {0, -1, 32767, 32635, -32768}, {0xFF, 0x7F, 0x80, 0x80, 0x00});
-    expect_results(kelsALawToLin_8u16s, {0xD5, 0x55, 0xAA, 0x2A}, {8, -8, 32256, -32256});
-    expect_results(kelsMuLawToLin_8u16s, {0xFF, 0x7F, 0x00, 0x80}, {0, 0, -32124, 32124});
     expect_results(kelsALawToMuLaw_8u, {26, 154}, {48, 176});
     expect_results(kelsMuLawToALaw_8u, {47, 175}, {5, 133});
-    const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
-    expect_results(kelsLinToMuLaw_32f8u, {1, 7e37F, HUGE_VALF, nan, -nan, -1, -2, -HUGE_VALF},
-                   {0x80, 0x80, 0x80, 0x80, 0x80, 0x00, 0x00, 0x00});
 }
 
 // Halves of a sample where the code changes, in every mode.
@@ -130,19 +125,6 @@ TEST(Companding, SinglesRoundToNearestEven) {
     }
     expect_results(kelsLinToALaw_32f8u, x, want);
     in_odd_modes([&] { expect_results(kelsLinToALaw_32f8u, x, want); });
-}
-
-TEST(Companding, CodesComeBack) {
-    std::vector<Kel8u> codes(256), back(256);
-    std::iota(codes.begin(), codes.end(), Kel8u{0});
-    std::vector<Kel16s> samples(256);
-    kelsALawToLin_8u16s(codes.data(), samples.data(), 256);
-    kelsLinToALaw_16s8u(samples.data(), back.data(), 256);
-    EXPECT_EQ(back, codes);
-    kelsMuLawToLin_8u16s(codes.data(), samples.data(), 256);
-    kelsLinToMuLaw_16s8u(samples.data(), back.data(), 256);
-    codes[0x7F] = 0xFF; // the other zero
-    EXPECT_EQ(back, codes);
 }
 
 } // namespace

@@ -165,98 +165,48 @@ constexpr auto cube_rooted_integer = each([](Kel32s x, int factor) {
     return static_cast<Kel16s>(v > 32767 ? 32767 : v < -32768 ? -32768 : std::trunc(v));
 });
 
+/// Integers beside the squares of integers and of halves, and those whose roots have lower 32 bits that, once scaled,
+/// round up to 2^32.
+std::vector<std::int64_t> beside_squares() {
+    std::vector<std::int64_t> x;
+    const auto add = [&](std::uint64_t v) { x.push_back(static_cast<std::int64_t>(v & LLONG_MAX)); };
+    for (int shift = 0; shift < 32; ++shift)
+        for (std::int64_t delta : {-3, -2, -1, 0, 1, 2, 3}) {
+            const auto root = static_cast<std::uint64_t>((1LL << shift) + 12345 * shift + delta);
+            for (std::uint64_t square :
+                 {root * root, root * root + root, root * root * 4, (2 * root + 1) * (2 * root + 1)})
+                for (std::uint64_t beside : {~0ULL, 0ULL, 1ULL}) add(square + beside);
+        }
+    for (int bits = 1; bits < 31; ++bits)
+        for (std::uint64_t odd : {1, 3, 5})
+            for (std::uint64_t below : {1, 2, 3}) add((odd << bits) * (odd << bits) - below);
+    return x;
+}
+
 const Rows table = {
     rows(squared, kelsSqr_8u_Sfs, kelsSqr_16u_Sfs, kelsSqr_16s_Sfs, kelsSqr_32f)
         .in_place(kelsSqr_8u_ISfs, kelsSqr_16u_ISfs, kelsSqr_16s_ISfs, kelsSqr_32f_I)
         .ulps(0),
     rows(squared_complex, kelsSqr_16sc_Sfs, kelsSqr_32fc, kelsSqr_64fc)
         .in_place(kelsSqr_16sc_ISfs, kelsSqr_32fc_I, kelsSqr_64fc_I)
+        .every_size()
         .ulps(1),
     rows(squared, kelsSqr_64f).in_place(kelsSqr_64f_I).ulps(1),
     rows(rooted_integers, kelsSqrt_8u_Sfs, kelsSqrt_16u_Sfs, kelsSqrt_16s_Sfs, kelsSqrt_64s_Sfs)
-        .in_place(kelsSqrt_8u_ISfs, kelsSqrt_16u_ISfs, kelsSqrt_16s_ISfs, kelsSqrt_64s_ISfs),
+        .in_place(kelsSqrt_8u_ISfs, kelsSqrt_16u_ISfs, kelsSqrt_16s_ISfs, kelsSqrt_64s_ISfs)
+        .telling(beside_squares()),
     rows(rooted_complex_integer, kelsSqrt_16sc_Sfs).in_place(kelsSqrt_16sc_ISfs),
     rows(rooted, kelsSqrt_32f).in_place(kelsSqrt_32f_I).ulps(0),
-    rows(rooted_complex, kelsSqrt_32fc, kelsSqrt_64fc).in_place(kelsSqrt_32fc_I, kelsSqrt_64fc_I).ulps(1),
+    rows(rooted_complex, kelsSqrt_32fc, kelsSqrt_64fc).in_place(kelsSqrt_32fc_I, kelsSqrt_64fc_I).every_size().ulps(1),
     rows(rooted, kelsSqrt_64f).in_place(kelsSqrt_64f_I).ulps(1),
     rows(cube_rooted, kelsCubrt_32f).ulps(1),
     rows(cube_rooted_integer, kelsCubrt_32s16s_Sfs),
 };
 const bool registered = add_rows("Roots", table);
 
-// Every scale factor on every 16-bit value, and on 64-bit values around the squares of halves and of integers.
-
-constexpr int extreme_factors[] = {INT_MIN, INT_MIN + 1, -1000, INT_MAX, INT_MAX - 1, 1000};
-
-template <class T, class Reference>
-void expect_every_factor(KelStatus (*function)(const T*, T*, int, int), const std::vector<T>& x, Reference reference) {
-    std::vector<T> d(x.size());
-    const KelStatus wanted =
-        std::is_same_v<Reference, T (*)(T, int)> ? negative_among(x.data(), static_cast<int>(x.size())) : kelStatusOk;
-    const auto check = [&](int factor) {
-        ASSERT_EQ(function(x.data(), d.data(), static_cast<int>(x.size()), factor), wanted);
-        for (std::size_t i = 0; i < x.size(); ++i)
-            ASSERT_EQ(d[i], reference(x[i], factor)) << +x[i] << " at " << factor;
-    };
-    for (int factor = -70; factor <= 70; ++factor) check(factor);
-    for (int factor : extreme_factors) check(factor);
-}
-
-template <class T>
-std::vector<T> every_value() {
-    std::vector<T> x;
-    for (int v = std::numeric_limits<T>::min(); v <= std::numeric_limits<T>::max(); ++v) x.push_back(static_cast<T>(v));
-    return x;
-}
-
-TEST(IntegerRoot, EveryFactorOfSmallTypes) {
-    expect_every_factor(kelsSqrt_8u_Sfs, every_value<Kel8u>(), &rooted_integer<Kel8u>);
-    std::vector<Kel16u> some;
-    for (int v = 0; v < 65536; v += v < 5000 || v > 64000 ? 1 : 7) some.push_back(static_cast<Kel16u>(v));
-    expect_every_factor(kelsSqrt_16u_Sfs, some, &rooted_integer<Kel16u>);
-    std::vector<Kel16s> positive;
-    for (int v = -3; v < 32768; v += v < 5000 || v > 32000 ? 1 : 5) positive.push_back(static_cast<Kel16s>(v));
-    expect_every_factor(kelsSqrt_16s_Sfs, positive, &rooted_integer<Kel16s>);
-}
-
-TEST(IntegerRoot, EveryFactorOf64Bits) {
-    std::vector<Kel64s> x = {0, 1, 2, 3, LLONG_MAX, LLONG_MAX - 1, -1, LLONG_MIN, 1LL << 62, (1LL << 62) - 1};
-    for (int shift = 0; shift < 32; ++shift)
-        for (std::int64_t delta : {-3, -2, -1, 0, 1, 2, 3}) {
-            const std::uint64_t root = static_cast<std::uint64_t>((1LL << shift) + 12345 * shift + delta);
-            for (std::uint64_t square :
-                 {root * root, root * root + root, root * root * 4, (2 * root + 1) * (2 * root + 1)})
-                for (std::int64_t beside : {-1, 0, 1})
-                    x.push_back(static_cast<Kel64s>((square + static_cast<std::uint64_t>(beside)) & LLONG_MAX));
-        }
-    // Roots whose lower 32 bits, once scaled, round up to 2^32.
-    for (int bits = 1; bits < 31; ++bits)
-        for (std::uint64_t odd : {1, 3, 5})
-            for (std::uint64_t below : {1, 2, 3})
-                x.push_back(static_cast<Kel64s>(((odd << bits) * (odd << bits) - below) & LLONG_MAX));
-    expect_every_factor(kelsSqrt_64s_Sfs, x, &rooted_integer<Kel64s>);
-}
-
 // Literal values
 
-TEST(Square, LiteralValues) {
-    expect_results(kelsSqr_16s_Sfs, {181, 182}, {32761, 32767}, 0);
-    expect_results(kelsSqr_16s_Sfs, {-32768}, {1}, 30);
-    expect_results(kelsSqr_16s_Sfs, {-32768}, {0}, 31);
-    expect_results(kelsSqr_16u_Sfs, {5}, {2}, 4);
-    expect_results(kelsSqr_16u_Sfs, {46340, 46341, 65535}, {0, 1, 1}, 32);
-    expect_results(kelsSqr_8u_Sfs, {0, 1}, {0, 255}, -8);
-    expect_results(kelsSqr_16sc_Sfs, {{-32768, -32768}}, {{0, 32767}}, 0);
-}
-
-TEST(IntegerRoot, LiteralValues) {
-    expect_results(kelsSqrt_8u_Sfs, {2, 3}, {1, 2}, 0);
-    expect_results(kelsSqrt_8u_Sfs, {9, 25, 49}, {2, 2, 4}, 1);
-    expect_results(kelsSqrt_64s_Sfs, {4294967295}, {4294967295}, -16);
-    expect_results(kelsSqrt_64s_Sfs, {18014398509481981}, {4294967296}, -5);
-    expect_results<kelStatusSqrtNegArg>(kelsSqrt_16s_Sfs, {4, -1, -32768}, {0, 0, 0}, 9);
-    expect_results(kelsSqrt_16u_Sfs, {65535}, {1}, 8);
-    expect_results(kelsSqrt_16u_Sfs, {65535}, {0}, 9);
+TEST(IntegerRoot, OfComplexNumbers) {
     expect_results(kelsSqrt_16sc_Sfs, {{3, 4}, {-3, -4}, {-32768, -32768}}, {{2, 1}, {1, -2}, {82, -199}}, 0);
     expect_results(kelsSqrt_16sc_Sfs, {{3, -4}, {-4, 0}, {0, 0}}, {{4, -2}, {0, 4}, {0, 0}}, -1);
 }
@@ -272,38 +222,22 @@ TEST(IntegerRoot, CloseToAHalf) {
 }
 
 TEST(RealRoot, NegativeNumbers) {
-    const Kel32f x[] = {-1, 4, -0.0F, -HUGE_VALF, -1e-45F}, undefined = kelConstantOfNAN_32f;
-    const Kel32f want[] = {undefined, 2, -0.0F, undefined, undefined};
-    Kel32f d[5];
-    EXPECT_EQ(kelsSqrt_32f(x, d, 5), kelStatusSqrtNegArg);
-    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
-    Kel64f quiet[] = {-0.0, -std::numeric_limits<Kel64f>::quiet_NaN()};
-    EXPECT_EQ(kelsSqrt_64f_I(quiet, 2), kelStatusOk);
-    EXPECT_TRUE(quiet[0] == 0 && std::signbit(quiet[0]) && std::isnan(quiet[1]));
-    Kel64f negative = -1e-320;
-    EXPECT_EQ(kelsSqrt_64f_I(&negative, 1), kelStatusSqrtNegArg);
-    EXPECT_EQ(std::memcmp(&negative, &kelConstantOfNAN_64f, sizeof negative), 0);
+    const Kel32f undefined = kelConstantOfNAN_32f;
+    expect_results<kelStatusSqrtNegArg>(kelsSqrt_32f, {-1, 4, -0.0F, -HUGE_VALF, -1e-45F},
+                                        {undefined, 2, -0.0F, undefined, undefined});
+    expect_results<kelStatusSqrtNegArg>(kelsSqrt_64f, {-1e-320}, {kelConstantOfNAN_64f});
+    expect_results(kelsSqrt_64f, {-0.0, 4}, {-0.0, 2});
 }
 
 TEST(ComplexRoot, LiteralValues) {
-    const Kel32fc z[] = {{-4, 0}, {0, -8}, {-4, -0.0F}, {0, -0.0F}, {3, -4}};
-    const Kel32fc want[] = {{0, 2}, {2, -2}, {-0.0F, 2}, {-0.0F, -0.0F}, {2, -1}};
-    Kel32fc d[5];
-    EXPECT_EQ(kelsSqrt_32fc(z, d, 5), kelStatusOk);
-    EXPECT_EQ(std::memcmp(d, want, sizeof d), 0);
+    expect_results(kelsSqrt_32fc, {{-4, 0}, {0, -8}, {-4, -0.0F}, {0, -0.0F}, {3, -4}},
+                   {{0, 2}, {2, -2}, {-0.0F, 2}, {-0.0F, -0.0F}, {2, -1}});
 }
 
-// The parts of a difference of squares that is small beside them.
-TEST(ComplexSquare, DifferenceHasTheFormOfAProduct) {
-    const Kel32fc z[] = {{-1, 1}, {1.0000001F, 1}};
-    Kel32fc d[2];
-    ASSERT_EQ(kelsSqr_32fc(z, d, 2), kelStatusOk);
-    EXPECT_TRUE(d[0].re == 0 && std::signbit(d[0].re));
-    EXPECT_EQ(d[1].re, static_cast<Kel32f>((1.0000001F + 1.0) * (1.0000001F - 1.0)));
-    Kel64fc x = {1.7e308, 1.7e308};
-    ASSERT_EQ(kelsSqr_64fc_I(&x, 1), kelStatusOk);
-    EXPECT_EQ(x.re, 0);
-    EXPECT_EQ(x.im, HUGE_VAL);
+// The real part is a difference of squares in the form of a product.
+TEST(ComplexSquare, LiteralValues) {
+    expect_results(kelsSqr_32fc, {{-1, 1}}, {{-0.0F, -2}});
+    expect_results(kelsSqr_64fc, {{1.7e308, 1.7e308}}, {{0, HUGE_VAL}});
 }
 
 // Where an overflow gives the largest number in place of an infinity.
@@ -320,21 +254,9 @@ TEST(ComplexRoot, OverflowOnTheWayInEveryMode) {
 }
 
 TEST(CubeRoot, LiteralValues) {
-    const Kel32f x[] = {27, -8, 1e-39F, -1e-39F, -0.0F, 1e30F};
-    Kel32f d[6];
-    ASSERT_EQ(kelsCubrt_32f(x, d, 6), kelStatusOk);
-    EXPECT_NEAR(d[0], 3, 1e-6);
-    EXPECT_NEAR(d[1], -2, 1e-6);
-    for (int i = 2; i < 5; ++i) EXPECT_TRUE(d[i] == 0 && !std::signbit(d[i]));
-    EXPECT_NEAR(d[5], 1e10, 1e4);
-    const Kel32s i[] = {27, -27, INT_MIN, INT_MAX, 0, 1};
-    Kel16s r[6];
-    ASSERT_EQ(kelsCubrt_32s16s_Sfs(i, r, 6, 0), kelStatusOk);
-    const Kel16s want[] = {3, -3, -1290, 1290, 0, 1};
-    EXPECT_EQ(std::memcmp(r, want, sizeof r), 0);
-    ASSERT_EQ(kelsCubrt_32s16s_Sfs(i, r, 6, -6), kelStatusOk);
-    EXPECT_EQ(r[2], -32768);
-    EXPECT_EQ(r[3], 32767);
+    expect_results(kelsCubrt_32f, {1e-39F, -1e-39F, -0.0F}, {0, 0, 0});
+    expect_results(kelsCubrt_32s16s_Sfs, {27, -27, INT_MIN, INT_MAX, 0, 1}, {3, -3, -1290, 1290, 0, 1}, 0);
+    expect_results(kelsCubrt_32s16s_Sfs, {INT_MIN, INT_MAX}, {-32768, 32767}, -6);
 }
 
 } // namespace
