@@ -32,11 +32,11 @@ template <class Call>
 double nanoseconds(Call call) {
     using Clock = std::chrono::steady_clock;
     double least = INFINITY;
-    for (int run = 0; run < 5; ++run) {
+    for (int run = 0; run < 3; ++run) {
         int calls = 0;
         const auto begin = Clock::now();
         std::chrono::duration<double, std::nano> passed{};
-        while (passed.count() < 3e5) {
+        while (passed.count() < 1e5) {
             call();
             ++calls;
             passed = Clock::now() - begin;
@@ -47,36 +47,44 @@ double nanoseconds(Call call) {
 }
 
 struct Cell {
-    double out_of_place, in_place;
+    double out_of_place = INFINITY, in_place = INFINITY;
 };
 
 struct Map {
     std::vector<int> taps = powers_and_neighbours(16, 8192), blocks = powers_and_neighbours(1, 65536);
     std::vector<std::vector<Cell>> rows; ///< by taps, then by blocks: nanoseconds a sample
 
+    /// Round after round, and of every cell the least: a machine that is slow for a while spoils one of them.
     void measure() {
+        constexpr int rounds = 6;
+        rows.assign(taps.size(), std::vector<Cell>(blocks.size()));
+        for (int round = 0; round < rounds; ++round)
+            for (std::size_t t = 0; t < taps.size(); ++t) {
+                std::fprintf(stderr, "\rround %d of %d, %d taps   ", round + 1, rounds, taps[t]);
+                measure_row(taps[t], rows[t]);
+            }
+        std::fprintf(stderr, "\r");
+    }
+
+    void measure_row(int count, std::vector<Cell>& row) const {
         const auto source = noise<Kel32f>(blocks.back());
         const auto result = zeros<Kel32f>(blocks.back());
-        for (int count : taps) {
-            std::fprintf(stderr, "\r%d taps   ", count);
-            KelFirContext* context = nullptr;
-            kelsFIRInitAlloc_32f(&context, noise<Kel32f>(count).get(), count, nullptr);
-            const Owner owner(context, kelsFIRFree_32f);
-            std::vector<Cell> row;
-            for (int block : blocks) {
-                const double apart = nanoseconds([&] { kelsFIR_32f(source.get(), result.get(), block, context); });
+        KelFirContext* context = nullptr;
+        kelsFIRInitAlloc_32f(&context, noise<Kel32f>(count).get(), count, nullptr);
+        const Owner owner(context, kelsFIRFree_32f);
+        for (std::size_t b = 0; b < blocks.size(); ++b) {
+            const int block = blocks[b];
+            const double apart = nanoseconds([&] { kelsFIR_32f(source.get(), result.get(), block, context); });
+            std::copy_n(source.get(), block, result.get());
+            // Filtered again and again, noise may grow beyond all numbers: every call gets its samples anew.
+            const double copy = nanoseconds([&] { std::copy_n(source.get(), block, result.get()); });
+            const double in_place = nanoseconds([&] {
                 std::copy_n(source.get(), block, result.get());
-                // Filtered again and again, noise may grow beyond all numbers: every call gets its samples anew.
-                const double copy = nanoseconds([&] { std::copy_n(source.get(), block, result.get()); });
-                const double in_place = nanoseconds([&] {
-                    std::copy_n(source.get(), block, result.get());
-                    kelsFIR_32f_I(result.get(), block, context);
-                });
-                row.push_back({apart / block, std::max(in_place - copy, 0.0) / block});
-            }
-            rows.push_back(row);
+                kelsFIR_32f_I(result.get(), block, context);
+            });
+            row[b].out_of_place = std::min(row[b].out_of_place, apart / block);
+            row[b].in_place = std::min(row[b].in_place, std::max(in_place - copy, 0.0) / block);
         }
-        std::fprintf(stderr, "\r");
     }
 
     void print() const {

@@ -18,22 +18,22 @@ struct BehindHead {
     Kel64f norm_of_head = 0;
     int levels = 0;
     int position = 0;                 ///< in a frame of the last level
-    double cost = 0;                  ///< of a sample, by costs.h
+    double cost = 0;                  ///< of a sample without the head, by costs.h
     std::uint64_t moment = no_moment; ///< of the stream that this has come to
 
     int head() const { return level[0].frame; }
 
     /// Frames of the levels, each a multiple of the one before; 0 is none.
     template <class Taps>
-    bool make(const Taps* taps, int tapsLen, const int (&frames)[most_levels]) {
+    bool make(const Taps* taps, int tapsLen, const int (&frames)[most_levels], PlansByOrder<T>& plans) {
         Kel64f squares = 0;
         for (int i = 0; i < frames[0] * width; ++i)
             squares += static_cast<Kel64f>(reals(taps)[i]) * static_cast<Kel64f>(reals(taps)[i]);
         norm_of_head = std::sqrt(squares);
         for (; levels < most_levels && frames[levels] > 0; ++levels) {
             const bool last = levels + 1 == most_levels || frames[levels + 1] == 0;
-            if (!level[levels].make(taps, frames[levels], last ? tapsLen : frames[levels + 1], frames[levels]))
-                return false;
+            const int end = last ? tapsLen : frames[levels + 1];
+            if (!level[levels].make(taps, frames[levels], end, frames[levels], plans)) return false;
         }
         return true;
     }

@@ -45,7 +45,7 @@ template <class Family>
 void filter_by_sums(SingleRate<Family>& own, const typename Family::Sample* src, typename Family::Sample* dst,
                     int count, const Storing<Family>& store) {
     constexpr int width = parts<typename Family::Sample>;
-    if (count <= few_samples) {
+    if (summed_one_by_one<Family>(own.tapsLen, count)) {
         for (int i = 0; i < count; ++i) {
             own.push(src[i]);
             store_direct_sum(own, own.recent(1).src, dst + i, store);
@@ -78,8 +78,11 @@ public:
 
     void consider(Engine engine, double cost) { consider(engine, cost, samples); }
 
+    /// `before` is what has to be done before the first block where the engine has not come to it; in calls of whole
+    /// blocks it has.
     void consider_blocks(Engine engine, double before, double block, int length) {
         const int whole = samples / length, rest = samples % length;
+        if (rest == 0) before = 0;
         const double direct_rest = rest == 0 ? 0 : costs.least_direct(rest);
         const bool leaves_rest = whole > 0 && direct_rest < block;
         const double last = rest == 0 || leaves_rest ? direct_rest : block;
@@ -88,6 +91,7 @@ public:
 
     const CostsOf<Family::complex> costs;
     const int samples;
+    double cost() const { return least; }
     Step step() const { return best; }
 
 private:
@@ -104,21 +108,20 @@ private:
 template <class Family>
 Step next_step(const SingleRate<Family>& own, int count, bool may_run_plan, bool begins) {
     CheapestStep<Family> cheapest(own, count);
+    if (cheapest.cost() <= own.least_of_transforms) return cheapest.step();
     if constexpr (Family::has_plans)
-        if (may_run_plan)
-            cheapest.consider_blocks(Engine::plan, 0,
-                                     cheapest.costs.template block<Part<typename Family::Taps>>(own.transformLen, 1),
-                                     own.transformLen - own.tapsLen + 1);
+        if (may_run_plan) cheapest.consider_blocks(Engine::plan, 0, own.block_cost, own.transformLen - own.tapsLen + 1);
     if constexpr (Family::rounds_sums) {
         for (const int i : {0, 1}) {
             const auto& frames = own.spectral.frames[i];
             if (frames.frame == 0) continue;
-            const double frame = cheapest.costs.frame(frames.frame, frames.pieces);
-            cheapest.consider_blocks(i == 0 ? Engine::all_taps : Engine::half_of_taps, (frames.pieces - 1) * frame / 2,
-                                     frame, frames.frame);
+            const double frame = own.spectral.frame_cost[i];
+            const double before = frames.moment == own.moment ? 0 : (frames.pieces - 1) * frame * price::taking;
+            cheapest.consider_blocks(i == 0 ? Engine::all_taps : Engine::half_of_taps, before, frame, frames.frame);
         }
-        if (begins && own.spectral.behind.levels > 0)
-            cheapest.consider(Engine::behind_head, price::call + count * own.spectral.behind.cost);
+        if (const auto& behind = own.spectral.behind; begins && behind.levels > 0)
+            cheapest.consider(Engine::behind_head,
+                              price::behind_call + cheapest.costs.head(behind.head(), count) + count * behind.cost);
     }
     return cheapest.step();
 }

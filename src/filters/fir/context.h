@@ -14,6 +14,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 /// The first word of every context; what follows belongs to the family that it names.
@@ -77,6 +78,7 @@ template <class Family>
 requires Family::has_plans struct TapsSpectrum<Family> {
     using Spectrum = typename Family::Taps;
     int transformLen = 0; ///< points of the plan: longer than fftLen where that leaves more new samples a block
+    double block_cost = 0;
     OwnedPlan<Spectrum> plan;
     Owned<Spectrum> spectrum, work;
 };
@@ -88,7 +90,9 @@ struct SpectralSums {};
 template <class Family>
 requires Family::rounds_sums struct SpectralSums<Family> {
     using Wide = std::conditional_t<Family::complex, Kel64fc, Kel64f>;
+    PlansByOrder<Wide> plans;
     Partitions<Wide> frames[2];
+    double frame_cost[2] = {};
     BehindHead<Wide> behind;
 };
 
@@ -97,6 +101,7 @@ template <class Family>
 struct SingleRate : FirContext<Family>, TapsSpectrum<Family> {
     static constexpr Kel32u family_id = Family::single_rate_id;
     int fftLen = -1; ///< blocks longer than this run overlap-save; -1 without a plan
+    double least_of_transforms = std::numeric_limits<double>::infinity(); ///< no call of theirs costs less
 
     auto stored_coefficients() const { return StoredCoefficients<SumsOf<Family>>{this->coefficients.get()}; }
 
@@ -176,6 +181,9 @@ bool add_spectrum(SingleRate<Family>& context) {
     context.plan.reset(plan);
     context.fftLen = 1 << switch_order(context.tapsLen);
     context.transformLen = 1 << order;
+    const CostsOf<Family::complex> costs{double(context.tapsLen)};
+    context.block_cost = costs.template block<Part<Spectrum>>(context.transformLen, 1);
+    context.least_of_transforms = std::min(context.least_of_transforms, context.block_cost);
     context.spectrum = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
     context.work = make_owned<Spectrum>(static_cast<std::size_t>(context.transformLen));
     if (!context.spectrum || !context.work) return false;
@@ -200,22 +208,32 @@ bool add_partitions(SingleRate<Family>& context) {
     if (frame == 0) return true;
     auto& own = context.spectral;
     const auto* taps = context.taps.get();
-    if (!own.frames[0].make(taps, 0, tapsLen, frame) || !own.frames[1].make(taps, 0, tapsLen, frame / 2)) return false;
+    if (!own.frames[0].make(taps, 0, tapsLen, frame, own.plans) ||
+        !own.frames[1].make(taps, 0, tapsLen, frame / 2, own.plans))
+        return false;
 
     const CostsOf<Family::complex> costs{double(tapsLen)};
+    for (const int i : {0, 1}) {
+        own.frame_cost[i] = costs.frame(own.frames[i].frame, own.frames[i].pieces);
+        context.least_of_transforms = std::min(context.least_of_transforms, own.frame_cost[i]);
+    }
+    constexpr int typical = 64; // samples of a call
     int best[2] = {};
-    double& least = own.behind.cost;
-    least = costs.direct(1e6) / 1e6;
+    double least = costs.direct(typical);
     for (int first = 32; first <= std::min(own.behind.longest_head, tapsLen / 2); first *= 2)
         for (int second = first; second <= tapsLen / 2; second *= 2) {
             const int level[2] = {first, second > first ? second : 0};
-            const double cost = costs.behind_head(level, second > first ? 2 : 1);
-            if (cost < least) {
-                least = cost;
+            const double cost = costs.behind_head(level, second > first ? 2 : 1),
+                         all = costs.head(first, typical) + typical * cost;
+            if (all < least) {
+                least = all;
+                own.behind.cost = cost;
                 std::copy_n(level, 2, best);
             }
         }
-    return best[0] == 0 || own.behind.make(taps, tapsLen, best);
+    if (best[0] == 0) return true;
+    context.least_of_transforms = std::min(context.least_of_transforms, price::behind_call);
+    return own.behind.make(taps, tapsLen, best, own.plans);
 }
 
 template <class Family>

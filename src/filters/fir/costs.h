@@ -1,10 +1,14 @@
-// What the engines cost, about, in nanoseconds: measured on one machine at every level, and only meant to be compared.
+// What the engines cost, about, in nanoseconds: only meant to be compared. The prices are fitted, at each level, to the
+// times of every engine over a grid of taps and block lengths on one machine.
 #pragma once
 
+#include "filters/fir/real_sums.h"
 #include "frame/simd/vector.h"
 #include "kels/types.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 
 namespace kels {
 
@@ -15,55 +19,68 @@ constexpr double by_level(double v4, double v3, double base) {
 
 /// What elementary steps take. Complex samples and taps are counted by their parts.
 namespace price {
-inline constexpr double call = 30;
-inline constexpr double frame = 80;                                   ///< beside its samples
-inline constexpr double product = by_level(0.034, 0.08, 0.3);         ///< of a tap and a sample in a strip
-inline constexpr double strip = by_level(16, 8, 4);                   ///< outputs that a strip costs beside its own
-inline constexpr double single_product = by_level(0.14, 0.17, 0.45);  ///< of a tap and a sample in a sum of its own
-inline constexpr double spectral_product = by_level(0.15, 0.25, 0.6); ///< of a piece of taps and a part of a transform
-inline constexpr double transform = by_level(1.2, 2.4, 5.0);          ///< both ways, of a part, in double precision
-inline constexpr double single_transform = by_level(0.7, 1.2, 2.5);
-inline constexpr double store = by_level(0.8, 1.2, 2.0); ///< of a part, with a look at both ends
+inline constexpr double call = 50;
+inline constexpr double behind_call = 100;                            ///< of a stream of short ones
+inline constexpr double frame = 90;                                   ///< beside its samples
+inline constexpr double taking = 0.4;                                 ///< of a frame, without the way back
+inline constexpr double strip = by_level(0.42, 0.35, 0.3);            ///< of outputs, a tap
+inline constexpr double strip_vector = by_level(0.25, 0.22, 0.28);    ///< of such a strip
+inline constexpr double output = by_level(0.5, 0.7, 1.0);             ///< of a direct sum, beside its products
+inline constexpr double single = 5;                                   ///< sum of its own, beside its products
+inline constexpr double single_product = by_level(0.17, 0.17, 0.23);  ///< of a tap and a sample in a sum of its own
+inline constexpr double spectral_product = by_level(0.12, 0.18, 0.3); ///< of a piece of taps and a part of a transform
+inline constexpr double transform = by_level(1.15, 1.65, 2.8);        ///< both ways, of a part, in double precision
+inline constexpr double single_transform = by_level(0.8, 1.15, 3.4);
+inline constexpr double store = by_level(0.3, 0.6, 2.0); ///< of a part, with a look at both ends
 } // namespace price
 
-/// Transforms beyond the inner caches take longer.
-inline double cache_factor(double parts_of_transform) {
-    return parts_of_transform > 8192 ? 1.9 : parts_of_transform > 2048 ? 1.4 : 1;
+/// Transforms take longer for every further pass, and beyond the inner cache.
+template <class T>
+double growth(int parts_of_transform) {
+    const auto sizes = static_cast<unsigned>(parts_of_transform) * sizeof(T) / 4096;
+    return sizes > 1 ? 1 + 0.2 * static_cast<double>(std::bit_width(sizes) - 1) : 1;
 }
 
 /// A filter, as far as it matters.
 template <bool complex>
 struct CostsOf {
     static constexpr int width = complex ? 2 : 1;
-    static constexpr double products = complex ? 3.5 : 1; ///< of a complex product, in real ones
     double taps;
 
     double one_by_one(double samples) const {
-        return samples * (price::call / 2 + price::single_product * products * taps);
+        return price::call + samples * (price::single + price::single_product * width * width * taps);
     }
-    double direct(double samples) const {
-        return price::call + price::product * products * taps * (samples + price::strip);
+    double direct(int samples) const {
+        constexpr int lanes = max_lanes<Kel64f>, most = RealSums<complex>::widest;
+        const int vectors = (samples * width + lanes - 1) / lanes, strips = (vectors + most - 1) / most;
+        return price::call + price::output * width * samples +
+               width * taps * (price::strip * strips + price::strip_vector * vectors);
     }
-    double least_direct(double samples) const { return std::min(one_by_one(samples), direct(samples)); }
+    /// Whether a few outputs are better summed each on its own.
+    bool few(int samples) const { return one_by_one(samples) < direct(samples); }
+    double least_direct(int samples) const { return std::min(one_by_one(samples), direct(samples)); }
 
     /// Samples through a transform both ways; that of `pieces` others is known.
     template <class T>
-    double block(double samples, double pieces) const {
-        const double all = samples * width;
+    double block(int samples, double pieces) const {
+        const int all = samples * width;
         constexpr double there_and_back = sizeof(T) == 4 ? price::single_transform : price::transform;
-        return all * (there_and_back * cache_factor(all) + price::spectral_product * pieces);
+        return all * (there_and_back * growth<T>(all) + price::spectral_product * pieces);
     }
     /// A frame of new samples and the one before it.
-    double frame(double length, double pieces) const {
+    double frame(int length, double pieces) const {
         return price::frame + block<Kel64f>(2 * length, pieces) + price::store * length * width;
     }
 
-    /// A stream of short calls, levels of frames behind a head: for each sample.
+    /// The first taps of such a filter.
+    static double head(int first_taps, int samples) { return CostsOf{double(first_taps)}.least_direct(samples); }
+
+    /// A stream of short calls, levels of frames behind a head: for each sample, without the head.
     double behind_head(const int* level, int levels) const {
-        double all = price::product * products * level[0] + price::store * width + price::frame / level[0];
+        double all = price::store * width;
         for (int i = 0; i < levels; ++i) {
-            const double end = i + 1 < levels ? level[i + 1] : taps;
-            all += block<Kel64f>(2 * level[i], (end - level[i]) / level[i]) / level[i];
+            const double pieces = std::ceil((i + 1 < levels ? level[i + 1] : taps) / level[i]) - 1;
+            all += (price::frame + block<Kel64f>(2 * level[i], pieces)) / level[i];
         }
         return all;
     }

@@ -43,6 +43,17 @@ struct Stream {
             piece(-past, 0, [=](auto i) { return old[i]; });
         piece(0, count, [=](auto i) { return fresh[i]; });
     }
+
+    /// The same, with silence where there are none.
+    template <class T>
+    void copy_or_silence(std::ptrdiff_t position, std::ptrdiff_t length, T* out) const {
+        constexpr int width = parts<Sample>;
+        const std::ptrdiff_t first = std::clamp<std::ptrdiff_t>(-past - position, 0, length),
+                             end = std::clamp<std::ptrdiff_t>(count - position, first, length);
+        std::fill_n(out, first * width, T{});
+        copy(position, length, out);
+        std::fill(out + end * width, out + length * width, T{});
+    }
 };
 
 /// Where the engine takes its coefficients, oldest sample first: from a context ...

@@ -56,6 +56,8 @@ struct RealSums {
     static constexpr int per_tap = width;         ///< coefficients of a tap
     static constexpr int padding = 0;             ///< zero taps behind the last
     static constexpr int segment = 1024 / width;  ///< taps that are summed on their own
+    /// Vectors of a strip: there are 32 registers, or 16.
+    static constexpr int widest = complex ? 3 : vector_bytes == 64 ? 8 : 6;
 
     /// Passes over the samples that the taps need.
     template <class Taps>
@@ -222,21 +224,19 @@ template <bool complex, int Vectors>
     });
 }
 
-/// Strips as wide as the registers hold, then narrower ones.
+/// Strips as wide as the registers hold, and one for the rest. What a vector reads and writes behind the last output is
+/// slack.
 template <bool complex>
 void RealSums<complex>::add_strips(const Line* line, const Coefficient* taps, int count, Total* total, int outputs,
                                    int /*pass*/) {
     using V = Vec<Kel64f>;
-    int at = 0;
-    const auto strips = [&]<int Vectors>(std::integral_constant<int, Vectors>) {
-        for (; at + Vectors * lanes<V> <= outputs; at += Vectors * lanes<V>)
-            add_strip<complex, Vectors>(line + at, taps, count * width, total + at);
-    };
-    constexpr bool many = vector_bytes == 64; // registers: 32 of them, or 16
-    strips(std::integral_constant < int, complex ? 3 : (many ? 8 : 6) > {});
-    if constexpr (!complex && !many) strips(std::integral_constant<int, 4>{});
-    strips(std::integral_constant<int, 2>{});
-    for (; at < outputs; at += lanes<V>) add_strip<complex, 1>(line + at, taps, count * width, total + at);
+    int vectors = (outputs + lanes<V> - 1) / lanes<V>;
+    for (; vectors >= widest; vectors -= widest, line += widest * lanes<V>, total += widest * lanes<V>)
+        add_strip<complex, widest>(line, taps, count * width, total);
+    unrolled<widest>([&](auto rest) KELS_INLINE {
+        if constexpr (rest > 0)
+            if (vectors == rest) add_strip<complex, rest>(line, taps, count * width, total);
+    });
 }
 
 // One output

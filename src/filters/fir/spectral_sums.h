@@ -30,6 +30,31 @@ struct Storing {
             }
         store_rounded(sums, dst, count, rounding<Family>(scaleFactor, tapsFactor));
     }
+
+    /// Stores sums that may be off by `bound`, and tells whether no sample depends on it.
+    bool certain(const Kel64f* sums, Kel64f bound, Part<Sample>* dst, int count) const {
+        using R = Part<Sample>;
+        using Bits = std::conditional_t<sizeof(R) == 2, Kel16s, Kel32s>;
+        if (as_transformed) return false; // only looked at one by one
+        const auto rounded = rounding<Family>(scaleFactor, tapsFactor);
+        bool same = true;
+        in_widest<R>(count, [&](auto width) KELS_INLINE {
+            using V = Vec<Kel64f, width>;
+            using B = Vec<Bits, width>;
+            B differences{};
+            const auto some = [&](Index i) KELS_INLINE {
+                const V sum = load<V>(sums + i);
+                const auto low = rounded.template to<R>(sum - splat<V>(bound)),
+                           high = rounded.template to<R>(sum + splat<V>(bound));
+                differences = differences | (bits_as<B>(low) ^ bits_as<B>(high));
+                kels::store(dst + i, high);
+            };
+            for (Index i = 0; i < count - width; i += width) some(i);
+            some(count - width);
+            same = fold_lanes(differences, [](auto a, auto b) KELS_INLINE { return decltype(a)(a | b); }) == 0;
+        });
+        return same;
+    }
 };
 
 /// Outputs first to first + count - 1 of the block that the line has just taken in, of `length` samples.
@@ -60,10 +85,12 @@ void store_checked(const SingleRate<Family>& own, const Kel64f* sums, Kel64f bou
     using R = Part<typename Family::Sample>;
     using Bits = std::conditional_t<sizeof(R) == 2, Kel16s, Kel32s>;
     constexpr int width = parts<typename Family::Sample>, most = 128 / width, too_many = most / 8;
+    constexpr Kel64f infinity = std::numeric_limits<Kel64f>::infinity();
     constexpr Kel64f least_bound = 0x1p-1000; // what may be lost below the normal numbers
     if (bound > 0) bound += least_bound;
     for (int first = 0, outputs; first < count; first += outputs, sums += outputs * width) {
         outputs = std::min(most, count - first);
+        if (bound < infinity && store.certain(sums, bound, reals(dst + first), outputs * width)) continue;
         R low[most * width], high[most * width];
         Kel64f ends[most * width];
         each(outputs * width, [&](auto i) { ends[i] = sums[i] - bound; });
@@ -73,7 +100,7 @@ void store_checked(const SingleRate<Family>& own, const Kel64f* sums, Kel64f bou
         int doubtful = 0;
         for (int i = 0; i < outputs * width; ++i)
             doubtful += std::bit_cast<Bits>(low[i]) != std::bit_cast<Bits>(high[i]);
-        if (doubtful > too_many || !(bound < std::numeric_limits<Kel64f>::infinity())) {
+        if (doubtful > too_many || !(bound < infinity)) {
             store_direct_sums(own, count, first, outputs, dst + first, store);
             continue;
         }
@@ -101,8 +128,15 @@ void filter_frames(SingleRate<Family>& own, Frames& frames, const typename Famil
     }
 }
 
-/// Up to so many outputs are summed each on its own.
-inline constexpr int few_samples = 3;
+/// Whether a few outputs are summed each on its own.
+template <class Family>
+bool summed_one_by_one(int taps, int outputs) {
+    constexpr int most = 16, always = 3;
+    if constexpr (Family::integer_taps)
+        return outputs <= always;
+    else
+        return outputs <= most && CostsOf<Family::complex>{double(taps)}.few(outputs);
+}
 
 /// Filters a block of a stream of short ones.
 template <class Family>
@@ -122,7 +156,7 @@ void filter_behind_head(SingleRate<Family>& own, const typename Family::Sample* 
         const auto block = own.recent(some);
         const auto* oldest = block.src - (head - 1);
         Kel64f* const sums = tile.sums();
-        if (some <= few_samples) {
+        if (summed_one_by_one<Family>(head, some)) {
             for (int i = 0; i < some; ++i)
                 std::copy_n(Sums::dot_of_fresh(reals(oldest + i), taps, head).data(), width, sums + i * width);
         } else {
