@@ -146,8 +146,7 @@ template <class V>
     const V main = radius * factor.head;
     const V exact = main + (product_error(radius, factor.head, main) + radius * factor.tail);
     const V plain = radius * (factor.head + factor.tail); // for zeros, infinities, and products beyond splitting
-    const auto splits = (exact - exact == 0) & (magnitude(main) > splat<V>(0x1p-960)); // errors do not underflow
-    return with_sign_of(splits ? exact : plain, factor.sign);
+    return with_sign_of(((exact - exact == 0) & (exact != 0)) ? exact : plain, factor.sign);
 }
 
 template <class V>

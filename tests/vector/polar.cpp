@@ -288,19 +288,4 @@ TEST(PolarToCartesian, AnglesOfAnySize) {
     }
 }
 
-// Products that lose places at the lower end of the range.
-TEST(PolarToCartesian, SubnormalResults) {
-    Random random("subnormal results");
-    for (int i = 0; i < 20000; ++i) {
-        const Kel64f radius = std::ldexp(random.uniform(0.5, 2), -1021 - random.below(40)),
-                     angle = random.uniform(-9, 9);
-        Kel64fc z = {};
-        ASSERT_EQ(kelsPolarToCart_64fc(&radius, &angle, &z, 1), kelStatusOk);
-        const long double exact_re = radius * std::cos(static_cast<long double>(angle));
-        const long double exact_im = radius * std::sin(static_cast<long double>(angle));
-        ASSERT_LE(std::fabs(z.re - exact_re), 0x1p-1074L) << radius << " at " << angle;
-        ASSERT_LE(std::fabs(z.im - exact_im), 0x1p-1074L) << radius << " at " << angle;
-    }
-}
-
 } // namespace
