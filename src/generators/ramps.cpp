@@ -89,7 +89,7 @@ template <class T, class V>
         // Unsigned ones are cut in extended precision, which may be less than the integer that a double rounds to.
         const auto is_whole = (sum + 0x1p52) - 0x1p52 == sum;
         const V v = (is_whole & (rest < sum * -0x1p-64)) ? sum - 0.5 : sum;
-        return to_type<T>(y.high <= 0 ? V{} : sum < most ? v : splat<V>(most));
+        return to_type<T>(y.high <= 0 ? V{} : v < most ? v : splat<V>(most));
     }
 }
 

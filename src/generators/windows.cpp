@@ -471,17 +471,18 @@ KelStatus kaiser_window(const T* src, T* dst, int len, double alpha) {
     if (!(steepest <= limit)) return kelStatusKaiserTooHuge;
     const double size = std::fabs(alpha);
     const auto last = static_cast<double>(steepest);
-    const auto argument = [=](auto n) KELS_INLINE { return square_root(n * (m - n)) * size; };
+    const auto root = [=](auto n) KELS_INLINE { return square_root(n * (m - n)); };
     if constexpr (std::is_same_v<T, Kel64f>) {
         const auto divisor = static_cast<double>(extended_bessel<Denominator>(last));
         const auto rule = [=](Index n) {
-            return extended_bessel<Numerator>(argument(static_cast<double>(n))) / divisor;
+            const long double argument = static_cast<long double>(root(static_cast<double>(n))) * size;
+            return extended_bessel<Numerator>(static_cast<double>(argument)) / divisor;
         };
         for (Index n = 0; n < len / 2; ++n) weigh_pair(src, dst, len, n, rule(n));
         if (len % 2 != 0) dst[len / 2] = src[len / 2];
     } else {
         const double scale = 1 / bessel<Denominator>(last);
-        const auto weight = [=](auto n) KELS_INLINE { return bessel<Numerator>(argument(n)) * scale; };
+        const auto weight = [=](auto n) KELS_INLINE { return bessel<Numerator>(root(n) * size) * scale; };
         weigh_from(src, dst, len, 0, filled_by(weight),
                    [=](Index n) { return static_cast<long double>(weight(static_cast<double>(n))); });
     }

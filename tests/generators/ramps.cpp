@@ -112,6 +112,19 @@ const Rows signs_of_zeros = {
 
 const bool registered = add_rows("Ramps", table) && add_rows("SignsOfZeros", signs_of_zeros);
 
+// The last integers below the top, from lines that no double holds.
+TEST(Ramps, JustBelowTheTop) {
+    const auto last = [](auto function, Kel32f offset, Kel32f slope, int len, auto below) {
+        std::vector<decltype(below)> d(static_cast<std::size_t>(len));
+        EXPECT_EQ(function(d.data(), len, offset, slope), kelStatusOk);
+        EXPECT_EQ(d.back(), below);
+    };
+    last(kelsVectorRamp_8u, 254.5F, -1e-16F, 2, Kel8u{254});
+    last(kelsVectorRamp_16u, 65534.5F, -1e-13F, 20, Kel16u{65534});
+    last(kelsVectorRamp_32u, 0x1p32F, -0.3F, 6, Kel32u{4294967294});
+    last(kelsVectorRamp_8u, 254.5F, -1e-20F, 2, Kel8u{255});
+}
+
 TEST(Chirps, OutOfMemory) {
     const auto expect = [](auto function, auto magn) {
         std::vector<decltype(magn)> dst(100, 7);

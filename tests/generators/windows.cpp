@@ -246,7 +246,8 @@ TEST(Kaiser, LimitsOfAlpha) {
 // Both branches of both approximations, up to the limits.
 TEST(Kaiser, SteepWindows) {
     for (int len = 1; len <= 70; ++len)
-        for (const double steepness : {0.1, 3.7499, 3.75, 3.76, 3.999, 4.0, 4.01, 12.0, 37.99, 307.9}) {
+        for (const double steepness :
+             {0.1, 3.7499, 3.75, 3.76, 3.999, 4.0, 4.01, 12.0, 37.99, 178.6617431640625, 307.9}) {
             const auto alpha = static_cast<Kel32f>(len == 1 ? steepness : 2 * steepness / (len - 1));
             const auto expect = [=]<class T>(auto function, auto reference, T value, double error) {
                 const std::vector<T> x(len, value);

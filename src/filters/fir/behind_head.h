@@ -27,9 +27,13 @@ struct BehindHead {
     template <class Taps>
     bool make(const Taps* taps, int tapsLen, const int (&frames)[most_levels], PlansByOrder<T>& plans) {
         Kel64f squares = 0;
-        for (int i = 0; i < frames[0] * width; ++i)
-            squares += static_cast<Kel64f>(reals(taps)[i]) * static_cast<Kel64f>(reals(taps)[i]);
-        norm_of_head = std::sqrt(squares);
+        bool silent = true;
+        for (int i = 0; i < frames[0] * width; ++i) {
+            const auto tap = static_cast<Kel64f>(reals(taps)[i]);
+            squares += tap * tap;
+            silent &= tap == 0;
+        }
+        norm_of_head = silent ? 0 : std::max(std::sqrt(squares), least_size);
         for (; levels < most_levels && frames[levels] > 0; ++levels) {
             const bool last = levels + 1 == most_levels || frames[levels + 1] == 0;
             const int end = last ? tapsLen : frames[levels + 1];

@@ -69,6 +69,50 @@ struct StoredCoefficients {
     }
 };
 
+/// Sums of some parts of outputs, segment by segment. With their rounding errors kept, real ones are as good after many
+/// segments as after one.
+template <class Sums, int Most>
+class SegmentSums {
+    using Total = typename Sums::Total;
+    static constexpr bool keeps_errors = std::is_floating_point_v<Total>;
+
+public:
+    void start(int parts) {
+        count = parts;
+        segments = 0;
+        std::fill_n(total, count, Total{});
+    }
+
+    /// Where the next segment is added.
+    Total* next() {
+        if (!keeps_errors || segments++ == 0) return total;
+        if (segments == 2) std::fill_n(errors, count, Total{});
+        std::fill_n(part, count, Total{});
+        return part;
+    }
+
+    /// The segment has been added.
+    void take() {
+        if constexpr (keeps_errors)
+            if (segments > 1) each(count, [this](auto i) { add_segment(total[i], errors[i], part[i]); });
+    }
+
+    void finish() {
+        if constexpr (keeps_errors)
+            if (segments > 1) each(count, [this](auto i) { total[i] = with_error(total[i], errors[i]); });
+    }
+
+    Total* sums() { return total; }
+    const Total* sums() const { return total; }
+
+private:
+    static constexpr int room = keeps_errors ? Most : 1;
+    int count = 0, segments = 0;
+    alignas(64) Total total[Most];
+    alignas(64) Total errors[room];
+    alignas(64) Total part[room];
+};
+
 /// Adds the products of a strip of outputs and all taps to silence, segment by segment.
 template <class Sums, int Outputs = 1024 / Sums::width, int Segment = Sums::segment>
 class Tile {
@@ -80,29 +124,32 @@ public:
     void sum(const Stream& stream, std::ptrdiff_t first, int outputs, const Taps& taps, int tapsLen) {
         constexpr int width = Sums::width;
         alignas(64) typename Sums::Coefficient room[Taps::room];
-        std::fill_n(total, outputs * width + slack, typename Sums::Total{});
+        totals.start(outputs * width + slack);
         for (int tap = 0; tap < tapsLen; tap += segment) {
             const int count = std::min(segment, tapsLen - tap), needed = outputs + count - 1;
             if constexpr (requires { stream.silent(first, needed); })
                 if (stream.silent(first - (tapsLen - 1) + tap, needed)) continue; // it would add zeros
             stream.copy(first - (tapsLen - 1) + tap, needed, line);
             std::fill_n(line + needed * width, slack, typename Sums::Line{});
+            typename Sums::Total* const into = totals.next();
             for (int pass = 0; pass < taps.passes(); ++pass)
-                Sums::add_strips(line, taps.segment(tap, count, pass, room), count, total, outputs * width, pass);
+                Sums::add_strips(line, taps.segment(tap, count, pass, room), count, into, outputs * width, pass);
+            totals.take();
         }
+        totals.finish();
     }
 
-    typename Sums::Total* sums() { return total; }
+    typename Sums::Total* sums() { return totals.sums(); }
 
     template <class Sample, class Rounding>
     void store(Sample* dst, int outputs, const Rounding& rounding) const {
-        store_rounded(total, reals(dst), outputs * Sums::width, rounding);
+        store_rounded(totals.sums(), reals(dst), outputs * Sums::width, rounding);
     }
 
 private:
     static constexpr int slack = 64; // vectors may reach behind the last sample
     alignas(64) typename Sums::Line line[(most_outputs + segment) * Sums::width + slack];
-    alignas(64) typename Sums::Total total[most_outputs * Sums::width + slack];
+    SegmentSums<Sums, most_outputs * Sums::width + slack> totals;
 };
 
 } // namespace kels

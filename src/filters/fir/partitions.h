@@ -25,6 +25,9 @@ namespace kels {
 /// sqrt(log2 N) of the norm of its points; the bound is as if all of it met one output.
 inline constexpr Kel64f error_of_sums = 0x1p-47;
 
+/// What taps that are not silent are taken for, as their squares may be nothing: its products with a sample count, too.
+inline constexpr Kel64f least_size = 0x1p-400;
+
 /// Not a moment of any stream.
 inline constexpr std::uint64_t no_moment = ~std::uint64_t{0};
 
@@ -89,8 +92,9 @@ public:
             Kel64f* h = of_taps(piece);
             const int from = first + piece * frame, count = std::min(frame, end - from);
             std::copy_n(reals(taps + from), count * width, h);
+            const bool silent = std::all_of(h, h + count * width, [](Kel64f tap) { return tap == 0; });
             transform(h);
-            size(h) = greatest(h);
+            size(h) = silent ? 0 : std::max(greatest(h), least_size);
         }
         return true;
     }

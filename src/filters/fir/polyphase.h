@@ -50,26 +50,29 @@ public:
 
     template <class Stream, class Phases>
     void sum(const Stream& stream, const Phases& phases) {
-        std::fill_n(total, count * width, typename Sums::Total{});
+        totals.start(count * width);
         const int longest = phases.lengths.longest();
         for (int skipped = 0; skipped < longest; skipped += segment) {
             const int taps = std::min(segment, longest - skipped);
             const std::ptrdiff_t needed = last - first.newest + taps;
             stream.copy(first.newest - skipped - taps + 1, needed, line);
             std::fill_n(line + needed * width, slack, typename Sums::Line{});
-            for (int pass = 0; pass < phases.passes(); ++pass) add_dots(phases, skipped, taps, pass);
+            typename Sums::Total* const into = totals.next();
+            for (int pass = 0; pass < phases.passes(); ++pass) add_dots(phases, skipped, taps, pass, into);
+            totals.take();
         }
+        totals.finish();
     }
 
     template <class Sample, class Rounding>
     void store(Sample* dst, const Rounding& rounding) const {
-        store_rounded(total, reals(dst), count * width, rounding);
+        store_rounded(totals.sums(), reals(dst), count * width, rounding);
     }
 
 private:
     /// Every `up`-th output meets the same taps, and samples `down` further.
     template <class Phases>
-    void add_dots(const Phases& phases, int skipped, int taps, int pass) {
+    void add_dots(const Phases& phases, int skipped, int taps, int pass, typename Sums::Total* into) {
         alignas(64) typename Sums::Coefficient room[Phases::room];
         Place place = first;
         for (int i = 0; i < std::min(count, rates.up); ++i, place = place.later(1, rates)) {
@@ -77,13 +80,13 @@ private:
             if (met <= 0) continue;
             const auto* x = line + (place.newest - first.newest + taps - met) * width;
             const auto* h = phases.segment(place.phase, skipped, met, pass, room);
-            Sums::add_dots(x, rates.down, h, met, (count - 1 - i) / rates.up + 1, total + i * width, rates.up, pass);
+            Sums::add_dots(x, rates.down, h, met, (count - 1 - i) / rates.up + 1, into + i * width, rates.up, pass);
         }
     }
 
     static constexpr int slack = 8; // dot products may reach behind the last sample
 
-    alignas(64) typename Sums::Total total[most_outputs * width];
+    SegmentSums<Sums, most_outputs * width> totals;
     alignas(64) typename Sums::Line line[(span + segment) * width + slack];
     const Rates& rates;
     Place first;

@@ -4,12 +4,14 @@
 // of samples and taps are dealt out in blocks of four rows of eight, from the newest sample back; what is left of the
 // oldest row stands in its first places. The products of one place form a chain. The chains of a block are added up,
 // the second half onto the first and then neighbours onto neighbours, and the blocks in fours, sixteens and segments.
-// So no long sum carries the rounding of many additions.
+// So no long sum carries the rounding of many additions; where there are many segments, their rounding errors are
+// summed too.
 //
 // Neighbouring outputs come in strips of vectors, chain by chain, one broadcast tap against shifted loads. A single
 // output has its chains side by side in lanes.
 #pragma once
 
+#include "frame/error_free.h"
 #include "frame/numeric.h"
 #include "frame/simd.h"
 
@@ -366,6 +368,19 @@ template <int width, bool fresh, class X, class Taps>
     return parts;
 }
 
+/// Adds the sum of a segment to those before it, and its rounding error to theirs.
+[[gnu::always_inline]] inline void add_segment(Kel64f& total, Kel64f& errors, Kel64f more) {
+    const Kel64f sum = total + more;
+    errors += sum_error(total, more, sum);
+    total = sum;
+}
+
+/// What is not finite has no error.
+[[gnu::always_inline]] inline Kel64f with_error(Kel64f total, Kel64f errors) {
+    const Kel64f sum = total + errors;
+    return sum - sum == 0 ? sum : total;
+}
+
 /// Sums start from +0.
 template <std::size_t width>
 inline void add_to(Kel64f* total, const std::array<Kel64f, width>& more) {
@@ -376,9 +391,18 @@ template <bool complex>
 template <class X, class Taps>
 auto RealSums<complex>::dot_of_fresh(const X* x, Taps taps, int count) -> Sum {
     Sum total{};
+    if (count <= segment) {
+        add_to(total.data(), short_dot<width, true>(x, taps, count));
+        return total;
+    }
+    Sum errors{};
+    const auto add = [&](const Sum& more) {
+        for (int part = 0; part < width; ++part) add_segment(total[part], errors[part], more[part]);
+    };
     for (; count > segment; count -= segment, x += segment * width, taps = taps.from(segment * width))
-        add_to(total.data(), short_dot<width, false>(x, taps, segment));
-    add_to(total.data(), short_dot<width, true>(x, taps, count));
+        add(short_dot<width, false>(x, taps, segment));
+    add(short_dot<width, true>(x, taps, count));
+    for (int part = 0; part < width; ++part) total[part] = with_error(total[part], errors[part]);
     return total;
 }
 

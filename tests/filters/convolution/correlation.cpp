@@ -185,6 +185,23 @@ TYPED_TEST(Correlation, LongVectors) {
     for (const auto& [m, n, lags, low] : sizes) this->expect_cross(noise<T>(random, m), noise<T>(random, n), lags, low);
 }
 
+// Equal terms, whose partial sums err the same way.
+TEST(Correlations, EqualTermsOfLongVectors) {
+    constexpr int n = 100000;
+    for (const Kel64f level : {28.7, 10.3}) {
+        const std::vector<Kel64f> x(n, level), ones(n, 1.0);
+        Kel64f r[2];
+        ASSERT_EQ(kelsAutoCorr_64f(x.data(), n, r, 2), kelStatusOk);
+        for (const int lag : {0, 1}) {
+            const long double exact = static_cast<long double>(level) * level * (n - lag);
+            EXPECT_LE(std::fabs(r[lag] - exact), std::ldexp(exact, -51)) << level << " at " << lag;
+        }
+        ASSERT_EQ(kelsCrossCorr_64f(x.data(), n, ones.data(), n, r, 1, 0), kelStatusOk);
+        const long double exact = static_cast<long double>(level) * n;
+        EXPECT_LE(std::fabs(r[0] - exact), std::ldexp(exact, -51)) << level;
+    }
+}
+
 TYPED_TEST(Correlation, ExtremeLags) {
     using T = typename TypeParam::Sample;
     Random random("extreme lags");
