@@ -69,48 +69,50 @@ struct StoredCoefficients {
     }
 };
 
+/// Whether sums of segments keep their rounding errors.
+template <class Sums>
+inline constexpr bool keeps_errors = std::is_floating_point_v<typename Sums::Total>;
+
 /// Sums of some parts of outputs, segment by segment. With their rounding errors kept, real ones are as good after many
-/// segments as after one.
-template <class Sums, int Most>
+/// segments as after one; that takes thrice the room of the parts.
+template <class Sums, int Room>
 class SegmentSums {
     using Total = typename Sums::Total;
-    static constexpr bool keeps_errors = std::is_floating_point_v<Total>;
 
 public:
     void start(int parts) {
         count = parts;
+        stride = (parts + 7) / 8 * 8;
         segments = 0;
         std::fill_n(total, count, Total{});
     }
 
     /// Where the next segment is added.
     Total* next() {
-        if (!keeps_errors || segments++ == 0) return total;
-        if (segments == 2) std::fill_n(errors, count, Total{});
-        std::fill_n(part, count, Total{});
-        return part;
+        if (!keeps_errors<Sums> || segments++ == 0) return total;
+        if (segments == 2) std::fill_n(total + stride, count, Total{});
+        std::fill_n(total + 2 * stride, count, Total{});
+        return total + 2 * stride;
     }
 
     /// The segment has been added.
     void take() {
-        if constexpr (keeps_errors)
-            if (segments > 1) each(count, [this](auto i) { add_segment(total[i], errors[i], part[i]); });
+        if constexpr (keeps_errors<Sums>)
+            if (segments > 1)
+                each(count, [this](auto i) { add_segment(total[i], total[stride + i], total[2 * stride + i]); });
     }
 
     void finish() {
-        if constexpr (keeps_errors)
-            if (segments > 1) each(count, [this](auto i) { total[i] = with_error(total[i], errors[i]); });
+        if constexpr (keeps_errors<Sums>)
+            if (segments > 1) each(count, [this](auto i) { total[i] = with_error(total[i], total[stride + i]); });
     }
 
     Total* sums() { return total; }
     const Total* sums() const { return total; }
 
 private:
-    static constexpr int room = keeps_errors ? Most : 1;
-    int count = 0, segments = 0;
-    alignas(64) Total total[Most];
-    alignas(64) Total errors[room];
-    alignas(64) Total part[room];
+    int count = 0, stride = 0, segments = 0;
+    alignas(64) Total total[Room];
 };
 
 /// Adds the products of a strip of outputs and all taps to silence, segment by segment.
@@ -149,7 +151,7 @@ public:
 private:
     static constexpr int slack = 64; // vectors may reach behind the last sample
     alignas(64) typename Sums::Line line[(most_outputs + segment) * Sums::width + slack];
-    SegmentSums<Sums, most_outputs * Sums::width + slack> totals;
+    SegmentSums<Sums, (keeps_errors<Sums> ? 3 : 1) * (most_outputs * Sums::width + slack)> totals;
 };
 
 } // namespace kels

@@ -41,10 +41,15 @@ public:
     static constexpr int span = 1024 / width;     ///< samples from the newest of its first output to that of its last
     static constexpr int segment = Sums::segment; ///< taps of a phase at once
 
-    PolyphaseTile(const Rates& change, const Place& place, std::ptrdiff_t outputs)
+    PolyphaseTile(const Rates& change, const Place& place, std::ptrdiff_t outputs, int longest)
         : rates(change), first(place), count(static_cast<int>(std::min<std::int64_t>(
-                                           {most_outputs, outputs, outputs_within(span, place.phase, change)}))),
+                                           {most(longest), outputs, outputs_within(span, place.phase, change)}))),
           last(place.later(count - 1, change).newest) {}
+
+    /// Outputs whose sums have room, beside those of their rounding errors where a phase has several segments.
+    static constexpr int most(int longest) {
+        return keeps_errors<Sums> && longest > segment ? most_outputs / 4 : most_outputs;
+    }
 
     int outputs() const { return count; }
 
@@ -100,7 +105,7 @@ void filter_polyphase(const Stream& stream, const Phases& phases, const Rates& r
                       std::ptrdiff_t outputs, const Rounding& rounding) {
     Place place = Place::of_first(rates);
     for (std::ptrdiff_t done = 0; done < outputs;) {
-        PolyphaseTile<Sums> tile(rates, place, outputs - done);
+        PolyphaseTile<Sums> tile(rates, place, outputs - done, phases.lengths.longest());
         tile.sum(stream, phases);
         tile.store(dst + done, rounding);
         done += tile.outputs();
