@@ -126,12 +126,13 @@ struct Map {
 
     bool draw(const char* file) const {
         std::ostringstream script;
-        script << "set terminal pngcairo size 1100,760 font ',12'\nset output '" << file << "'\n"
+        script << "set terminal pngcairo noenhanced size 1100,760 font ',12'\nset output '" << file << "'\n"
                << "set logscale xyz\nset logscale cb\nset view map\nset pm3d map corners2color c1\n"
                << "set title 'kelsFIR_32f, level " << level() << ": nanoseconds a sample'\n"
                << "set xlabel 'samples a block'\nset ylabel 'taps'\nset xrange [1:65536]\nset yrange [15:8192]\n"
                << "set palette defined (0 '#0b1b4d', 1 '#1f77b4', 2 '#7fd6a5', 3 '#f5e663', 4 '#e4572e')\n"
-               << "set xtics 1,4\nset ytics 16,2\nsplot '-' using 1:2:3 with pm3d notitle\n";
+               << "set xtics 1,4\nset ytics (16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192)\n"
+               << "splot '-' using 1:2:3 with pm3d notitle\n";
         for (std::size_t t = 0; t < taps.size(); ++t) {
             for (std::size_t b = 0; b < blocks.size(); ++b)
                 script << blocks[b] << ' ' << taps[t] << ' ' << rows[t][b].out_of_place << '\n';
