@@ -132,7 +132,8 @@ struct ScaledDeviation {
             sum += x[i];
             squares += x[i] * x[i];
         }
-        const long double n = len, numerator = static_cast<long double>(len * squares - sum * sum);
+        const long double n = len, total = static_cast<long double>(sum);
+        const long double numerator = n * static_cast<long double>(squares) - total * total;
         return scaled<R>(scaled<Kel32s>(std::sqrt(numerator / (n * (n - 1))), factor));
     }
 };
