@@ -55,7 +55,8 @@ template <class T>
 std::uint64_t real(Random& random, double low, double high, int specials) {
     if (is_special(random, specials)) return sizeof(T) == 4 ? one_of(random, special_32f) : one_of(random, special_64f);
     if (low != high) return pattern(static_cast<T>(random.uniform(low, high)));
-    const double magnitude = std::ldexp(random.uniform(1, 2), random.below(40) - 20);
+    const double significand = random.uniform(1, 2); // before the exponent, whatever order a compiler gives arguments
+    const double magnitude = std::ldexp(significand, random.below(40) - 20);
     return pattern(static_cast<T>(random.below(2) ? magnitude : -magnitude));
 }
 
