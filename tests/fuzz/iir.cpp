@@ -80,8 +80,8 @@ void drive(Input& in) {
         if (step == 1 && !F::integer_taps) { // whose taps a scale factor may have changed
             two = filter.make(in, state);
         } else if (step == 2) {
-            const GuardedArray<typename F::Taps> source(in.data<typename F::Taps>(static_cast<int>(state.size())),
-                                                        in.edge());
+            const auto drawn = in.data<typename F::Taps>(static_cast<int>(state.size()));
+            const GuardedArray<typename F::Taps> source(drawn, in.edge());
             const auto* next = in.below(4) == 0 ? nullptr : source.data();
             for (KelIirContext* context : {one.get(), two.get()}) EXPECT_EQ(F::set_line(context, next), kelStatusOk);
         } else if (step == 3) {
