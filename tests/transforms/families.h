@@ -40,6 +40,7 @@ struct FourierFunctions {
     using Real = T;
     using Complex = ComplexType;
     using Plan = PlanType;
+    const char* name;
     PlanFunctions<Plan> complex, split, real;
     KelStatus (*interleaved[2])(const Complex*, Complex*, const Plan*, Scale..., Kel8u*);
     KelStatus (*two_arrays[2])(const T*, const T*, T*, T*, const Plan*, Scale..., Kel8u*);
@@ -50,6 +51,7 @@ template <class T, class PlanType, class... Scale>
 struct CosineFunctions {
     using Real = T;
     using Plan = PlanType;
+    const char* name;
     PlanFunctions<Plan> plans[2];
     KelStatus (*run[2])(const T*, T*, const Plan*, Scale..., Kel8u*);
 };
@@ -58,6 +60,7 @@ struct CosineFunctions {
 /// scale factor, an int more.
 #define KELS_FOURIER(NAME, PLAN, T, scaled, ...)                                                                       \
     inline constexpr FourierFunctions<Kel##T, Kel##T##c, PLAN##_##T __VA_OPT__(, ) __VA_ARGS__> NAME##_##T = {         \
+        #NAME "_" #T,                                                                                                  \
         {kels##NAME##InitAlloc_C_##T##c, kels##NAME##Free_C_##T##c, kels##NAME##GetBufSize_C_##T##c},                  \
         {kels##NAME##InitAlloc_C_##T, kels##NAME##Free_C_##T, kels##NAME##GetBufSize_C_##T},                           \
         {kels##NAME##InitAlloc_R_##T, kels##NAME##Free_R_##T, kels##NAME##GetBufSize_R_##T},                           \
@@ -84,6 +87,7 @@ KelStatus without_flag(Plan** plan, int len, int, int hint) {
 
 #define KELS_COSINE(T, scaled, ...)                                                                                    \
     inline constexpr CosineFunctions<Kel##T, KelsDctPlan_##T __VA_OPT__(, ) __VA_ARGS__> DCT_##T = {                   \
+        "DCT_" #T,                                                                                                     \
         {{without_flag<KelsDctPlan_##T, kelsDCTFwdInitAlloc_##T>, kelsDCTFwdFree_##T, kelsDCTFwdGetBufSize_##T},       \
          {without_flag<KelsDctPlan_##T, kelsDCTInvInitAlloc_##T>, kelsDCTInvFree_##T, kelsDCTInvGetBufSize_##T}},      \
         {kelsDCTFwd_##T##scaled, kelsDCTInv_##T##scaled}}
@@ -114,6 +118,7 @@ struct Fourier {
     using Table = std::remove_cvref_t<decltype(functions)>;
     using Real = typename Table::Real;
     using Plan = typename Table::Plan;
+    static constexpr const char* name = functions.name;
     static constexpr Layout layouts[] = {Layout::interleaved, Layout::split, Layout::perm, Layout::pack, Layout::ccs};
 
     static const PlanFunctions<Plan>& plans(Layout layout, bool) {
@@ -188,6 +193,7 @@ struct Dct {
     using Table = std::remove_cvref_t<decltype(functions)>;
     using Real = typename Table::Real;
     using Plan = typename Table::Plan;
+    static constexpr const char* name = functions.name;
     static constexpr Layout layouts[] = {Layout::cosine};
 
     static int size(int n) { return n; }
@@ -210,37 +216,22 @@ struct Dct {
     static std::vector<int> lengths_that_allocate() { return {1018, 3000, 4096}; }
 };
 
-struct Fft32f : Fft<FFT_32f, 27> {
-    static constexpr const char* name = "Fft32f";
-};
-struct Fft64f : Fft<FFT_64f, 26> {
-    static constexpr const char* name = "Fft64f";
-};
+using Fft32f = Fft<FFT_32f, 27>;
+using Fft64f = Fft<FFT_64f, 26>;
 struct Fft16s : Fft<FFT_16s, 27> {
-    static constexpr const char* name = "Fft16s";
     static std::vector<int> some_lengths() { return {1, 2, 8, 256, 4096}; }
     static std::vector<int> lengths_that_allocate() { return {512, 2048}; }
 };
-struct Dft32f : Dft<DFT_32f> {
-    static constexpr const char* name = "Dft32f";
-};
-struct Dft64f : Dft<DFT_64f> {
-    static constexpr const char* name = "Dft64f";
-};
+using Dft32f = Dft<DFT_32f>;
+using Dft64f = Dft<DFT_64f>;
 struct Dft16s : Dft<DFT_16s> {
-    static constexpr const char* name = "Dft16s";
     static std::vector<int> places() { return {1, 2, 5, 8, 97, 181, 1009}; }
     static std::vector<int> some_lengths() { return places(); }
     static std::vector<int> lengths_that_allocate() { return {2, 5, 8, 97, 181, 1009}; }
 };
-struct Dct32f : Dct<DCT_32f> {
-    static constexpr const char* name = "Dct32f";
-};
-struct Dct64f : Dct<DCT_64f> {
-    static constexpr const char* name = "Dct64f";
-};
+using Dct32f = Dct<DCT_32f>;
+using Dct64f = Dct<DCT_64f>;
 struct Dct16s : Dct<DCT_16s> {
-    static constexpr const char* name = "Dct16s";
     static std::vector<int> places() { return {1, 6, 64, 101, 1009}; }
     static std::vector<int> lengths_that_allocate() { return {8, 101, 1009}; }
 };
