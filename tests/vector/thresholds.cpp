@@ -162,16 +162,6 @@ bool upper_bits_zero(T x) {
     return std::bit_cast<std::uint64_t>(x) >> 32 == 0;
 }
 
-Real limited_one(Kel32f x, Kel32f level) {
-    if (std::bit_cast<std::uint32_t>(level) == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
-    const bool large = std::fabs(x) >= std::fabs(level) || std::isnan(x);
-    return large ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
-}
-Real limited_one(Kel64f x, Kel64f level) {
-    if (level == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
-    return std::fabs(x) >= level ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
-}
-
 bool is_zero(Kel64f x) { return x == 0; }
 bool is_zero(Kel32fc z) { return !(squared_modulus(z) > 0); }
 bool is_zero(Kel64fc z) { return upper_bits_zero(z.re) && upper_bits_zero(z.im); }
@@ -180,6 +170,14 @@ bool zero_level(Kel32f level, Kel32f) { return std::bit_cast<std::uint32_t>(leve
 bool zero_level(Kel64f level, Kel64f) { return level == 0; }
 bool zero_level(Kel32f level, Kel32fc) { return level == 0; }
 bool zero_level(Kel64f level, Kel64fc) { return upper_bits_zero(level); }
+
+template <class T>
+Real limited_one(T x, T level) {
+    const bool single = std::is_same_v<T, Kel32f>;
+    if (zero_level(level, x)) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
+    const bool large = std::fabs(x) >= (single ? std::fabs(level) : level) || (single && std::isnan(x));
+    return large ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
+}
 
 template <class T, class Level>
 ExactComplex limited_complex(T z, Level level) {
