@@ -152,9 +152,10 @@ Errors errors_of(const Arguments& a, F f, Exact exact) {
 }
 
 /// Both grades of a function.
-template <class ForSingle, class ForDouble, class Exact>
-void expect_accurate(const char* name, const Arguments& a, const Arguments& of_singles, ForSingle for_single,
-                     ForDouble for_double, Exact exact) {
+template <class F, class Exact>
+void expect_accurate(const char* name, const Arguments& a, const Arguments& of_singles, F f, Exact exact) {
+    const auto for_double = [f](auto x, auto y) { return f.template operator()<Grade::for_double>(x, y); };
+    const auto for_single = [f](auto x, auto y) { return f.template operator()<Grade::for_single>(x, y); };
     const Errors doubles = errors_of(a, for_double, exact), singles = errors_of(of_singles, for_single, exact);
     EXPECT_LT(doubles.worst, 1) << name << " at " << doubles.at;
     EXPECT_LT(singles.worst, std::ldexp(1.0, 53 - 34)) << name << " at " << singles.at;
@@ -167,28 +168,22 @@ TEST(ElementaryFunctions, StayWithinTheirErrors) {
     const Arguments exponents = for_exponential(), positive = for_logarithm(), angles = for_circular(),
                     any = for_arctangent(), points = for_points();
     expect_accurate(
-        "exp", exponents, exponents, [](auto x, auto) { return kels::exponential<Grade::for_single>(x); },
-        [](auto x, auto) { return kels::exponential<Grade::for_double>(x); },
+        "exp", exponents, exponents, []<Grade grade>(auto x, auto) { return kels::exponential<grade>(x); },
         [](long double x, long double) { return std::exp(x); });
     expect_accurate(
-        "log", positive, positive, [](auto x, auto) { return kels::logarithm<Grade::for_single>(x); },
-        [](auto x, auto) { return kels::logarithm<Grade::for_double>(x); },
+        "log", positive, positive, []<Grade grade>(auto x, auto) { return kels::logarithm<grade>(x); },
         [](long double x, long double) { return std::log(x); });
     expect_accurate(
-        "sin", angles, as_singles(angles), [](auto x, auto) { return kels::sine<Grade::for_single>(x); },
-        [](auto x, auto) { return kels::sine<Grade::for_double>(x); },
+        "sin", angles, as_singles(angles), []<Grade grade>(auto x, auto) { return kels::sine<grade>(x); },
         [](long double x, long double) { return std::sin(x); });
     expect_accurate(
-        "cos", angles, as_singles(angles), [](auto x, auto) { return kels::cosine<Grade::for_single>(x); },
-        [](auto x, auto) { return kels::cosine<Grade::for_double>(x); },
+        "cos", angles, as_singles(angles), []<Grade grade>(auto x, auto) { return kels::cosine<grade>(x); },
         [](long double x, long double) { return std::cos(x); });
     expect_accurate(
-        "atan", any, any, [](auto x, auto) { return kels::arctangent<Grade::for_single>(x); },
-        [](auto x, auto) { return kels::arctangent<Grade::for_double>(x); },
+        "atan", any, any, []<Grade grade>(auto x, auto) { return kels::arctangent<grade>(x); },
         [](long double x, long double) { return std::atan(x); });
     expect_accurate(
-        "atan2", points, points, [](auto y, auto x) { return kels::arctangent_in_range<Grade::for_single>(y, x); },
-        [](auto y, auto x) { return kels::arctangent_in_range<Grade::for_double>(y, x); },
+        "atan2", points, points, []<Grade grade>(auto y, auto x) { return kels::arctangent_in_range<grade>(y, x); },
         [](long double y, long double x) { return std::atan2(y, x); });
 }
 

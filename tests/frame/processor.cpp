@@ -47,12 +47,7 @@ TEST(Processor, IdentificationFillsAllButTheReservedWord) {
 }
 
 int type_of(Kel32u family, Kel32u sx1, Kel32u sx2, Kel32u sx3) {
-    KelCpuIdent cpu = {};
-    cpu.family = family;
-    cpu.sx1Present = sx1;
-    cpu.sx2Present = sx2;
-    cpu.sx3Present = sx3;
-    return kels::cpu_type(cpu);
+    return kels::cpu_type({.family = family, .sx1Present = sx1, .sx2Present = sx2, .sx3Present = sx3});
 }
 
 TEST(Processor, TypeFollowsFamilyThenExtensions) {

@@ -53,8 +53,7 @@ constexpr auto chirp = whole([]<class T>(T* dst, int len, T magn) {
     if (len == 1) dst[0] = 0;
 });
 
-template <class T>
-void stretch(T* dst, int len, T magn) {
+constexpr auto stretched = whole([]<class T>(T* dst, int len, T magn) {
     const Real c = static_cast<double>(static_cast<Real>(half_pi) / len);
     std::vector<double> x(len);
     for (int n = 0; n < len; ++n) x[n] = static_cast<double>(std::sin(c * n * n) * static_cast<Real>(magn));
@@ -64,53 +63,43 @@ void stretch(T* dst, int len, T magn) {
     for (int n = 0; n < len; ++n)
         dst[n] = static_cast<T>(static_cast<std::int64_t>((static_cast<Real>(x[n]) - *low) * factor + 0.5L));
     if (len == 1) dst[0] = 0;
-}
-constexpr auto stretched = whole([](auto* dst, int len, auto magn) { stretch(dst, len, magn); });
-
-Rows line_row(const Rows& r) {
-    return r.values(0, {0, -0.4, 254.5, -0.5, 40000, -3e9, 0.5, NAN, HUGE_VAL, -HUGE_VAL, 4.2e9, 0.49999997})
-        .values(1, {0, 0.5, -0.5, 1, -1, 0.1, -0.037, 1e6, HUGE_VAL, NAN, 0.25, -1e30});
-}
+});
 
 /// Of chirps so long the angles are beyond those that are reduced by a few doubles.
 constexpr int beyond_small_angles = 700005;
 
 template <class T>
-Rows chirp_row(const Rows& r) {
+Rows chirp_row(KelStatus (*function)(T*, int, T)) {
     constexpr double most = std::numeric_limits<T>::max();
-    const Rows row =
-        r.values(0, {0, 1, 2, 100, 101, most, most - 1, std::floor(most / 3)}).lengths({beyond_small_angles});
-    return std::is_signed_v<T> ? row.refuses(0, {-1, -most}, kelStatusNegMagnitude) : row;
-}
-Rows wave_row(const Rows& r) {
-    return r.values(0, {0, -0.0, 1, 0.1, 1e30, 1e-30, 3, HUGE_VAL, NAN})
-        .refuses(0, {-1e-40, -1}, kelStatusNegMagnitude)
-        .lengths({beyond_small_angles})
-        .ulps(1);
+    const Rows row = std::is_signed_v<T> ? Rows(rows(chirp, function)).refuses(0, {-1, -most}, kelStatusNegMagnitude)
+                                         : rows(stretched, function);
+    return row.values(0, {0, 1, 2, 100, 101, most, most - 1, std::floor(most / 3)}).lengths({beyond_small_angles});
 }
 
 const Rows table = {
-    line_row(rows(line, kelsVectorRamp_8u, kelsVectorRamp_8s, kelsVectorRamp_16u, kelsVectorRamp_16s,
-                  kelsVectorRamp_32u, kelsVectorRamp_32s, kelsVectorRamp_32f, kelsVectorRamp_64f))
+    rows(line, kelsVectorRamp_8u, kelsVectorRamp_8s, kelsVectorRamp_16u, kelsVectorRamp_16s, kelsVectorRamp_32u,
+         kelsVectorRamp_32s, kelsVectorRamp_32f, kelsVectorRamp_64f)
+        .values(0, {0, -0.4, 254.5, -0.5, 40000, -3e9, 0.5, NAN, HUGE_VAL, -HUGE_VAL, 4.2e9, 0.49999997})
+        .values(1, {0, 0.5, -0.5, 1, -1, 0.1, -0.037, 1e6, HUGE_VAL, NAN, 0.25, -1e30})
         .ulps(1),
-    chirp_row<Kel8u>(rows(stretched, kelsVectorJaehne_8u)),
-    chirp_row<Kel8s>(rows(chirp, kelsVectorJaehne_8s)),
-    chirp_row<Kel16u>(rows(stretched, kelsVectorJaehne_16u)),
-    chirp_row<Kel16s>(rows(chirp, kelsVectorJaehne_16s)),
-    chirp_row<Kel32u>(rows(stretched, kelsVectorJaehne_32u)),
-    chirp_row<Kel32s>(rows(chirp, kelsVectorJaehne_32s)),
-    wave_row(rows(chirp, kelsVectorJaehne_32f, kelsVectorJaehne_64f)),
+    chirp_row(kelsVectorJaehne_8u),
+    chirp_row(kelsVectorJaehne_8s),
+    chirp_row(kelsVectorJaehne_16u),
+    chirp_row(kelsVectorJaehne_16s),
+    chirp_row(kelsVectorJaehne_32u),
+    chirp_row(kelsVectorJaehne_32s),
+    rows(chirp, kelsVectorJaehne_32f, kelsVectorJaehne_64f)
+        .values(0, {0, -0.0, 1, 0.1, 1e30, 1e-30, 3, HUGE_VAL, NAN})
+        .refuses(0, {-1e-40, -1}, kelStatusNegMagnitude)
+        .lengths({beyond_small_angles})
+        .ulps(1),
 };
 
 // A line starts at a negative zero when neither of its parts is a positive one.
-const Rows signs_of_zeros = {
-    rows(line, kelsVectorRamp_32f, kelsVectorRamp_64f)
-        .values(0, {-0.0, 0, 3})
-        .values(1, {-1, 1, -0.0, 0})
-        .driven_elsewhere(),
-};
+const Rows signs_of_zeros =
+    rows(line, kelsVectorRamp_32f, kelsVectorRamp_64f).values(0, {-0.0, 0, 3}).values(1, {-1, 1, -0.0, 0});
 
-const bool registered = add_rows("Ramps", table) && add_rows("SignsOfZeros", signs_of_zeros);
+const bool registered = add_rows("Ramps", table) && add_rows("SignsOfZeros", signs_of_zeros.driven_elsewhere());
 
 // The last integers below the top, from lines that no double holds.
 TEST(Ramps, JustBelowTheTop) {

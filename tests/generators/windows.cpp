@@ -52,6 +52,8 @@ constexpr auto bartlett = whole([]<class T>(const T* src, T* dst, int len) {
     dst[0] = dst[len - 1] = T{};
 });
 
+constexpr int q15 = 1 << 15;
+
 struct Blackman {
     Real half, minus_half;
     explicit Blackman(Real alpha) : half((alpha + 1) / 2), minus_half(static_cast<double>(-(alpha / 2))) {}
@@ -83,10 +85,9 @@ constexpr auto hann = whole([]<class T>(const T* src, T* dst, int len) {
 constexpr auto hamming = whole([]<class T>(const T* src, T* dst, int len) {
     rotated(src, dst, len, false, false, [](Real c) { return static_cast<Real>(-0.46) * c + 0.54; });
 });
-constexpr auto blackman = whole(
-    []<class T>(const T* src, T* dst, int len, Kel32f alpha) { rotated(src, dst, len, true, true, Blackman(alpha)); });
-constexpr auto blackman_q15 = whole([]<class T>(const T* src, T* dst, int len, int alpha) {
-    rotated(src, dst, len, true, true, Blackman(alpha * 3.0517578125e-05L));
+template <int one>
+constexpr auto blackman = whole([]<class T>(const T* src, T* dst, int len, auto alpha) {
+    rotated(src, dst, len, true, true, Blackman(static_cast<Real>(alpha) / one));
 });
 constexpr auto blackman_standard =
     whole([]<class T>(const T* src, T* dst, int len) { rotated(src, dst, len, true, true, Blackman(-0.16F)); });
@@ -128,25 +129,19 @@ Real fine(double argument) {
 }
 
 template <Real (*Numerator)(double), Real (*Denominator)(double), class T>
-KelStatus kaiser_window(const T* src, T* dst, int len, double alpha) {
+void kaiser_window(const T* src, T* dst, int len, double alpha) {
     const Real m = len - 1, half = alpha * m * 0.5L;
     const auto divisor = static_cast<double>(Denominator(static_cast<double>(half)));
     walk(src, dst, len, 0, [&](int n) {
         const double root = std::sqrt(static_cast<double>(n * (len - 1 - n)));
         return Numerator(static_cast<double>(static_cast<Real>(root) * alpha)) / divisor;
     });
-    return kelStatusOk;
 }
 
-constexpr auto kaiser = whole(
-    [](const auto* src, auto* dst, int len, Kel32f alpha) { kaiser_window<coarse, coarse>(src, dst, len, alpha); });
-constexpr auto kaiser_q15 = whole([](const auto* src, auto* dst, int len, int alpha) {
-    kaiser_window<coarse, coarse>(src, dst, len, alpha * 0x1p-15);
+template <Real (*Numerator)(double), Real (*Denominator)(double), int one = 1>
+constexpr auto kaiser = whole([](const auto* src, auto* dst, int len, auto alpha) {
+    kaiser_window<Numerator, Denominator>(src, dst, len, static_cast<double>(alpha) / one);
 });
-constexpr auto kaiser_64f = whole(
-    [](const Kel64f* src, Kel64f* dst, int len, Kel32f alpha) { kaiser_window<coarse, fine>(src, dst, len, alpha); });
-constexpr auto kaiser_64f_in_place = whole(
-    [](const Kel64f* src, Kel64f* dst, int len, Kel32f alpha) { kaiser_window<fine, coarse>(src, dst, len, alpha); });
 
 // Rows
 
@@ -155,17 +150,10 @@ constexpr Kel32f not_a_number = std::numeric_limits<Kel32f>::quiet_NaN();
 /// Long windows show the roundings of the rotation's angle, and some products of theirs lie beside halves.
 const std::vector<int> long_ones = {196609, 199998, 200001};
 
-Rows blackman_row(const Rows& r) {
-    return r.shortest(3).lengths(long_ones).values(0, {0, -0.16, -0.25, 1, -1, 0.5, -7.5, 1e5, -3e30});
-}
-Rows q15_row(const Rows& r) {
-    return r.shortest(3).values(0, {0, -5243, -8192, 32768, -32768, 1 << 20, INT_MAX, INT_MIN});
-}
 /// Of any length up to 65536.
 Rows kaiser_row(const Rows& r) {
     return r.values(0, {0, 0.0001, -0.0003, 0.001}).refuses(0, {HUGE_VAL, -1e30, not_a_number}, kelStatusKaiserTooHuge);
 }
-Rows kaiser_q15_row(const Rows& r) { return r.values(0, {0, 1, 33, -67, 300}); }
 
 const Rows table = {
     rows(bartlett, kelsWinBartlett_16s, kelsWinBartlett_16sc, kelsWinBartlett_32f, kelsWinBartlett_32fc)
@@ -182,12 +170,16 @@ const Rows table = {
         .in_place(kelsWinHamming_16s_I, kelsWinHamming_16sc_I, kelsWinHamming_32f_I, kelsWinHamming_32fc_I)
         .shortest(3)
         .ulps(1),
-    blackman_row(
-        rows(blackman, kelsWinBlackman_16s, kelsWinBlackman_16sc, kelsWinBlackman_32f, kelsWinBlackman_32fc)
-            .in_place(kelsWinBlackman_16s_I, kelsWinBlackman_16sc_I, kelsWinBlackman_32f_I, kelsWinBlackman_32fc_I))
+    rows(blackman<1>, kelsWinBlackman_16s, kelsWinBlackman_16sc, kelsWinBlackman_32f, kelsWinBlackman_32fc)
+        .in_place(kelsWinBlackman_16s_I, kelsWinBlackman_16sc_I, kelsWinBlackman_32f_I, kelsWinBlackman_32fc_I)
+        .shortest(3)
+        .lengths(long_ones)
+        .values(0, {0, -0.16, -0.25, 1, -1, 0.5, -7.5, 1e5, -3e30})
         .ulps(1),
-    q15_row(rows(blackman_q15, kelsWinBlackmanQ15_16s, kelsWinBlackmanQ15_16sc)
-                .in_place(kelsWinBlackmanQ15_16s_I, kelsWinBlackmanQ15_16sc_I)),
+    rows(blackman<q15>, kelsWinBlackmanQ15_16s, kelsWinBlackmanQ15_16sc)
+        .in_place(kelsWinBlackmanQ15_16s_I, kelsWinBlackmanQ15_16sc_I)
+        .shortest(3)
+        .values(0, {0, -5243, -8192, 32768, -32768, 1 << 20, INT_MAX, INT_MIN}),
     rows(blackman_standard, kelsWinBlackmanStd_16s, kelsWinBlackmanStd_16sc, kelsWinBlackmanStd_32f,
          kelsWinBlackmanStd_32fc)
         .in_place(kelsWinBlackmanStd_16s_I, kelsWinBlackmanStd_16sc_I, kelsWinBlackmanStd_32f_I,
@@ -201,28 +193,21 @@ const Rows table = {
         .shortest(4)
         .length_first()
         .ulps(1),
-    kaiser_row(rows(kaiser, kelsWinKaiser_16s, kelsWinKaiser_16sc, kelsWinKaiser_32f, kelsWinKaiser_32fc)
-                   .in_place(kelsWinKaiser_16s_I, kelsWinKaiser_16sc_I, kelsWinKaiser_32f_I, kelsWinKaiser_32fc_I))
+    kaiser_row(
+        rows(kaiser<coarse, coarse>, kelsWinKaiser_16s, kelsWinKaiser_16sc, kelsWinKaiser_32f, kelsWinKaiser_32fc)
+            .in_place(kelsWinKaiser_16s_I, kelsWinKaiser_16sc_I, kelsWinKaiser_32f_I, kelsWinKaiser_32fc_I))
         .ulps(1),
-    kaiser_q15_row(rows(kaiser_q15, kelsWinKaiserQ15_16s, kelsWinKaiserQ15_16sc)
-                       .in_place(kelsWinKaiserQ15_16s_I, kelsWinKaiserQ15_16sc_I)),
+    rows(kaiser<coarse, coarse, q15>, kelsWinKaiserQ15_16s, kelsWinKaiserQ15_16sc)
+        .in_place(kelsWinKaiserQ15_16s_I, kelsWinKaiserQ15_16sc_I)
+        .values(0, {0, 1, 33, -67, 300}),
+    kaiser_row(rows(kaiser<coarse, fine>, kelsWinKaiser_64f)).ulps(3),
 };
-const Rows extremes = {
-    rows(blackman, kelsWinBlackman_32f)
-        .shortest(3)
-        .values(0, {HUGE_VAL, -HUGE_VAL, not_a_number})
-        .ulps(1)
-        .driven_elsewhere(),
-};
-// The two functions on doubles are no partners.
-const Rows kaiser_64f_rows = {
-    kaiser_row(rows(kaiser_64f, kelsWinKaiser_64f)).ulps(3),
-};
-const Rows kaiser_64f_in_place_rows = {
-    kaiser_row(in_place(kaiser_64f_in_place, kelsWinKaiser_64f_I)).ulps(3),
-};
-const bool registered = add_rows("Windows", table) && add_rows("WindowsOfInfinities", extremes) &&
-                        add_rows("Windows", kaiser_64f_rows) && add_rows("Windows", kaiser_64f_in_place_rows);
+const Rows extremes =
+    rows(blackman<1>, kelsWinBlackman_32f).shortest(3).values(0, {HUGE_VAL, -HUGE_VAL, not_a_number}).ulps(1);
+// On doubles it is no partner of the one that works out of place.
+const Rows kaiser_in_place = kaiser_row(in_place(kaiser<fine, coarse>, kelsWinKaiser_64f_I)).ulps(3);
+const bool registered = add_rows("Windows", table) && add_rows("Windows", kaiser_in_place) &&
+                        add_rows("WindowsOfInfinities", extremes.driven_elsewhere());
 
 // Kaiser
 

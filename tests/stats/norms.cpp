@@ -51,17 +51,9 @@ std::vector<long double> elements(const T* x, const T* y, int len) {
 /// Integers have no slack: their sums are exact.
 template <Norm norm>
 struct Reference {
-    template <class T>
-    auto operator()(const T* x, int len) const {
-        return result<T>(elements(x, len));
-    }
-    template <class T>
-    auto operator()(const T* x, const T* y, int len) const {
-        return result<T>(elements(x, y, len));
-    }
-    template <class T>
-    static Within result(const std::vector<long double>& x) {
-        const Within exact = norm_of<T>(norm, x);
+    template <class T, class... More>
+    Within operator()(const T* x, More... y_and_length) const {
+        const Within exact = norm_of<T>(norm, elements(x, y_and_length...));
         return std::is_integral_v<T> ? Within{exact.value, 0} : exact;
     }
 };

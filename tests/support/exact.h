@@ -2,9 +2,12 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace kels_test {
@@ -14,6 +17,12 @@ template <class T>
 long double ulp(T x) {
     x = std::fabs(x);
     return static_cast<long double>(std::nextafter(x, std::numeric_limits<T>::infinity())) - x;
+}
+
+template <class T>
+bool is_quiet_nan(const T& x) {
+    using Bits = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
+    return std::isnan(x) && ((std::bit_cast<Bits>(x) >> (std::numeric_limits<T>::digits - 2)) & 1);
 }
 
 template <class T>

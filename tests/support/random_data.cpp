@@ -39,14 +39,8 @@ bool is_special(Random& random, int specials) { return specials > 0 && random.be
 template <class T>
 std::uint64_t integer(Random& random, double low, double high, int specials) {
     using Limits = std::numeric_limits<T>;
-    const T special[] = {0,
-                         1,
-                         static_cast<T>(-1),
-                         Limits::min(),
-                         Limits::max(),
-                         static_cast<T>(Limits::min() + 1),
-                         static_cast<T>(Limits::max() - 1)};
-    if (is_special(random, specials)) return pattern(special[random.below(7)]);
+    const std::int64_t special[] = {0, 1, -1, Limits::min(), Limits::max(), Limits::min() + 1LL, Limits::max() - 1LL};
+    if (is_special(random, specials)) return pattern(static_cast<T>(special[random.below(7)]));
     if (low != high) return pattern(static_cast<T>(random.uniform(low, high)));
     return pattern(random.below(4) == 0 ? static_cast<T>(random.below(201) - 100) : static_cast<T>(random.bits()));
 }
@@ -61,15 +55,16 @@ std::uint64_t real(Random& random, double low, double high, int specials) {
 }
 
 /// Draws one of every kind, in the order of Kind.
-constexpr std::uint64_t (*draw[])(Random&, double low, double high, int specials) = {integer<std::uint8_t>,
-                                                                                     integer<std::int8_t>,
-                                                                                     integer<std::uint16_t>,
-                                                                                     integer<std::int16_t>,
-                                                                                     integer<std::uint32_t>,
-                                                                                     integer<std::int32_t>,
-                                                                                     integer<std::int64_t>,
-                                                                                     real<float>,
-                                                                                     real<double>};
+using Draw = std::uint64_t(Random&, double low, double high, int specials);
+constexpr Draw* draw[] = {integer<std::uint8_t>,
+                          integer<std::int8_t>,
+                          integer<std::uint16_t>,
+                          integer<std::int16_t>,
+                          integer<std::uint32_t>,
+                          integer<std::int32_t>,
+                          integer<std::int64_t>,
+                          real<float>,
+                          real<double>};
 
 std::uint64_t number(Kind kind, double value) {
     if (kind == Kind::f32) return pattern(static_cast<float>(value));

@@ -77,6 +77,9 @@ struct Argument {
 
 enum class Form : std::uint8_t { separate, in_place, reduction, update };
 
+/// The addresses of a call's arrays, in the order of the arguments.
+using Places = std::span<void* const>;
+
 /// What a reference works on: an address per argument of the function. What is replaced, in place or carried, has its
 /// original among the inputs and its result among the outputs. A reduction's reference may leave slack for the parts of
 /// the result.
@@ -85,7 +88,7 @@ struct Frame {
     void* const* out;
     int len;
     double* slack;
-    void* const* place; // where the function finds its arrays
+    Places places;
 };
 
 /// A value, and what a result may be off by besides the row's tolerance.
@@ -168,51 +171,39 @@ struct Signature {
     }
 };
 
-/// What f makes of each position.
-template <const auto& positions, class F>
-auto tuple_of(F f) {
+/// Pointers to what a reference works on at some positions.
+template <class S, const auto& positions>
+auto elements_at(void* const* slots) {
     return [&]<std::size_t... K>(std::index_sequence<K...>) {
-        return std::tuple{f.template operator()<positions[K]>()...};
+        return std::tuple{static_cast<typename S::template Element<positions[K]>*>(slots[positions[K]])...};
     }
     (std::make_index_sequence<positions.size()>{});
 }
-
-// Pointers to what a reference works on
-
 template <class S>
-auto inputs_of(const Frame& frame) {
-    return tuple_of<S::inputs>(
-        [&]<std::size_t I>() { return static_cast<const typename S::template Element<I>*>(frame.in[I]); });
-}
-template <class S>
-auto outputs_of(const Frame& frame) {
-    return tuple_of<S::outputs>(
-        [&]<std::size_t I>() { return static_cast<typename S::template Element<I>*>(frame.out[I]); });
-}
-template <class S>
-auto values_of(const Frame& frame) {
-    return tuple_of<S::values>(
-        [&]<std::size_t I>() { return static_cast<const typename S::template Type<I>*>(frame.in[I]); });
+auto inputs_and_outputs(const Frame& frame) {
+    return std::tuple_cat(elements_at<S, S::inputs>(frame.in), elements_at<S, S::outputs>(frame.out));
 }
 
 /// f(arguments..., len, values...)
 template <class S, class Arguments, class F>
 auto call_reference(const Frame& frame, const Arguments& arguments, F f) {
-    return std::apply(
-        [&](auto... a) {
-            return std::apply([&](auto... v) { return f(a..., frame.len, *v...); }, values_of<S>(frame));
-        },
-        arguments);
+    const auto call = [&](auto... a) {
+        return std::apply([&](auto... v) { return f(a..., frame.len, *v...); }, elements_at<S, S::values>(frame.in));
+    };
+    return std::apply(call, arguments);
 }
 
 /// Stores a reference's value, rounding it once if it is wider than the element.
 template <class T, class R>
-void put(T& out, const R& value) {
+void put(T& out, const R& value, double* slack) {
     if constexpr (std::is_same_v<T, R>) {
         out = value;
+    } else if constexpr (std::is_same_v<R, Within>) {
+        out = static_cast<T>(value.value);
+        *slack = static_cast<double>(value.slack);
     } else if constexpr (ComplexSample<T>) {
-        put(out.re, value.re);
-        put(out.im, value.im);
+        put(out.re, value.re, slack);
+        put(out.im, value.im, slack + 1);
     } else {
         static_assert(std::is_floating_point_v<T> || std::is_integral_v<R>, "an integer is rounded by its reference");
         out = static_cast<T>(value);
@@ -223,13 +214,13 @@ template <class F>
 struct Each {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        const auto [out] = outputs_of<S>(frame); // a reference for one element has one result
+        const auto [out] = elements_at<S, S::outputs>(frame.out); // a reference for one element has one result
+        const auto set_one = [&, to = out](int i, auto... x) {
+            const auto of = [&](auto... v) { put(to[i], F{}(x[i]..., *v...), frame.slack); };
+            std::apply(of, elements_at<S, S::values>(frame.in));
+        };
         for (int i = 0; i < frame.len; ++i)
-            std::apply(
-                [&, to = out](auto... x) {
-                    std::apply([&](auto... v) { put(to[i], F{}(x[i]..., *v...)); }, values_of<S>(frame));
-                },
-                inputs_of<S>(frame));
+            std::apply(set_one, std::tuple_cat(std::tuple(i), elements_at<S, S::inputs>(frame.in)));
         return kelStatusOk;
     }
 };
@@ -238,9 +229,7 @@ template <class F>
 struct Whole {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        const auto compute = [&] {
-            return call_reference<S>(frame, std::tuple_cat(inputs_of<S>(frame), outputs_of<S>(frame)), F{});
-        };
+        const auto compute = [&] { return call_reference<S>(frame, inputs_and_outputs<S>(frame), F{}); };
         if constexpr (std::is_void_v<decltype(compute())>) {
             compute();
             return kelStatusOk;
@@ -250,42 +239,23 @@ struct Whole {
     }
 };
 
-template <class T, class R>
-void put_within(T& out, const R& value, double* slack) {
-    if constexpr (std::is_same_v<R, Within>) {
-        out = static_cast<T>(value.value);
-        *slack = static_cast<double>(value.slack);
-    } else if constexpr (std::is_same_v<R, ComplexWithin>) {
-        put_within(out.re, value.re, slack);
-        put_within(out.im, value.im, slack + 1);
-    } else {
-        put(out, value);
-    }
-}
-
 template <class F>
 struct Reduced {
     template <class S>
     static KelStatus run(const Frame& frame) {
-        const auto [out] = outputs_of<S>(frame); // a reference that returns the result has one
-        put_within(*out, call_reference<S>(frame, inputs_of<S>(frame), F{}), frame.slack);
+        const auto [out] = elements_at<S, S::outputs>(frame.out); // a reference that returns the result has one
+        put(*out, call_reference<S>(frame, elements_at<S, S::inputs>(frame.in), F{}), frame.slack);
         return kelStatusOk;
     }
 };
 
-/// The addresses of a call's arrays, in the order of the arguments.
-using Places = std::span<void* const>;
-
 template <class F>
 struct Placed {
+    static constexpr bool is_placed = true;
+
     template <class S>
     static KelStatus run(const Frame& frame) {
-        std::array<void*, S::arguments.size()> arrays{};
-        std::size_t count = 0;
-        for (std::size_t i = 0; i < S::arguments.size(); ++i)
-            if (S::arguments[i].is_pointer()) arrays[count++] = frame.place[i];
-        const auto places = std::tuple(Places(arrays).first(count));
-        return call_reference<S>(frame, std::tuple_cat(places, inputs_of<S>(frame), outputs_of<S>(frame)), F{});
+        return call_reference<S>(frame, std::tuple_cat(std::tuple(frame.places), inputs_and_outputs<S>(frame)), F{});
     }
 };
 
@@ -318,11 +288,6 @@ constexpr Placed<F> placed(F) {
     return {};
 }
 
-template <class Reference>
-inline constexpr bool is_placed = false;
-template <class F>
-inline constexpr bool is_placed<Placed<F>> = true;
-
 /// A value argument that a function answers with a status, storing nothing.
 struct Refusal {
     int value;
@@ -345,7 +310,6 @@ struct Row {
     unsigned nullable_arguments = 0;
     bool needs_disjoint = false;
     bool checks_length_first = false;
-    bool takes_null_sources = false;
     bool depends_on_rounding = false;
     bool depends_on_place = false;
     bool checks_values_first = false;
@@ -375,6 +339,14 @@ public:
     /// Floating-point results within n units in the last place, and any NaN for a NaN. Without this, and in integers,
     /// every bit counts.
     Rows ulps(int n) const { return with(&Row::tolerance, n); }
+    /// The same, another number of units where doubles are stored.
+    Rows ulps(int n, int of_doubles) const {
+        Rows rows = ulps(n);
+        for (Row& row : rows)
+            for (const Argument& a : row.arguments)
+                if (a.is_output() && a.type.kind == Kind::f64) row.tolerance = of_doubles;
+        return rows;
+    }
     /// Floating-point results off by no more than this are as good as any.
     Rows slack(double spare) const { return with(&Row::spare, spare); }
     /// Lengths below n are bad.
@@ -383,8 +355,6 @@ public:
     Rows disjoint() const { return with(&Row::needs_disjoint, true); }
     /// A bad length is found before a null pointer.
     Rows length_first() const { return with(&Row::checks_length_first, true); }
-    /// A null source is no error in itself; the family tests what it means.
-    Rows nullable_sources() const { return with(&Row::takes_null_sources, true); }
     /// These arguments may be null; the family tests what it means.
     Rows nullable(std::initializer_list<int> arguments) const {
         unsigned set = 0;
@@ -446,7 +416,7 @@ Row make_row(KelStatus (*function)(A...)) {
     row.form = form;
     row.call = S::call;
     row.reference = Reference::template run<S>;
-    row.depends_on_place = is_placed<Reference>;
+    row.depends_on_place = requires { Reference::is_placed; };
     return row;
 }
 

@@ -40,6 +40,7 @@ struct FourierFunctions {
     using Real = T;
     using Complex = ComplexType;
     using Plan = PlanType;
+    const char* name;
     PlanFunctions<Plan> complex, split, real;
     KelStatus (*interleaved[2])(const Complex*, Complex*, const Plan*, Scale..., Kel8u*);
     KelStatus (*two_arrays[2])(const T*, const T*, T*, T*, const Plan*, Scale..., Kel8u*);
@@ -50,63 +51,33 @@ template <class T, class PlanType, class... Scale>
 struct CosineFunctions {
     using Real = T;
     using Plan = PlanType;
+    const char* name;
     PlanFunctions<Plan> plans[2];
     KelStatus (*run[2])(const T*, T*, const Plan*, Scale..., Kel8u*);
 };
 
-inline constexpr FourierFunctions<Kel32f, Kel32fc, KelsFftPlan_32f> fft_32f = {
-    {kelsFFTInitAlloc_C_32fc, kelsFFTFree_C_32fc, kelsFFTGetBufSize_C_32fc},
-    {kelsFFTInitAlloc_C_32f, kelsFFTFree_C_32f, kelsFFTGetBufSize_C_32f},
-    {kelsFFTInitAlloc_R_32f, kelsFFTFree_R_32f, kelsFFTGetBufSize_R_32f},
-    {kelsFFTFwd_CToC_32fc, kelsFFTInv_CToC_32fc},
-    {kelsFFTFwd_CToC_32f, kelsFFTInv_CToC_32f},
-    {{kelsFFTFwd_RToPerm_32f, kelsFFTFwd_RToPack_32f, kelsFFTFwd_RToCCS_32f},
-     {kelsFFTInv_PermToR_32f, kelsFFTInv_PackToR_32f, kelsFFTInv_CCSToR_32f}}};
+/// The functions of a transform of one type T, whose complex one is Tc; `scaled` ends the names of those that take a
+/// scale factor, an int more.
+#define KELS_FOURIER(NAME, PLAN, T, scaled, ...)                                                                       \
+    inline constexpr FourierFunctions<Kel##T, Kel##T##c, PLAN##_##T __VA_OPT__(, ) __VA_ARGS__> NAME##_##T = {         \
+        #NAME "_" #T,                                                                                                  \
+        {kels##NAME##InitAlloc_C_##T##c, kels##NAME##Free_C_##T##c, kels##NAME##GetBufSize_C_##T##c},                  \
+        {kels##NAME##InitAlloc_C_##T, kels##NAME##Free_C_##T, kels##NAME##GetBufSize_C_##T},                           \
+        {kels##NAME##InitAlloc_R_##T, kels##NAME##Free_R_##T, kels##NAME##GetBufSize_R_##T},                           \
+        {kels##NAME##Fwd_CToC_##T##c##scaled, kels##NAME##Inv_CToC_##T##c##scaled},                                    \
+        {kels##NAME##Fwd_CToC_##T##scaled, kels##NAME##Inv_CToC_##T##scaled},                                          \
+        {{kels##NAME##Fwd_RToPerm_##T##scaled, kels##NAME##Fwd_RToPack_##T##scaled,                                    \
+          kels##NAME##Fwd_RToCCS_##T##scaled},                                                                         \
+         {kels##NAME##Inv_PermToR_##T##scaled, kels##NAME##Inv_PackToR_##T##scaled,                                    \
+          kels##NAME##Inv_CCSToR_##T##scaled}}}
 
-inline constexpr FourierFunctions<Kel64f, Kel64fc, KelsFftPlan_64f> fft_64f = {
-    {kelsFFTInitAlloc_C_64fc, kelsFFTFree_C_64fc, kelsFFTGetBufSize_C_64fc},
-    {kelsFFTInitAlloc_C_64f, kelsFFTFree_C_64f, kelsFFTGetBufSize_C_64f},
-    {kelsFFTInitAlloc_R_64f, kelsFFTFree_R_64f, kelsFFTGetBufSize_R_64f},
-    {kelsFFTFwd_CToC_64fc, kelsFFTInv_CToC_64fc},
-    {kelsFFTFwd_CToC_64f, kelsFFTInv_CToC_64f},
-    {{kelsFFTFwd_RToPerm_64f, kelsFFTFwd_RToPack_64f, kelsFFTFwd_RToCCS_64f},
-     {kelsFFTInv_PermToR_64f, kelsFFTInv_PackToR_64f, kelsFFTInv_CCSToR_64f}}};
-
-inline constexpr FourierFunctions<Kel16s, Kel16sc, KelsFftPlan_16s, int> fft_16s = {
-    {kelsFFTInitAlloc_C_16sc, kelsFFTFree_C_16sc, kelsFFTGetBufSize_C_16sc},
-    {kelsFFTInitAlloc_C_16s, kelsFFTFree_C_16s, kelsFFTGetBufSize_C_16s},
-    {kelsFFTInitAlloc_R_16s, kelsFFTFree_R_16s, kelsFFTGetBufSize_R_16s},
-    {kelsFFTFwd_CToC_16sc_Sfs, kelsFFTInv_CToC_16sc_Sfs},
-    {kelsFFTFwd_CToC_16s_Sfs, kelsFFTInv_CToC_16s_Sfs},
-    {{kelsFFTFwd_RToPerm_16s_Sfs, kelsFFTFwd_RToPack_16s_Sfs, kelsFFTFwd_RToCCS_16s_Sfs},
-     {kelsFFTInv_PermToR_16s_Sfs, kelsFFTInv_PackToR_16s_Sfs, kelsFFTInv_CCSToR_16s_Sfs}}};
-
-inline constexpr FourierFunctions<Kel32f, Kel32fc, KelsDftPlan_32f> dft_32f = {
-    {kelsDFTInitAlloc_C_32fc, kelsDFTFree_C_32fc, kelsDFTGetBufSize_C_32fc},
-    {kelsDFTInitAlloc_C_32f, kelsDFTFree_C_32f, kelsDFTGetBufSize_C_32f},
-    {kelsDFTInitAlloc_R_32f, kelsDFTFree_R_32f, kelsDFTGetBufSize_R_32f},
-    {kelsDFTFwd_CToC_32fc, kelsDFTInv_CToC_32fc},
-    {kelsDFTFwd_CToC_32f, kelsDFTInv_CToC_32f},
-    {{kelsDFTFwd_RToPerm_32f, kelsDFTFwd_RToPack_32f, kelsDFTFwd_RToCCS_32f},
-     {kelsDFTInv_PermToR_32f, kelsDFTInv_PackToR_32f, kelsDFTInv_CCSToR_32f}}};
-
-inline constexpr FourierFunctions<Kel64f, Kel64fc, KelsDftPlan_64f> dft_64f = {
-    {kelsDFTInitAlloc_C_64fc, kelsDFTFree_C_64fc, kelsDFTGetBufSize_C_64fc},
-    {kelsDFTInitAlloc_C_64f, kelsDFTFree_C_64f, kelsDFTGetBufSize_C_64f},
-    {kelsDFTInitAlloc_R_64f, kelsDFTFree_R_64f, kelsDFTGetBufSize_R_64f},
-    {kelsDFTFwd_CToC_64fc, kelsDFTInv_CToC_64fc},
-    {kelsDFTFwd_CToC_64f, kelsDFTInv_CToC_64f},
-    {{kelsDFTFwd_RToPerm_64f, kelsDFTFwd_RToPack_64f, kelsDFTFwd_RToCCS_64f},
-     {kelsDFTInv_PermToR_64f, kelsDFTInv_PackToR_64f, kelsDFTInv_CCSToR_64f}}};
-
-inline constexpr FourierFunctions<Kel16s, Kel16sc, KelsDftPlan_16s, int> dft_16s = {
-    {kelsDFTInitAlloc_C_16sc, kelsDFTFree_C_16sc, kelsDFTGetBufSize_C_16sc},
-    {kelsDFTInitAlloc_C_16s, kelsDFTFree_C_16s, kelsDFTGetBufSize_C_16s},
-    {kelsDFTInitAlloc_R_16s, kelsDFTFree_R_16s, kelsDFTGetBufSize_R_16s},
-    {kelsDFTFwd_CToC_16sc_Sfs, kelsDFTInv_CToC_16sc_Sfs},
-    {kelsDFTFwd_CToC_16s_Sfs, kelsDFTInv_CToC_16s_Sfs},
-    {{kelsDFTFwd_RToPerm_16s_Sfs, kelsDFTFwd_RToPack_16s_Sfs, kelsDFTFwd_RToCCS_16s_Sfs},
-     {kelsDFTInv_PermToR_16s_Sfs, kelsDFTInv_PackToR_16s_Sfs, kelsDFTInv_CCSToR_16s_Sfs}}};
+KELS_FOURIER(FFT, KelsFftPlan, 32f, );
+KELS_FOURIER(FFT, KelsFftPlan, 64f, );
+KELS_FOURIER(FFT, KelsFftPlan, 16s, _Sfs, int);
+KELS_FOURIER(DFT, KelsDftPlan, 32f, );
+KELS_FOURIER(DFT, KelsDftPlan, 64f, );
+KELS_FOURIER(DFT, KelsDftPlan, 16s, _Sfs, int);
+#undef KELS_FOURIER
 
 /// Cosine transforms have no flag.
 template <class Plan, KelStatus (*make)(Plan**, int, int)>
@@ -114,20 +85,17 @@ KelStatus without_flag(Plan** plan, int len, int, int hint) {
     return make(plan, len, hint);
 }
 
-inline constexpr CosineFunctions<Kel32f, KelsDctPlan_32f> dct_32f = {
-    {{without_flag<KelsDctPlan_32f, kelsDCTFwdInitAlloc_32f>, kelsDCTFwdFree_32f, kelsDCTFwdGetBufSize_32f},
-     {without_flag<KelsDctPlan_32f, kelsDCTInvInitAlloc_32f>, kelsDCTInvFree_32f, kelsDCTInvGetBufSize_32f}},
-    {kelsDCTFwd_32f, kelsDCTInv_32f}};
+#define KELS_COSINE(T, scaled, ...)                                                                                    \
+    inline constexpr CosineFunctions<Kel##T, KelsDctPlan_##T __VA_OPT__(, ) __VA_ARGS__> DCT_##T = {                   \
+        "DCT_" #T,                                                                                                     \
+        {{without_flag<KelsDctPlan_##T, kelsDCTFwdInitAlloc_##T>, kelsDCTFwdFree_##T, kelsDCTFwdGetBufSize_##T},       \
+         {without_flag<KelsDctPlan_##T, kelsDCTInvInitAlloc_##T>, kelsDCTInvFree_##T, kelsDCTInvGetBufSize_##T}},      \
+        {kelsDCTFwd_##T##scaled, kelsDCTInv_##T##scaled}}
 
-inline constexpr CosineFunctions<Kel64f, KelsDctPlan_64f> dct_64f = {
-    {{without_flag<KelsDctPlan_64f, kelsDCTFwdInitAlloc_64f>, kelsDCTFwdFree_64f, kelsDCTFwdGetBufSize_64f},
-     {without_flag<KelsDctPlan_64f, kelsDCTInvInitAlloc_64f>, kelsDCTInvFree_64f, kelsDCTInvGetBufSize_64f}},
-    {kelsDCTFwd_64f, kelsDCTInv_64f}};
-
-inline constexpr CosineFunctions<Kel16s, KelsDctPlan_16s, int> dct_16s = {
-    {{without_flag<KelsDctPlan_16s, kelsDCTFwdInitAlloc_16s>, kelsDCTFwdFree_16s, kelsDCTFwdGetBufSize_16s},
-     {without_flag<KelsDctPlan_16s, kelsDCTInvInitAlloc_16s>, kelsDCTInvFree_16s, kelsDCTInvGetBufSize_16s}},
-    {kelsDCTFwd_16s_Sfs, kelsDCTInv_16s_Sfs}};
+KELS_COSINE(32f, );
+KELS_COSINE(64f, );
+KELS_COSINE(16s, _Sfs, int);
+#undef KELS_COSINE
 
 // Families: how lengths are told, what plans are refused, which lengths are telling
 
@@ -150,6 +118,7 @@ struct Fourier {
     using Table = std::remove_cvref_t<decltype(functions)>;
     using Real = typename Table::Real;
     using Plan = typename Table::Plan;
+    static constexpr const char* name = functions.name;
     static constexpr Layout layouts[] = {Layout::interleaved, Layout::split, Layout::perm, Layout::pack, Layout::ccs};
 
     static const PlanFunctions<Plan>& plans(Layout layout, bool) {
@@ -224,6 +193,7 @@ struct Dct {
     using Table = std::remove_cvref_t<decltype(functions)>;
     using Real = typename Table::Real;
     using Plan = typename Table::Plan;
+    static constexpr const char* name = functions.name;
     static constexpr Layout layouts[] = {Layout::cosine};
 
     static int size(int n) { return n; }
@@ -246,37 +216,22 @@ struct Dct {
     static std::vector<int> lengths_that_allocate() { return {1018, 3000, 4096}; }
 };
 
-struct Fft32f : Fft<fft_32f, 27> {
-    static constexpr const char* name = "Fft32f";
-};
-struct Fft64f : Fft<fft_64f, 26> {
-    static constexpr const char* name = "Fft64f";
-};
-struct Fft16s : Fft<fft_16s, 27> {
-    static constexpr const char* name = "Fft16s";
+using Fft32f = Fft<FFT_32f, 27>;
+using Fft64f = Fft<FFT_64f, 26>;
+struct Fft16s : Fft<FFT_16s, 27> {
     static std::vector<int> some_lengths() { return {1, 2, 8, 256, 4096}; }
     static std::vector<int> lengths_that_allocate() { return {512, 2048}; }
 };
-struct Dft32f : Dft<dft_32f> {
-    static constexpr const char* name = "Dft32f";
-};
-struct Dft64f : Dft<dft_64f> {
-    static constexpr const char* name = "Dft64f";
-};
-struct Dft16s : Dft<dft_16s> {
-    static constexpr const char* name = "Dft16s";
+using Dft32f = Dft<DFT_32f>;
+using Dft64f = Dft<DFT_64f>;
+struct Dft16s : Dft<DFT_16s> {
     static std::vector<int> places() { return {1, 2, 5, 8, 97, 181, 1009}; }
     static std::vector<int> some_lengths() { return places(); }
     static std::vector<int> lengths_that_allocate() { return {2, 5, 8, 97, 181, 1009}; }
 };
-struct Dct32f : Dct<dct_32f> {
-    static constexpr const char* name = "Dct32f";
-};
-struct Dct64f : Dct<dct_64f> {
-    static constexpr const char* name = "Dct64f";
-};
-struct Dct16s : Dct<dct_16s> {
-    static constexpr const char* name = "Dct16s";
+using Dct32f = Dct<DCT_32f>;
+using Dct64f = Dct<DCT_64f>;
+struct Dct16s : Dct<DCT_16s> {
     static std::vector<int> places() { return {1, 6, 64, 101, 1009}; }
     static std::vector<int> lengths_that_allocate() { return {8, 101, 1009}; }
 };

@@ -81,17 +81,13 @@ void model_core(Points& x) {
         }
 }
 
-void model_bit_reversal(Points& x) {
+void model_transform(Points& x) {
+    model_core(x);
     for (std::size_t i = 0; i < x.size(); ++i) {
         std::size_t j = 0;
         for (std::size_t bit = 1; bit < x.size(); bit *= 2) j = 2 * j + (i / bit & 1);
         if (i < j) std::swap(x[i], x[j]);
     }
-}
-
-void model_transform(Points& x) {
-    model_core(x);
-    model_bit_reversal(x);
 }
 
 void model_real_bins(Points& x) {
@@ -185,32 +181,21 @@ std::vector<Kel16s> model(const FixedCase& c, std::vector<Kel16s> src, int facto
     return !c.is_complex() && !c.inverse ? to_layout(c, dst) : dst;
 }
 
-/// Kinds of data: noise of all sizes, noise of extremes, a constant, a tone of half the rate.
+constexpr int data_kinds = 5;
+
+/// Kinds of data: noise of all sizes, noise of extremes, small noise, a constant, a tone of half the rate.
 std::vector<Kel16s> data(int kind, std::size_t count) {
     Random random("samples of 16 bits " + std::to_string(kind));
     std::vector<Kel16s> x(count);
     for (std::size_t i = 0; i < count; ++i) {
         constexpr Kel16s extremes[] = {SHRT_MIN, SHRT_MIN + 1, SHRT_MAX, SHRT_MAX - 1, -1, 0, 1};
-        switch (kind) {
-        case 0:
-            x[i] = static_cast<Kel16s>(random.bits());
-            break;
-        case 1:
-            x[i] = extremes[random.below(7)];
-            break;
-        case 2:
-            x[i] = static_cast<Kel16s>(static_cast<Kel16s>(random.bits()) / 256);
-            break;
-        case 3:
-            x[i] = SHRT_MIN;
-            break;
-        default:
-            x[i] = i / 2 % 2 ? SHRT_MIN : SHRT_MAX;
-        }
+        const auto noise = static_cast<Kel16s>(random.bits());
+        const int kinds[data_kinds] = {noise, extremes[random.below(7)], noise / 256, SHRT_MIN,
+                                       i / 2 % 2 ? SHRT_MIN : SHRT_MAX};
+        x[i] = static_cast<Kel16s>(kinds[kind]);
     }
     return x;
 }
-constexpr int data_kinds = 5;
 
 // Tests
 

@@ -105,11 +105,6 @@ TEST(Spectrum, CcsExpands) {
 
 // Products
 
-template <class T>
-struct Pair {
-    T re, im;
-};
-
 /// Bin by bin; put(exact) gives what is stored.
 template <Layout layout, class T, class Put>
 void multiply(const T* a, const T* b, T* d, int len, Put put, int sign = 1) {
@@ -121,7 +116,7 @@ void multiply(const T* a, const T* b, T* d, int len, Put put, int sign = 1) {
         } else if (i + 1 < len) {
             const long double ar = a[i], ai = a[i + 1], br = b[i];
             const long double bi = sign * static_cast<long double>(b[i + 1]);
-            const auto bin = complex_product(Pair<long double>{ar, ai}, Pair<long double>{br, bi});
+            const auto bin = complex_product(ExactComplex{ar, ai}, ExactComplex{br, bi});
             d[i] = put(bin.re);
             d[i + 1] = put(bin.im);
         }
@@ -144,14 +139,11 @@ constexpr auto truncated_product = whole([](const Kel16s* a, const Kel16s* b, Ke
 });
 
 const Rows products = {
-    rows(product<pack>, kelsMulPack_32f).in_place(kelsMulPack_32f_I).ulps(1),
-    rows(product<pack>, kelsMulPack_64f).in_place(kelsMulPack_64f_I).ulps(2),
+    rows(product<pack>, kelsMulPack_32f, kelsMulPack_64f).in_place(kelsMulPack_32f_I, kelsMulPack_64f_I).ulps(1, 2),
     rows(truncated_product<pack>, kelsMulPack_16s_Sfs).in_place(kelsMulPack_16s_ISfs),
-    rows(product<perm>, kelsMulPerm_32f).in_place(kelsMulPerm_32f_I).ulps(1),
-    rows(product<perm>, kelsMulPerm_64f).in_place(kelsMulPerm_64f_I).ulps(2),
+    rows(product<perm>, kelsMulPerm_32f, kelsMulPerm_64f).in_place(kelsMulPerm_32f_I, kelsMulPerm_64f_I).ulps(1, 2),
     rows(truncated_product<perm>, kelsMulPerm_16s_Sfs).in_place(kelsMulPerm_16s_ISfs),
-    in_place(product<pack, -1>, kelsMulPackConj_32f_I).ulps(1),
-    in_place(product<pack, -1>, kelsMulPackConj_64f_I).ulps(2),
+    in_place(product<pack, -1>, kelsMulPackConj_32f_I, kelsMulPackConj_64f_I).ulps(1, 2),
 };
 
 const bool registered =

@@ -24,7 +24,6 @@ using namespace kels_test;
 // References
 
 constexpr auto same = each([](auto x) { return x; });
-constexpr auto saturated = each([](Kel32s x) { return scaled<Kel16s>(x); });
 /// Rounded by the x87 unit: the compiler may not take the short way.
 constexpr auto extended = [](auto x) -> long double {
     const volatile long double v = x;
@@ -32,8 +31,7 @@ constexpr auto extended = [](auto x) -> long double {
 };
 constexpr auto limited = each([](Kel64f x) {
     const Kel64f most = std::numeric_limits<Kel32f>::max();
-    if (x < most && x > -most) return extended(x);
-    return extended(x <= -most ? -most : most);
+    return extended(std::fmax(-most, std::fmin(x, most)));
 });
 
 template <int Least, int Most>
@@ -54,20 +52,25 @@ struct ToInteger {
     }
 };
 
-constexpr auto normalized = each([]<class T>(T x, T sub, auto divisor) {
-    const long double reciprocal = 1.0L / divisor;
-    const auto part = [=](long double a, long double b) { return (a - b) * reciprocal; };
+/// part(x, sub), or that of both parts.
+template <class R, class T, class Part>
+auto by_parts(T x, T sub, Part part) {
     if constexpr (ComplexSample<T>)
-        return ExactComplex{part(x.re, sub.re), part(x.im, sub.im)};
+        return R{part(x.re, sub.re), part(x.im, sub.im)};
     else
         return part(x, sub);
+}
+
+constexpr auto normalized = each([](auto x, auto sub, auto divisor) {
+    const long double reciprocal = 1.0L / divisor;
+    return by_parts<ExactComplex>(x, sub, [=](long double a, long double b) { return (a - b) * reciprocal; });
 });
 
 constexpr auto normalized_integer = each([]<class T>(T x, T sub, int divisor, int factor) {
     constexpr int far = 3000, all_vanishes = 1000;
     const double power = std::pow(2.0, -static_cast<double>(std::clamp(factor, -far, all_vanishes)));
     const long double multiplier = power * (1.0L / divisor);
-    const auto part = [=](int a, int b) -> Kel16s {
+    return by_parts<T>(x, sub, [=](int a, int b) -> Kel16s {
         const long double v = (a - b) * multiplier;
         if (!(v <= 32767)) return 32767;
         if (v < -32768) return -32768;
@@ -75,11 +78,7 @@ constexpr auto normalized_integer = each([]<class T>(T x, T sub, int divisor, in
         std::int32_t bits;
         std::memcpy(&bits, &shifted, 4);
         return static_cast<Kel16s>(bits);
-    };
-    if constexpr (ComplexSample<T>)
-        return T{part(x.re, sub.re), part(x.im, sub.im)};
-    else
-        return part(x, sub);
+    });
 });
 
 template <class R>
@@ -89,41 +88,32 @@ Rows in_each_mode(const Rows& rows) { return rows.values(0, {0, 1, 1, -1, 2, INT
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
 
-Rows with_telling_divisors(const Rows& row) {
-    return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, 1.18e-38, -3e38, HUGE_VAL, nan, 123457});
-}
-Rows with_extreme_divisors(const Rows& row) {
-    return row.values(1, {1, -1, 3, 0.1, -7.3e-5, 1e300, 1e-300, 2.3e-308, -1.7e308, HUGE_VAL, nan, 1e-39});
-}
-Rows with_whole_divisors(const Rows& row) {
-    return row.values(1, {1, 2, -1, 3, -7, 1000, INT_MAX, INT_MIN, 10, 5, 6, 4})
-        .refuses(1, {0}, kelStatusDivByZero)
-        .follows_rounding();
-}
-
 const Rows table = {
     rows(same, kelsConvert_8s16s, kelsConvert_16s32s, kelsConvert_8s32f, kelsConvert_8u32f, kelsConvert_16s32f,
          kelsConvert_16u32f, kelsConvert_32s64f),
     rows(same, kelsConvert_32f64f).ulps(0),
     rows(each(extended), kelsConvert_32s32f).follows_rounding(),
-    rows(saturated, kelsConvert_32s16s),
+    rows(each([](Kel32s x) { return scaled<Kel16s>(x); }), kelsConvert_32s16s),
     rows(limited, kelsConvert_64f32f).follows_rounding(),
     rows(each(TimesPower<-112, 126>{}), kelsConvert_16s32f_Sfs),
     rows(each(TimesPower<-96, 126>{}), kelsConvert_32s32f_Sfs).follows_rounding(),
     rows(each(TimesPower<-1008, 1022>{}), kelsConvert_16s64f_Sfs),
     rows(each(TimesPower<-992, 1022>{}), kelsConvert_32s64f_Sfs),
-    in_each_mode(rows(to_integer<Kel8s>, kelsConvert_32f8s_Sfs)),
-    in_each_mode(rows(to_integer<Kel8u>, kelsConvert_32f8u_Sfs)),
-    in_each_mode(rows(to_integer<Kel16s>, kelsConvert_32f16s_Sfs)),
-    in_each_mode(rows(to_integer<Kel16u>, kelsConvert_32f16u_Sfs)),
-    in_each_mode(rows(to_integer<Kel32s>, kelsConvert_32f32s_Sfs, kelsConvert_64f32s_Sfs)),
-    with_telling_divisors(rows(normalized, kelsNormalize_32f, kelsNormalize_32fc))
+    in_each_mode({rows(to_integer<Kel8s>, kelsConvert_32f8s_Sfs), rows(to_integer<Kel8u>, kelsConvert_32f8u_Sfs),
+                  rows(to_integer<Kel16s>, kelsConvert_32f16s_Sfs), rows(to_integer<Kel16u>, kelsConvert_32f16u_Sfs),
+                  rows(to_integer<Kel32s>, kelsConvert_32f32s_Sfs, kelsConvert_64f32s_Sfs)}),
+    rows(normalized, kelsNormalize_32f, kelsNormalize_32fc)
+        .values(1, {1, -1, 3, 0.1, -7.3e-5, 1e30, 1e-30, 1.18e-38, -3e38, HUGE_VAL, nan, 123457})
         .refuses(1, {0, -0.0, 1e-39, -1e-39}, kelStatusDivByZero)
         .ulps(1),
-    with_extreme_divisors(rows(normalized, kelsNormalize_64f, kelsNormalize_64fc))
+    rows(normalized, kelsNormalize_64f, kelsNormalize_64fc)
+        .values(1, {1, -1, 3, 0.1, -7.3e-5, 1e300, 1e-300, 2.3e-308, -1.7e308, HUGE_VAL, nan, 1e-39})
         .refuses(1, {0, -0.0, 1e-309}, kelStatusDivByZero)
         .ulps(1),
-    with_whole_divisors(rows(normalized_integer, kelsNormalize_16s_Sfs, kelsNormalize_16sc_Sfs)),
+    rows(normalized_integer, kelsNormalize_16s_Sfs, kelsNormalize_16sc_Sfs)
+        .values(1, {1, 2, -1, 3, -7, 1000, INT_MAX, INT_MIN, 10, 5, 6, 4})
+        .refuses(1, {0}, kelStatusDivByZero)
+        .follows_rounding(),
 };
 
 const bool registered = add_rows("Conversion", table);
@@ -150,8 +140,9 @@ std::vector<T> beside_boundaries(int factor) {
 }
 
 template <class T, class R>
-void expect_right_at_boundaries(KelStatus (*function)(const T*, R*, int, int, int), int from, int to) {
-    for (int factor = from; factor <= to; ++factor) {
+void expect_right_at_boundaries(KelStatus (*function)(const T*, R*, int, int, int)) {
+    constexpr int least = sizeof(T) == 4 ? -190 : -1120, most = sizeof(T) == 4 ? 160 : 1040;
+    for (int factor = least; factor <= most; ++factor) {
         const std::vector<T> x = beside_boundaries<T>(factor);
         std::vector<R> d(x.size());
         for (int mode : {0, 1}) {
@@ -163,12 +154,12 @@ void expect_right_at_boundaries(KelStatus (*function)(const T*, R*, int, int, in
 }
 
 TEST(RealToInteger, BoundariesAtEveryScaleFactor) {
-    expect_right_at_boundaries(kelsConvert_32f8s_Sfs, -190, 160);
-    expect_right_at_boundaries(kelsConvert_32f8u_Sfs, -190, 160);
-    expect_right_at_boundaries(kelsConvert_32f16s_Sfs, -190, 160);
-    expect_right_at_boundaries(kelsConvert_32f16u_Sfs, -190, 160);
-    expect_right_at_boundaries(kelsConvert_32f32s_Sfs, -190, 160);
-    expect_right_at_boundaries(kelsConvert_64f32s_Sfs, -1120, 1040);
+    expect_right_at_boundaries(kelsConvert_32f8s_Sfs);
+    expect_right_at_boundaries(kelsConvert_32f8u_Sfs);
+    expect_right_at_boundaries(kelsConvert_32f16s_Sfs);
+    expect_right_at_boundaries(kelsConvert_32f16u_Sfs);
+    expect_right_at_boundaries(kelsConvert_32f32s_Sfs);
+    expect_right_at_boundaries(kelsConvert_64f32s_Sfs);
 }
 
 // A caller that rounds up and takes denormals for zeros: neither shows.

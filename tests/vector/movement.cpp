@@ -84,7 +84,7 @@ const Rows table = {
     rows(part_of<real_part>, kelsReal_16sc, kelsReal_32fc, kelsReal_64fc),
     rows(part_of<imaginary_part>, kelsImag_16sc, kelsImag_32fc, kelsImag_64fc),
     rows(both_parts, kelsCplxToReal_16sc, kelsCplxToReal_32fc, kelsCplxToReal_64fc),
-    rows(joined, kelsRealToCplx_16s, kelsRealToCplx_32f, kelsRealToCplx_64f).nullable_sources(),
+    rows(joined, kelsRealToCplx_16s, kelsRealToCplx_32f, kelsRealToCplx_64f).nullable({0, 1}),
     rows(conjugated<forward>, kelsConj_16sc, kelsConj_32fc, kelsConj_64fc)
         .in_place(kelsConj_16sc_I, kelsConj_32fc_I, kelsConj_64fc_I),
     rows(conjugated<backward>, kelsConjFlip_16sc, kelsConjFlip_32fc, kelsConjFlip_64fc).disjoint(),
@@ -97,16 +97,15 @@ void join_with_null_sources(KelStatus (*join)(const P*, const P*, C*, int)) {
     for (int len = 1; len <= 70; ++len) {
         std::vector<P> x(len);
         for (int i = 0; i < len; ++i) x[i] = static_cast<P>(i + 1);
-        std::vector<C> z(len + 1, C{-7, -7});
+        std::vector<C> z(len + 1, C{-7, -7}), with_zeros = z;
         const std::vector<P> zeros(len);
-        std::vector<C> with_zeros = z;
-        const auto expect_zeros = [&](const P* re, const P* im) {
-            ASSERT_EQ(join(re ? re : zeros.data(), im ? im : zeros.data(), with_zeros.data(), len), kelStatusOk);
-            ASSERT_EQ(join(re, im, z.data(), len), kelStatusOk);
+        for (const bool imaginary : {false, true}) {
+            const P *first = x.data(), *second = zeros.data();
+            if (imaginary) std::swap(first, second);
+            ASSERT_EQ(join(first, second, with_zeros.data(), len), kelStatusOk);
+            ASSERT_EQ(join(imaginary ? nullptr : first, imaginary ? second : nullptr, z.data(), len), kelStatusOk);
             ASSERT_TRUE(same_bits(z, with_zeros));
-        };
-        expect_zeros(x.data(), nullptr);
-        expect_zeros(nullptr, x.data());
+        }
     }
     C z{-7, -7};
     P x{};

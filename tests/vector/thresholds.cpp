@@ -33,6 +33,7 @@ void move(T& to, const T& from) {
 enum class Side { below, above };
 
 constexpr Side side_of(int mode) { return mode == 4 ? Side::above : Side::below; }
+constexpr int mode_of(Side side) { return side == Side::above ? 4 : 0; }
 
 /// The place of a number in the order of its bits, the negative ones mirrored.
 template <class T>
@@ -71,27 +72,14 @@ struct ByModulus {
     }
 };
 
-template <class Order>
-struct Replaced {
-    Side side;
-
-    template <class T, class Level>
-    void all(const T* x, T* d, int len, Level level, const T& value) const {
-        for (int i = 0; i < len; ++i) move(d[i], Order::beyond(side, x[i], level) ? value : x[i]);
-    }
-};
-
-template <class Order>
-constexpr auto by_mode = whole([]<class T>(const T* x, T* d, int len, const T& level, int mode) {
-    Replaced<Order>{side_of(mode)}.all(x, d, len, level, level);
-});
-template <class Order, Side S>
-constexpr auto by_side = whole([]<class T>(const T* x, T* d, int len, const T& level) {
-    Replaced<Order>{S}.all(x, d, len, level, level);
-});
-template <class Order, Side S>
+template <class Order, Side side>
 constexpr auto with_value = whole([]<class T>(const T* x, T* d, int len, const auto& level, const T& value) {
-    Replaced<Order>{S}.all(x, d, len, level, value);
+    for (int i = 0; i < len; ++i) move(d[i], Order::beyond(side, x[i], level) ? value : x[i]);
+});
+/// With the level itself, on the side of the mode or of the function.
+template <class Order, Side S = Side::below>
+constexpr auto limited_to = whole([]<class T>(const T* x, T* d, int len, const T& level, int mode = mode_of(S)) {
+    for (int i = 0; i < len; ++i) move(d[i], Order::beyond(side_of(mode), x[i], level) ? level : x[i]);
 });
 
 /// Rounded to 24 bits, whatever the exponent.
@@ -162,13 +150,9 @@ void clip_all(const T* x, T* d, int len, Side side, Level level) {
     }
 }
 
-template <bool SamePlace>
-constexpr auto clipped = whole([]<class T>(const T* x, T* d, int len, auto level, int mode) {
+template <bool SamePlace, Side S = Side::below>
+constexpr auto clipped = whole([]<class T>(const T* x, T* d, int len, auto level, int mode = mode_of(S)) {
     clip_all<SamePlace>(x, d, len, side_of(mode), level);
-});
-template <Side S, bool SamePlace>
-constexpr auto clipped_to = whole([]<class T>(const T* x, T* d, int len, auto level) {
-    clip_all<SamePlace>(x, d, len, S, level);
 });
 
 // Limited reciprocals
@@ -178,17 +162,6 @@ bool upper_bits_zero(T x) {
     return std::bit_cast<std::uint64_t>(x) >> 32 == 0;
 }
 
-Real limited_one(Kel32f x, Kel32f level) {
-    if (std::bit_cast<std::uint32_t>(level) == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
-    const bool large = std::fabs(x) >= std::fabs(level) || std::isnan(x);
-    return large ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
-}
-Real limited_one(Kel64f x, Kel64f level) {
-    if (level == 0) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
-    return std::fabs(x) >= level ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
-}
-
-bool is_zero(Kel32f x) { return x == 0; }
 bool is_zero(Kel64f x) { return x == 0; }
 bool is_zero(Kel32fc z) { return !(squared_modulus(z) > 0); }
 bool is_zero(Kel64fc z) { return upper_bits_zero(z.re) && upper_bits_zero(z.im); }
@@ -197,6 +170,14 @@ bool zero_level(Kel32f level, Kel32f) { return std::bit_cast<std::uint32_t>(leve
 bool zero_level(Kel64f level, Kel64f) { return level == 0; }
 bool zero_level(Kel32f level, Kel32fc) { return level == 0; }
 bool zero_level(Kel64f level, Kel64fc) { return upper_bits_zero(level); }
+
+template <class T>
+Real limited_one(T x, T level) {
+    const bool single = std::is_same_v<T, Kel32f>;
+    if (zero_level(level, x)) return x == 0 ? HUGE_VALL : 1 / static_cast<Real>(x);
+    const bool large = std::fabs(x) >= (single ? std::fabs(level) : level) || (single && std::isnan(x));
+    return large ? 1 / static_cast<Real>(x) : (x < 0 ? -1 : 1) / static_cast<Real>(level);
+}
 
 template <class T, class Level>
 ExactComplex limited_complex(T z, Level level) {
@@ -222,7 +203,6 @@ constexpr auto limited = whole([]<class T, class Level>(const T* x, T* d, int le
     return status;
 });
 
-constexpr std::initializer_list<double> modes = {0, 1, 2, 3, 4, -1, 4, 4};
 constexpr std::initializer_list<double> integer_levels = {0, 1, 5, 80, 100, 181, 4096, 20000, 32766, 32767};
 constexpr std::initializer_list<double> real_levels = {0,    1,    0.3,      2.5,   100,  1e5,
                                                        1e-5, -0.0, HUGE_VAL, 1e-30, 1e30, NAN};
@@ -236,43 +216,49 @@ Rows of_reals(const Rows& rows) {
 }
 Rows clips_reals(const Rows& rows) { return of_reals(rows).every_size().ulps(1); }
 
+Rows in_modes(const Rows& rows) { return rows.values(1, {0, 1, 2, 3, 4, -1, 4, 4}); }
+
 const Rows table = {
-    rows(by_mode<ByBits>, kelsThreshold_16s, kelsThreshold_32f)
-        .in_place(kelsThreshold_16s_I, kelsThreshold_32f_I)
-        .values(1, modes),
-    of_integers(rows(clipped<false>, kelsThreshold_16sc)).values(1, modes),
-    of_integers(in_place(clipped<true>, kelsThreshold_16sc_I)).values(1, modes),
-    clips_reals(rows(clipped<false>, kelsThreshold_32fc, kelsThreshold_64fc)).values(1, modes),
-    rows(by_mode<ByValue>, kelsThreshold_64f).values(1, modes),
-    clips_reals(in_place(clipped<true>, kelsThreshold_64fc_I)).values(1, modes),
-    rows(by_side<ByBits, Side::below>, kelsThreshold_LT_16s, kelsThreshold_LT_32f)
+    in_modes({
+        rows(limited_to<ByBits>, kelsThreshold_16s, kelsThreshold_32f)
+            .in_place(kelsThreshold_16s_I, kelsThreshold_32f_I),
+        rows(limited_to<ByValue>, kelsThreshold_64f),
+        of_integers({rows(clipped<false>, kelsThreshold_16sc), in_place(clipped<true>, kelsThreshold_16sc_I)}),
+        clips_reals({rows(clipped<false>, kelsThreshold_32fc, kelsThreshold_64fc),
+                     in_place(clipped<true>, kelsThreshold_64fc_I)}),
+    }),
+    rows(limited_to<ByBits, Side::below>, kelsThreshold_LT_16s, kelsThreshold_LT_32f)
         .in_place(kelsThreshold_LT_16s_I, kelsThreshold_LT_32f_I),
-    of_integers(rows(clipped_to<Side::below, false>, kelsThreshold_LT_16sc)),
-    of_integers(in_place(clipped_to<Side::below, true>, kelsThreshold_LT_16sc_I)),
-    clips_reals(rows(clipped_to<Side::below, false>, kelsThreshold_LT_32fc, kelsThreshold_LT_64fc)),
-    rows(by_side<ByValue, Side::below>, kelsThreshold_LT_64f),
-    clips_reals(in_place(clipped_to<Side::below, true>, kelsThreshold_LT_64fc_I)),
-    rows(by_side<ByBits, Side::above>, kelsThreshold_GT_16s, kelsThreshold_GT_32f)
+    rows(limited_to<ByBits, Side::above>, kelsThreshold_GT_16s, kelsThreshold_GT_32f)
         .in_place(kelsThreshold_GT_16s_I, kelsThreshold_GT_32f_I),
-    of_integers(rows(clipped_to<Side::above, false>, kelsThreshold_GT_16sc)),
-    of_integers(in_place(clipped_to<Side::above, true>, kelsThreshold_GT_16sc_I)),
-    clips_reals(rows(clipped_to<Side::above, false>, kelsThreshold_GT_32fc, kelsThreshold_GT_64fc)),
-    rows(by_side<ByValue, Side::above>, kelsThreshold_GT_64f),
-    clips_reals(in_place(clipped_to<Side::above, true>, kelsThreshold_GT_64fc_I)),
+    rows(limited_to<ByValue, Side::below>, kelsThreshold_LT_64f),
+    rows(limited_to<ByValue, Side::above>, kelsThreshold_GT_64f),
     rows(with_value<ByBits, Side::below>, kelsThreshold_LTVal_16s, kelsThreshold_LTVal_32f)
         .in_place(kelsThreshold_LTVal_16s_I, kelsThreshold_LTVal_32f_I),
-    of_integers(
-        rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_16sc).in_place(kelsThreshold_LTVal_16sc_I)),
-    of_reals(rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_32fc, kelsThreshold_LTVal_64fc)
-                 .in_place(kelsThreshold_LTVal_32fc_I, kelsThreshold_LTVal_64fc_I)),
-    rows(with_value<ByValue, Side::below>, kelsThreshold_LTVal_64f),
     rows(with_value<ByBits, Side::above>, kelsThreshold_GTVal_16s, kelsThreshold_GTVal_32f)
         .in_place(kelsThreshold_GTVal_16s_I, kelsThreshold_GTVal_32f_I),
-    of_integers(
-        rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_16sc).in_place(kelsThreshold_GTVal_16sc_I)),
-    of_reals(rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_32fc, kelsThreshold_GTVal_64fc)
-                 .in_place(kelsThreshold_GTVal_32fc_I, kelsThreshold_GTVal_64fc_I)),
+    rows(with_value<ByValue, Side::below>, kelsThreshold_LTVal_64f),
     rows(with_value<ByValue, Side::above>, kelsThreshold_GTVal_64f),
+    of_integers({
+        rows(clipped<false, Side::below>, kelsThreshold_LT_16sc),
+        rows(clipped<false, Side::above>, kelsThreshold_GT_16sc),
+        in_place(clipped<true, Side::below>, kelsThreshold_LT_16sc_I),
+        in_place(clipped<true, Side::above>, kelsThreshold_GT_16sc_I),
+        rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_16sc).in_place(kelsThreshold_LTVal_16sc_I),
+        rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_16sc).in_place(kelsThreshold_GTVal_16sc_I),
+    }),
+    clips_reals({
+        rows(clipped<false, Side::below>, kelsThreshold_LT_32fc, kelsThreshold_LT_64fc),
+        rows(clipped<false, Side::above>, kelsThreshold_GT_32fc, kelsThreshold_GT_64fc),
+        in_place(clipped<true, Side::below>, kelsThreshold_LT_64fc_I),
+        in_place(clipped<true, Side::above>, kelsThreshold_GT_64fc_I),
+    }),
+    of_reals({
+        rows(with_value<ByModulus, Side::below>, kelsThreshold_LTVal_32fc, kelsThreshold_LTVal_64fc)
+            .in_place(kelsThreshold_LTVal_32fc_I, kelsThreshold_LTVal_64fc_I),
+        rows(with_value<ByModulus, Side::above>, kelsThreshold_GTVal_32fc, kelsThreshold_GTVal_64fc)
+            .in_place(kelsThreshold_GTVal_32fc_I, kelsThreshold_GTVal_64fc_I),
+    }),
     of_reals(rows(limited, kelsThreshold_LTInv_32f, kelsThreshold_LTInv_32fc, kelsThreshold_LTInv_64f)
                  .in_place(kelsThreshold_LTInv_32f_I, kelsThreshold_LTInv_32fc_I, kelsThreshold_LTInv_64f_I))
         .ulps(1),
@@ -281,12 +267,12 @@ const Rows table = {
 
 // These differ from the ones out of place, where numbers have no order or zeros have signs.
 const Rows rows_in_place = {
-    clips_reals(in_place(clipped<true>, kelsThreshold_32fc_I)).values(1, modes),
-    in_place(by_mode<ByBits>, kelsThreshold_64f_I).values(1, modes),
-    clips_reals(in_place(clipped_to<Side::below, true>, kelsThreshold_LT_32fc_I)),
-    in_place(by_side<ByBits, Side::below>, kelsThreshold_LT_64f_I),
-    clips_reals(in_place(clipped_to<Side::above, true>, kelsThreshold_GT_32fc_I)),
-    in_place(by_side<ByBits, Side::above>, kelsThreshold_GT_64f_I),
+    in_modes(clips_reals(in_place(clipped<true>, kelsThreshold_32fc_I))),
+    in_modes(in_place(limited_to<ByBits>, kelsThreshold_64f_I)),
+    clips_reals(in_place(clipped<true, Side::below>, kelsThreshold_LT_32fc_I)),
+    clips_reals(in_place(clipped<true, Side::above>, kelsThreshold_GT_32fc_I)),
+    in_place(limited_to<ByBits, Side::below>, kelsThreshold_LT_64f_I),
+    in_place(limited_to<ByBits, Side::above>, kelsThreshold_GT_64f_I),
     in_place(with_value<ByBits, Side::below>, kelsThreshold_LTVal_64f_I),
     in_place(with_value<ByBits, Side::above>, kelsThreshold_GTVal_64f_I),
 };
@@ -295,8 +281,7 @@ const bool registered = add_rows("Thresholds", table) && add_rows("ThresholdsInP
 // Integers: every level, on elements whose clipped parts are integers, or come close to one.
 
 TEST(ComplexThreshold, EveryLevelOfIntegers) {
-    std::vector<Kel16sc> x = {{0, 0}, {3, 4},  {6, 8}, {-32768, -32768}, {-32768, 0}, {32767, 1},
-                              {1, 0}, {0, -1}, {1, 1}};
+    std::vector<Kel16sc> x = {{0, 0}, {3, 4}, {-32768, -32768}, {-32768, 0}, {32767, 1}, {0, -1}, {1, 1}};
     Random random("levels");
     for (int i = 0; i < 55; ++i) {
         const int k = 1 + random.below(2000), a = random.below(3), sign = random.below(2) ? 1 : -1;
@@ -309,16 +294,8 @@ TEST(ComplexThreshold, EveryLevelOfIntegers) {
         for (const Side side : {Side::below, Side::above}) {
             const auto l = static_cast<Kel16s>(level);
             clip_all<false>(x.data(), want.data(), static_cast<int>(x.size()), side, l);
-            expect_results(kelsThreshold_16sc, x, want, l, side == Side::above ? 4 : 0);
+            expect_results(kelsThreshold_16sc, x, want, l, mode_of(side));
         }
-}
-
-TEST(Threshold, LiteralValues) {
-    expect_results(kelsThreshold_LT_16sc, {{0, 0}, {3, 0}, {1, 1}, {3, 4}}, {{5, 0}, {5, 0}, {4, 4}, {3, 4}}, 5);
-    expect_results(kelsThreshold_GT_16sc, {{3, 4}, {6, 8}, {-6, -8}}, {{3, 4}, {3, 4}, {-3, -4}}, 5);
-    expect_results(kelsThreshold_LTInv_32f, {4, 1, -1, 0, -0.0F}, {0.25F, 0.5F, -0.5F, 0.5F, 0.5F}, 2);
-    expect_results<kelStatusInvThreshZeroLevel>(kelsThreshold_LTInv_64fc, {{0, 4}, {0, 0}, {1e-320, 0}},
-                                                {{0, -0.25}, {HUGE_VAL, 0}, {HUGE_VAL, 0}}, 0);
 }
 
 // Squared magnitudes that differ from the level's in the last bit of extended precision, or not at all.
