@@ -7,23 +7,45 @@
 
 namespace filter_test {
 
-/// What all families of FIR and IIR filters have: types of the taps, of the samples, of the delay line, and functions.
-template <class T, class S, class L, auto release_, auto get_line_, auto set_line_, auto block_, auto in_place_,
-          auto one_>
-struct Family {
-    using Taps = T;
-    using Sample = S;
-    using State = L;
-    static constexpr auto release = release_;
-    static constexpr auto get_line = get_line_;
-    static constexpr auto set_line = set_line_;
-    static constexpr auto block = block_;
-    static constexpr auto in_place = in_place_;
-    static constexpr auto one = one_;
-    static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
-    static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
-    static constexpr bool single_taps = std::is_same_v<Part<T>, Kel32f>;
-    static constexpr bool complex = parts<S> == 2;
+// FIR and IIR filters come for the same taps and samples. A row has what tells the names of a family apart: the taps,
+// where they are not of the samples' type, the samples, and the endings.
+#define KELS_FILTERS(row)                                                                                              \
+    row(, 32f, , _I) row(, 32fc, , _I) row(, 64f, , _I) row(, 64fc, , _I) row(64f, 32f, , _I) row(64fc, 32fc, , _I)    \
+        row(32f, 16s, _Sfs, _ISfs) row(32fc, 16sc, _Sfs, _ISfs) row(32s, 16s, _Sfs, _ISfs)                             \
+            row(32sc, 16sc, _Sfs, _ISfs) row(64f, 32s, _Sfs, _ISfs) row(64fc, 32sc, _Sfs, _ISfs)                       \
+                row(64f, 16s, _Sfs, _ISfs) row(64fc, 16sc, _Sfs, _ISfs)
+
+/// Functions that both kinds have.
+#define KELS_FILTER_FUNCTIONS(kind, taps, samples, ending, ending_in_place)                                            \
+    static constexpr auto init = kels##kind##InitAlloc##taps##_##samples;                                              \
+    static constexpr auto release = kels##kind##Free##taps##_##samples;                                                \
+    static constexpr auto get_line = kels##kind##GetDlyLine##taps##_##samples;                                         \
+    static constexpr auto set_line = kels##kind##SetDlyLine##taps##_##samples;                                         \
+    static constexpr auto block = kels##kind##taps##_##samples##ending;                                                \
+    static constexpr auto in_place = kels##kind##taps##_##samples##ending_in_place;                                    \
+    static constexpr auto one = kels##kind##One##taps##_##samples##ending;
+
+template <class Function>
+struct ArgumentsOf;
+template <class... A>
+struct ArgumentsOf<KelStatus (*)(A...)> {
+    template <std::size_t i>
+    using Pointed = std::remove_const_t<std::remove_pointer_t<std::tuple_element_t<i, std::tuple<A...>>>>;
+};
+/// What the i-th argument of a function points at.
+template <auto function, std::size_t i>
+using Pointed = typename ArgumentsOf<decltype(function)>::template Pointed<i>;
+
+/// Functions, and the types of their taps, samples and delay line.
+template <class Functions>
+struct Family : Functions {
+    using Taps = Pointed<Functions::init, 1>;
+    using Sample = Pointed<Functions::block, 0>;
+    using State = Pointed<Functions::get_line, 1>;
+    static constexpr bool integer_taps = std::is_integral_v<Part<Taps>>;
+    static constexpr bool integer_samples = std::is_integral_v<Part<Sample>>;
+    static constexpr bool single_taps = std::is_same_v<Part<Taps>, Kel32f>;
+    static constexpr bool complex = parts<Sample> == 2;
 };
 
 /// The ways of samples through a filter. The last two are for some only.

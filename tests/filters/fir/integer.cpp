@@ -182,7 +182,7 @@ TEST(FirIntegerTaps, CreationRefusesAndRunsOutOfMemory) {
 TEST(FirIntegerTaps, AreReadByTheirFamilyOnly) {
     const Made own(Ints{1}, 0, false);
     std::vector<Context> others;
-    others.push_back(make<Family_32sc_16sc>({{1, 2}}));
+    others.push_back(make<Family32sc_16sc>({{1, 2}}));
     Untouched memory;
     int* const factor = memory.array({7});
     memory.expect_checks(kelsFIRGetTaps32s_16s, std::tuple(own.context, memory.array<Kel32s>(1), factor),
@@ -190,7 +190,7 @@ TEST(FirIntegerTaps, AreReadByTheirFamilyOnly) {
     memory.expect_checks(kelsFIRGetTaps32s_16s32f, std::tuple(own.context, memory.array<Kel32f>(1)),
                          {null(0), null(1), foreign(0, others)});
     std::vector<Context> reals;
-    reals.push_back(make<Family_32s_16s>({1}));
+    reals.push_back(make<Family32s_16s>({1}));
     memory.expect_checks(kelsFIRGetTaps32sc_16sc32fc, std::tuple(others[0].get(), memory.array<Kel32fc>(1)),
                          {null(0), null(1), foreign(0, reals)});
 }

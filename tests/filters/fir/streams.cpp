@@ -252,7 +252,7 @@ TEST(FirSums, CancellingTermsLeaveTheOthers) {
     constexpr Kel32f most = std::numeric_limits<Kel32f>::max();
     Careful careful;
     for (const Way way : {as_block, one_by_one}) {
-        WithContext<Family_32f_16s> form(careful, {{-1, 128, -most, most}, {32766, 255, 255, -1}, {}, false, 0, -2});
+        WithContext<Family32f_16s> form(careful, {{-1, 128, -most, most}, {32766, 255, 255, -1}, {}, false, 0, -2});
         EXPECT_EQ(run(careful, form, way, {-2}), std::vector<Kel16s>{32767});
     }
 }
@@ -348,7 +348,7 @@ typename F::Sample rounded(double sum, int scale) {
 
 template <class F>
 class FirRounding : public testing::Test {};
-using IntegerSamples = testing::Types<Family_32f_16s, Family_64f_16s, Family_64f_32s>;
+using IntegerSamples = testing::Types<Family32f_16s, Family64f_16s, Family64f_32s>;
 TYPED_TEST_SUITE(FirRounding, IntegerSamples, FamilyNames);
 
 TYPED_TEST(FirRounding, TiesGoAwayFromZeroAndExtremesSaturate) {
@@ -384,7 +384,7 @@ TYPED_TEST(FirRounding, TransformedResultsAreScaledAsTheConversionsDo) {
     ASSERT_EQ(F::block(x.data(), y.data(), 5000, context.get(), 0), kelStatusOk);
     EXPECT_EQ(y[1000], 3);
     ASSERT_EQ(F::block(x.data(), y.data(), 5000, context.get(), 128), kelStatusOk);
-    EXPECT_EQ(y[1000], (std::is_same_v<F, Family_64f_16s>) ? 3 : 0);
+    EXPECT_EQ(y[1000], (std::is_same_v<F, Family64f_16s>) ? 3 : 0);
 }
 
 } // namespace

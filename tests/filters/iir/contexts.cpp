@@ -104,20 +104,6 @@ TYPED_TEST(IirContext, MakingOneRefusesAndRunsOutOfMemory) {
     }
 }
 
-TYPED_TEST(IirContext, BlocksOfAnyLengthAreTheSameInPlace) {
-    using F = TypeParam;
-    Random random("lengths");
-    for (bool cascade : {false, true})
-        for (int size : {1, 2, 3, 4, 5, 8, 9, 17}) {
-            const auto taps = simple_taps<F>(random, cascade, size);
-            const Context one = make<F>(cascade, taps), other = make<F>(cascade, taps);
-            for (int count : {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 33, 64, 65, 129, 1023, 1024, 1025, 2500, 5000}) {
-                const auto x = noise<typename F::Sample>(random, count);
-                EXPECT_TRUE(same(filtered<F>(as_block, x, one, 3), filtered<F>(in_place, x, other, 3))) << count;
-            }
-        }
-}
-
 // Making one gives the same filter in any modes.
 TYPED_TEST(IirContext, LeavesTheModesAlone) {
     using F = TypeParam;

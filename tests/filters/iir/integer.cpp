@@ -9,7 +9,7 @@ using namespace iir_test;
 
 template <class F>
 class IirInteger : public testing::Test {};
-using IntegerTaps = testing::Types<Family_32s_16s, Family_32sc_16sc>;
+using IntegerTaps = testing::Types<Family32s_16s, Family32sc_16sc>;
 TYPED_TEST_SUITE(IirInteger, IntegerTaps, FamilyNames);
 
 using Wide = Z<std::uint64_t>;
@@ -144,7 +144,7 @@ TYPED_TEST(IirInteger, StreamsFollowTheRuleToTheBit) {
         }
 }
 
-using F = Family_32s_16s;
+using F = Family32s_16s;
 
 std::vector<Kel16s> impulse(int height, int scale, const std::vector<Kel32s>& taps, int factor, Way way = as_block) {
     return filtered<F>(way, {static_cast<Kel16s>(height), 0, 0, 0}, make<F>(false, taps, factor), scale);
@@ -238,10 +238,10 @@ TEST(IirInteger, RealTapsOfEveryFormAreMeant) {
                                      {1.5F, 0.2F}, {0.5F, -0.2F}, {-0.3F, 0.1F}};
     auto two_c = any_c;
     two_c.insert(two_c.end(), any_c.begin(), any_c.end());
-    resembles<Family_32s_16s, Family_64f_16s>(kelsIIRInitAlloc32s_16s32f, false, any);
-    resembles<Family_32s_16s, Family_64f_16s>(kelsIIRInitAlloc32s_BiQuad_16s32f, true, two);
-    resembles<Family_32sc_16sc, Family_64fc_16sc>(kelsIIRInitAlloc32sc_16sc32fc, false, any_c);
-    resembles<Family_32sc_16sc, Family_64fc_16sc>(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, true, two_c);
+    resembles<Family32s_16s, Family64f_16s>(kelsIIRInitAlloc32s_16s32f, false, any);
+    resembles<Family32s_16s, Family64f_16s>(kelsIIRInitAlloc32s_BiQuad_16s32f, true, two);
+    resembles<Family32sc_16sc, Family64fc_16sc>(kelsIIRInitAlloc32sc_16sc32fc, false, any_c);
+    resembles<Family32sc_16sc, Family64fc_16sc>(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, true, two_c);
 }
 
 } // namespace

@@ -95,7 +95,7 @@ bool within_rule(T got, long double output, long double slack) {
 // without a context: the same bits.
 TYPED_TEST(LmsTest, StreamsFollowTheRuleHoweverTheyAreCut) {
     using T = TypeParam;
-    const double size = Lms<T>::size;
+    constexpr double size = std::is_integral_v<T> ? 10000 : 1; // of samples
     constexpr int steps = 1200;
     int bits = 0, other_bits = 0;
     for (const int L : tap_counts) {

@@ -213,7 +213,7 @@ TYPED_TEST(LmsMr, CreationRefusesAndRunsOutOfMemory) {
 
 TYPED_TEST(LmsMr, ContextsAreChecked) {
     using F = TypeParam;
-    using Other = std::conditional_t<F::parts == 1, Complex, Real>;
+    using Other = std::conditional_t<std::is_same_v<F, Real>, Complex, Real>;
     const auto owner = made(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0);
     std::vector<Owned<KelLmsMrContext>> others;
     others.push_back(made(Other::make, Other::release, nullptr, 2, nullptr, 0, 3, 1, 0));
