@@ -98,6 +98,34 @@ void expect_stranger(auto* context) {
     EXPECT_EQ(Stranger::release(context), kelStatusContextMismatch);
 }
 
+/// Contexts of every family but F: make(family) gives two.
+template <class F, class Context, class Make, class... All>
+std::vector<Context> contexts_of_others(testing::Types<All...>, Make make) {
+    std::vector<Context> others;
+    const auto add = [&](Context context) {
+        if (context.get_deleter() != F::release) others.push_back(std::move(context));
+    };
+    for (const int kind : {0, 1}) (add(make.template operator()<All>(kind != 0)), ...);
+    EXPECT_EQ(others.size(), 2 * (sizeof...(All) - 1));
+    return others;
+}
+
+/// A context gives back the line it was made with, and takes others.
+template <class F, class Context>
+void expect_line_kept(Context* context, const std::vector<typename F::State>& line) {
+    using Line = std::vector<typename F::State>;
+    kels_test::Careful careful;
+    const auto expect = [&](const Line& wanted) {
+        const auto get = [&](auto* to) { return F::get_line(context, to); };
+        EXPECT_TRUE(same(kels_test::results<typename F::State>(careful, line.size(), get), wanted));
+    };
+    expect(line);
+    EXPECT_EQ(F::set_line(context, nullptr), kelStatusOk);
+    expect(Line(line.size()));
+    EXPECT_EQ(F::set_line(context, line.data()), kelStatusOk);
+    expect(line);
+}
+
 /// The checks of what goes through a context, and of what reads and writes its state.
 template <class F, class Owner>
 void expect_checks_of_context(const Owner& own, const std::vector<Owner>& others) {
