@@ -88,6 +88,33 @@ R away_from_zero(long double v) {
     return static_cast<R>(std::clamp(std::round(v), least, most));
 }
 
+/// Holds results to the bound of their type: singles are one ulp away at most, and seldom that; integers are the
+/// rounded value unless it lies beside a tie; doubles have the noise alone. `noise` is what the exact value may be off
+/// by before it is rounded.
+struct Accuracy {
+    long results = 0, missed_bits = 0;
+
+    template <class R>
+    void check(R got, long double exact, long double noise) {
+        ++results;
+        if constexpr (std::is_integral_v<R>) {
+            const R rounded = away_from_zero<R>(exact);
+            if (got == rounded) return;
+            const long double from_tie = std::fabs(std::fabs(exact - std::floor(exact)) - 0.5L);
+            ASSERT_LE(from_tie, std::max(std::ldexp(std::fabs(exact), -40), noise))
+                << "result " << results << ": " << got << " for " << exact;
+            ASSERT_LE(std::fabs(static_cast<long double>(got) - rounded), 1) << "result " << results;
+        } else {
+            const R rounded = static_cast<R>(exact);
+            if (got == rounded || (std::isnan(got) && std::isnan(rounded))) return;
+            ++missed_bits;
+            const long double error = sizeof(R) == 4 ? static_cast<long double>(got) - rounded : got - exact;
+            ASSERT_LE(std::fabs(error), noise + (sizeof(R) == 4 ? kels_test::ulp(rounded) : 0))
+                << "result " << results << ": " << got << " for " << exact;
+        }
+    }
+};
+
 template <class T>
 bool same(const std::vector<T>& a, const std::vector<T>& b) {
     return kels_test::same_bits(a, b);

@@ -7,23 +7,45 @@
 
 namespace filter_test {
 
-/// What all families of FIR and IIR filters have: types of the taps, of the samples, of the delay line, and functions.
-template <class T, class S, class L, auto release_, auto get_line_, auto set_line_, auto block_, auto in_place_,
-          auto one_>
-struct Family {
-    using Taps = T;
-    using Sample = S;
-    using State = L;
-    static constexpr auto release = release_;
-    static constexpr auto get_line = get_line_;
-    static constexpr auto set_line = set_line_;
-    static constexpr auto block = block_;
-    static constexpr auto in_place = in_place_;
-    static constexpr auto one = one_;
-    static constexpr bool integer_taps = std::is_integral_v<Part<T>>;
-    static constexpr bool integer_samples = std::is_integral_v<Part<S>>;
-    static constexpr bool single_taps = std::is_same_v<Part<T>, Kel32f>;
-    static constexpr bool complex = parts<S> == 2;
+// FIR and IIR filters come for the same taps and samples. A row has what tells the names of a family apart: the taps,
+// where they are not of the samples' type, the samples, and the endings.
+#define KELS_FILTERS(row)                                                                                              \
+    row(, 32f, , _I) row(, 32fc, , _I) row(, 64f, , _I) row(, 64fc, , _I) row(64f, 32f, , _I) row(64fc, 32fc, , _I)    \
+        row(32f, 16s, _Sfs, _ISfs) row(32fc, 16sc, _Sfs, _ISfs) row(32s, 16s, _Sfs, _ISfs)                             \
+            row(32sc, 16sc, _Sfs, _ISfs) row(64f, 32s, _Sfs, _ISfs) row(64fc, 32sc, _Sfs, _ISfs)                       \
+                row(64f, 16s, _Sfs, _ISfs) row(64fc, 16sc, _Sfs, _ISfs)
+
+/// Functions that both kinds have.
+#define KELS_FILTER_FUNCTIONS(kind, taps, samples, ending, ending_in_place)                                            \
+    static constexpr auto init = kels##kind##InitAlloc##taps##_##samples;                                              \
+    static constexpr auto release = kels##kind##Free##taps##_##samples;                                                \
+    static constexpr auto get_line = kels##kind##GetDlyLine##taps##_##samples;                                         \
+    static constexpr auto set_line = kels##kind##SetDlyLine##taps##_##samples;                                         \
+    static constexpr auto block = kels##kind##taps##_##samples##ending;                                                \
+    static constexpr auto in_place = kels##kind##taps##_##samples##ending_in_place;                                    \
+    static constexpr auto one = kels##kind##One##taps##_##samples##ending;
+
+template <class Function>
+struct ArgumentsOf;
+template <class... A>
+struct ArgumentsOf<KelStatus (*)(A...)> {
+    template <std::size_t i>
+    using Pointed = std::remove_const_t<std::remove_pointer_t<std::tuple_element_t<i, std::tuple<A...>>>>;
+};
+/// What the i-th argument of a function points at.
+template <auto function, std::size_t i>
+using Pointed = typename ArgumentsOf<decltype(function)>::template Pointed<i>;
+
+/// Functions, and the types of their taps, samples and delay line.
+template <class Functions>
+struct Family : Functions {
+    using Taps = Pointed<Functions::init, 1>;
+    using Sample = Pointed<Functions::block, 0>;
+    using State = Pointed<Functions::get_line, 1>;
+    static constexpr bool integer_taps = std::is_integral_v<Part<Taps>>;
+    static constexpr bool integer_samples = std::is_integral_v<Part<Sample>>;
+    static constexpr bool single_taps = std::is_same_v<Part<Taps>, Kel32f>;
+    static constexpr bool complex = parts<Sample> == 2;
 };
 
 /// The ways of samples through a filter. The last two are for some only.
@@ -74,6 +96,34 @@ void expect_stranger(auto* context) {
     EXPECT_EQ(call(Stranger::block, 0, x, x, 2, context), kelStatusContextMismatch);
     EXPECT_EQ(Stranger::get_line(context, line), kelStatusContextMismatch);
     EXPECT_EQ(Stranger::release(context), kelStatusContextMismatch);
+}
+
+/// Contexts of every family but F: make(family) gives two.
+template <class F, class Context, class Make, class... All>
+std::vector<Context> contexts_of_others(testing::Types<All...>, Make make) {
+    std::vector<Context> others;
+    const auto add = [&](Context context) {
+        if (context.get_deleter() != F::release) others.push_back(std::move(context));
+    };
+    for (const int kind : {0, 1}) (add(make.template operator()<All>(kind != 0)), ...);
+    EXPECT_EQ(others.size(), 2 * (sizeof...(All) - 1));
+    return others;
+}
+
+/// A context gives back the line it was made with, and takes others.
+template <class F, class Context>
+void expect_line_kept(Context* context, const std::vector<typename F::State>& line) {
+    using Line = std::vector<typename F::State>;
+    kels_test::Careful careful;
+    const auto expect = [&](const Line& wanted) {
+        const auto get = [&](auto* to) { return F::get_line(context, to); };
+        EXPECT_TRUE(same(kels_test::results<typename F::State>(careful, line.size(), get), wanted));
+    };
+    expect(line);
+    EXPECT_EQ(F::set_line(context, nullptr), kelStatusOk);
+    expect(Line(line.size()));
+    EXPECT_EQ(F::set_line(context, line.data()), kelStatusOk);
+    expect(line);
 }
 
 /// The checks of what goes through a context, and of what reads and writes its state.

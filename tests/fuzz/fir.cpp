@@ -131,9 +131,9 @@ bool add(const char* name, testing::Types<F...>) {
 const bool contexts_added = add<WithContext>("fir", Families{});
 
 /// As the kept inputs and digests count them.
-using OfDirectForms = testing::Types<Family_32f, Family_32fc, Family_64f, Family_64fc, Family_64f_32f, Family_64fc_32fc,
-                                     Family_32f_16s, Family_32fc_16sc, Family_64f_16s, Family_64fc_16sc, Family_64f_32s,
-                                     Family_64fc_32sc, Family_32s_16s, Family_32sc_16sc>;
+using OfDirectForms = testing::Types<Family_32f, Family_32fc, Family_64f, Family_64fc, Family64f_32f, Family64fc_32fc,
+                                     Family32f_16s, Family32fc_16sc, Family64f_16s, Family64fc_16sc, Family64f_32s,
+                                     Family64fc_32sc, Family32s_16s, Family32sc_16sc>;
 const bool direct_forms_added = add<Stateless>("fir_direct", OfDirectForms{});
 
 } // namespace

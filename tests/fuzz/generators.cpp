@@ -56,47 +56,36 @@ void expect_prefix(Input& in, const Call& call) {
         EXPECT_EQ(before, phase);
 }
 
+/// Triangles have an asymmetry, tones of 16 bits a hint.
 template <class T, class Value, auto function>
 void drive_tone(Input& in) {
-    expect_prefix<T, Value>(in, [](T* to, int len, auto magn, Value freq, Value, Value* phase, int hint) {
-        const auto status = [&] {
-            if constexpr (std::is_invocable_v<decltype(function), T*, int, decltype(magn), Value, Value*, int>)
-                return function(to, len, magn, freq, phase, hint);
-            else
-                return function(to, len, magn, freq, phase);
-        }();
+    expect_prefix<T, Value>(in, [](T* to, int len, auto magn, Value freq, Value asym, Value* phase, int hint) {
+        KelStatus status;
+        if constexpr (std::is_invocable_v<decltype(function), T*, int, decltype(magn), Value, Value, Value*>)
+            status = function(to, len, magn, freq, asym, phase);
+        else if constexpr (std::is_invocable_v<decltype(function), T*, int, decltype(magn), Value, Value*, int>)
+            status = function(to, len, magn, freq, phase, hint);
+        else
+            status = function(to, len, magn, freq, phase);
         if (status == kelStatusOk) digest(function, std::vector<T>(to, to + len));
         return status;
     });
 }
 
-template <class T, class Value, auto function>
-void drive_triangle(Input& in) {
-    expect_prefix<T, Value>(in, [](T* to, int len, auto magn, Value freq, Value asym, Value* phase, int) {
-        const KelStatus status = function(to, len, magn, freq, asym, phase);
-        if (status == kelStatusOk) digest(function, std::vector<T>(to, to + len));
-        return status;
-    });
-}
-
+#define KELS_NOISE(kind, suffix, direct)                                                                               \
+    drive_noise<Kel##suffix, kelsRand##kind##InitAlloc_##suffix, kelsRand##kind##_##suffix,                            \
+                kelsRand##kind##Free_##suffix, direct>
+#define KELS_TONES(kind, suffix, value)                                                                                \
+    drive_tone<Kel##suffix, value, kels##kind##_Direct_##suffix>,                                                      \
+        drive_tone<Kel##suffix##c, value, kels##kind##_Direct_##suffix##c>
 const bool added = add_target(
     "generators",
-    {drive_noise<Kel8u, kelsRandUniformInitAlloc_8u, kelsRandUniform_8u, kelsRandUniformFree_8u, nullptr>,
-     drive_noise<Kel16s, kelsRandUniformInitAlloc_16s, kelsRandUniform_16s, kelsRandUniformFree_16s,
-                 kelsRandUniform_Direct_16s>,
-     drive_noise<Kel32f, kelsRandUniformInitAlloc_32f, kelsRandUniform_32f, kelsRandUniformFree_32f,
-                 kelsRandUniform_Direct_32f>,
-     drive_noise<Kel8u, kelsRandGaussInitAlloc_8u, kelsRandGauss_8u, kelsRandGaussFree_8u, nullptr>,
-     drive_noise<Kel16s, kelsRandGaussInitAlloc_16s, kelsRandGauss_16s, kelsRandGaussFree_16s,
-                 kelsRandGauss_Direct_16s>,
-     drive_noise<Kel32f, kelsRandGaussInitAlloc_32f, kelsRandGauss_32f, kelsRandGaussFree_32f,
-                 kelsRandGauss_Direct_32f>,
-     drive_tone<Kel16s, Kel32f, kelsTone_Direct_16s>, drive_tone<Kel16sc, Kel32f, kelsTone_Direct_16sc>,
-     drive_tone<Kel32f, Kel32f, kelsTone_Direct_32f>, drive_tone<Kel32fc, Kel32f, kelsTone_Direct_32fc>,
-     drive_tone<Kel64f, Kel64f, kelsTone_Direct_64f>, drive_tone<Kel64fc, Kel64f, kelsTone_Direct_64fc>,
-     drive_triangle<Kel16s, Kel32f, kelsTriangle_Direct_16s>, drive_triangle<Kel16sc, Kel32f, kelsTriangle_Direct_16sc>,
-     drive_triangle<Kel32f, Kel32f, kelsTriangle_Direct_32f>, drive_triangle<Kel32fc, Kel32f, kelsTriangle_Direct_32fc>,
-     drive_triangle<Kel64f, Kel64f, kelsTriangle_Direct_64f>,
-     drive_triangle<Kel64fc, Kel64f, kelsTriangle_Direct_64fc>});
+    {KELS_NOISE(Uniform, 8u, nullptr), KELS_NOISE(Uniform, 16s, kelsRandUniform_Direct_16s),
+     KELS_NOISE(Uniform, 32f, kelsRandUniform_Direct_32f), KELS_NOISE(Gauss, 8u, nullptr),
+     KELS_NOISE(Gauss, 16s, kelsRandGauss_Direct_16s), KELS_NOISE(Gauss, 32f, kelsRandGauss_Direct_32f),
+     KELS_TONES(Tone, 16s, Kel32f), KELS_TONES(Tone, 32f, Kel32f), KELS_TONES(Tone, 64f, Kel64f),
+     KELS_TONES(Triangle, 16s, Kel32f), KELS_TONES(Triangle, 32f, Kel32f), KELS_TONES(Triangle, 64f, Kel64f)});
+#undef KELS_NOISE
+#undef KELS_TONES
 
 } // namespace

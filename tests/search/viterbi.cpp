@@ -77,15 +77,6 @@ TEST(VariantPoints, OfEveryCoordinate) {
 /// Labels of a four-dimensional code: those of places two columns and two rows apart agree.
 constexpr Kel8u usual_tile[16] = {0, 1, 4, 5, 3, 2, 7, 6, 4, 5, 0, 1, 7, 6, 3, 2};
 
-TEST(VariantPoints, LiteralValues) {
-    const Kel16sc sample = {0, 0};
-    Kel16sc point;
-    Kel32u words[4];
-    ASSERT_EQ(kelsGetVarPointDV_16sc(&sample, &point, words, usual_tile, 16), kelStatusOk);
-    EXPECT_TRUE(point.re == -128 && point.im == -128);
-    for (const Kel32u word : words) EXPECT_EQ(word & 0xFFFF, 2048U);
-}
-
 // Symbols
 
 struct Pair {

@@ -11,65 +11,39 @@ namespace wavelet_test {
 
 // Filter banks. A channel is what one band has, the signal is at full rate.
 
-template <class S, auto make_, auto release_, auto block_, auto get_, auto set_>
-struct BankOf {
-    using State = S;
-    static constexpr auto make = make_;
-    static constexpr auto release = release_;
-    static constexpr auto block = block_;
-    static constexpr auto get = get_;
-    static constexpr auto set = set_;
-};
-
-template <auto... functions>
-struct AnalysisOf : BankOf<WTFwdState, functions...> {
-    /// Singles that a band keeps.
-    static int kept(int length, int offset) { return offset < 0 ? std::max(length - 2, 0) : length - 1 + offset; }
-};
-
-template <auto... functions>
-struct SynthesisOf : BankOf<WTInvState, functions...> {
-    static int kept(int length, int offset) {
-        offset = std::abs(offset);
-        return (length - 1 + offset % 2) / 2 + offset / 2;
-    }
-};
-
 template <class T>
 struct Analysis;
-template <>
-struct Analysis<Kel32f> : AnalysisOf<kelsWTFwdInitAlloc_32f, kelsWTFwdFree_32f, kelsWTFwd_32f, kelsWTFwdGetDlyLine_32f,
-                                     kelsWTFwdSetDlyLine_32f> {};
-template <>
-struct Analysis<Kel8s> : AnalysisOf<kelsWTFwdInitAlloc_8s32f, kelsWTFwdFree_8s32f, kelsWTFwd_8s32f,
-                                    kelsWTFwdGetDlyLine_8s32f, kelsWTFwdSetDlyLine_8s32f> {};
-template <>
-struct Analysis<Kel8u> : AnalysisOf<kelsWTFwdInitAlloc_8u32f, kelsWTFwdFree_8u32f, kelsWTFwd_8u32f,
-                                    kelsWTFwdGetDlyLine_8u32f, kelsWTFwdSetDlyLine_8u32f> {};
-template <>
-struct Analysis<Kel16s> : AnalysisOf<kelsWTFwdInitAlloc_16s32f, kelsWTFwdFree_16s32f, kelsWTFwd_16s32f,
-                                     kelsWTFwdGetDlyLine_16s32f, kelsWTFwdSetDlyLine_16s32f> {};
-template <>
-struct Analysis<Kel16u> : AnalysisOf<kelsWTFwdInitAlloc_16u32f, kelsWTFwdFree_16u32f, kelsWTFwd_16u32f,
-                                     kelsWTFwdGetDlyLine_16u32f, kelsWTFwdSetDlyLine_16u32f> {};
-
 template <class T>
 struct Synthesis;
-template <>
-struct Synthesis<Kel32f> : SynthesisOf<kelsWTInvInitAlloc_32f, kelsWTInvFree_32f, kelsWTInv_32f,
-                                       kelsWTInvGetDlyLine_32f, kelsWTInvSetDlyLine_32f> {};
-template <>
-struct Synthesis<Kel8s> : SynthesisOf<kelsWTInvInitAlloc_32f8s, kelsWTInvFree_32f8s, kelsWTInv_32f8s,
-                                      kelsWTInvGetDlyLine_32f8s, kelsWTInvSetDlyLine_32f8s> {};
-template <>
-struct Synthesis<Kel8u> : SynthesisOf<kelsWTInvInitAlloc_32f8u, kelsWTInvFree_32f8u, kelsWTInv_32f8u,
-                                      kelsWTInvGetDlyLine_32f8u, kelsWTInvSetDlyLine_32f8u> {};
-template <>
-struct Synthesis<Kel16s> : SynthesisOf<kelsWTInvInitAlloc_32f16s, kelsWTInvFree_32f16s, kelsWTInv_32f16s,
-                                       kelsWTInvGetDlyLine_32f16s, kelsWTInvSetDlyLine_32f16s> {};
-template <>
-struct Synthesis<Kel16u> : SynthesisOf<kelsWTInvInitAlloc_32f16u, kelsWTInvFree_32f16u, kelsWTInv_32f16u,
-                                       kelsWTInvGetDlyLine_32f16u, kelsWTInvSetDlyLine_32f16u> {};
+
+/// Singles that a band keeps.
+inline int kept_of_signal(int length, int offset) { return offset < 0 ? std::max(length - 2, 0) : length - 1 + offset; }
+inline int kept_of_band(int length, int offset) {
+    offset = std::abs(offset);
+    return (length - 1 + offset % 2) / 2 + offset / 2;
+}
+
+#define KELS_BANK(Form, type, kind, suffix, kept_)                                                                     \
+    template <>                                                                                                        \
+    struct Form<type> {                                                                                                \
+        using State = WT##kind##State;                                                                                 \
+        static constexpr auto make = kelsWT##kind##InitAlloc_##suffix;                                                 \
+        static constexpr auto release = kelsWT##kind##Free_##suffix;                                                   \
+        static constexpr auto block = kelsWT##kind##_##suffix;                                                         \
+        static constexpr auto get = kelsWT##kind##GetDlyLine_##suffix;                                                 \
+        static constexpr auto set = kelsWT##kind##SetDlyLine_##suffix;                                                 \
+        static constexpr auto kept = kept_;                                                                            \
+    };
+#define KELS_BANKS(type, forward, inverse)                                                                             \
+    KELS_BANK(Analysis, type, Fwd, forward, kept_of_signal)                                                            \
+    KELS_BANK(Synthesis, type, Inv, inverse, kept_of_band)
+KELS_BANKS(Kel32f, 32f, 32f)
+KELS_BANKS(Kel8s, 8s32f, 32f8s)
+KELS_BANKS(Kel8u, 8u32f, 32f8u)
+KELS_BANKS(Kel16s, 16s32f, 32f16s)
+KELS_BANKS(Kel16u, 16u32f, 32f16u)
+#undef KELS_BANKS
+#undef KELS_BANK
 
 // The Haar transform
 

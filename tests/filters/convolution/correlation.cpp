@@ -41,22 +41,11 @@ template <class T>
 Lag lag_of(const std::vector<T>& a, const std::vector<T>& b, std::int64_t lag) {
     Lag result;
     const auto an = static_cast<std::int64_t>(a.size()), bn = static_cast<std::int64_t>(b.size());
-    long double re = 0, im = 0;
     for (std::int64_t n = std::max<std::int64_t>(0, -lag); n < std::min(an, bn - lag); ++n) {
-        const auto* x = values(a) + n * parts<T>;
-        const auto* y = values(b) + (n + lag) * parts<T>;
-        const long double xr = x[0], yr = y[0];
-        if constexpr (parts<T> == 1) {
-            re += xr * yr;
-            result.magnitudes += std::fabs(xr * yr);
-        } else {
-            const long double xi = x[1], yi = y[1];
-            re += xr * yr + xi * yi;
-            im += xr * yi - xi * yr;
-            result.magnitudes += std::sqrt((xr * xr + xi * xi) * (yr * yr + yi * yi));
-        }
+        const Number x = number(a[static_cast<std::size_t>(n)]), y = number(b[static_cast<std::size_t>(n + lag)]);
+        result.sum += std::conj(x) * y;
+        result.magnitudes += std::sqrt(std::norm(x) * std::norm(y));
     }
-    result.sum = {re, im};
     return result;
 }
 

@@ -6,36 +6,47 @@ namespace {
 
 using namespace fir_test;
 
+/// A family of integer taps, and what takes and gives them as real ones.
+struct OfReal : Family32s_16s {
+    using Real = Kel32f;
+    static constexpr auto init_real = kelsFIRInitAlloc32s_16s32f;
+    static constexpr auto init_rates_real = kelsFIRMRInitAlloc32s_16s32f;
+    static constexpr auto get_real = kelsFIRGetTaps32s_16s32f;
+};
+struct OfComplex : Family32sc_16sc {
+    using Real = Kel32fc;
+    static constexpr auto init_real = kelsFIRInitAlloc32sc_16sc32fc;
+    static constexpr auto init_rates_real = kelsFIRMRInitAlloc32sc_16sc32fc;
+    static constexpr auto get_real = kelsFIRGetTaps32sc_16sc32fc;
+};
+
 /// A filter of integer taps, or of real ones, of either rate, and what is read from it.
+template <class F>
 struct Made {
-    KelFirContext* context = nullptr;
-    std::vector<Kel32s> taps;
-    std::vector<Kel32f> as_real;
+    using Integers = std::vector<typename F::Taps>;
+    using Reals = std::vector<typename F::Real>;
+
+    Context context;
+    Integers taps;
+    Reals as_real;
     int factor = 0;
 
-    Made(const std::vector<Kel32s>& given, int tapsFactor, bool multi_rate) {
-        const int n = static_cast<int>(given.size());
-        EXPECT_EQ(multi_rate ? kelsFIRMRInitAlloc32s_16s(&context, given.data(), n, tapsFactor, 2, 0, 1, 0, nullptr)
-                             : kelsFIRInitAlloc32s_16s(&context, given.data(), n, tapsFactor, nullptr),
-                  kelStatusOk);
-        read(given.size());
-    }
-    Made(const std::vector<Kel32f>& given, bool multi_rate) {
-        const int n = static_cast<int>(given.size());
-        EXPECT_EQ(multi_rate ? kelsFIRMRInitAlloc32s_16s32f(&context, given.data(), n, 2, 0, 1, 0, nullptr)
-                             : kelsFIRInitAlloc32s_16s32f(&context, given.data(), n, nullptr),
-                  kelStatusOk);
-        read(given.size());
-    }
-    Made(const Made&) = delete;
-    Made& operator=(const Made&) = delete;
-    ~Made() { kelsFIRFree32s_16s(context); }
+    Made(const Integers& given, int tapsFactor, bool multi_rate)
+        : Made(multi_rate ? kels_test::made(F::init_multi_rate, F::release, given.data(), length(given), tapsFactor, 2,
+                                            0, 1, 0, nullptr)
+                          : kels_test::made(F::init, F::release, given.data(), length(given), tapsFactor, nullptr),
+               given.size()) {}
+    Made(const Reals& given, bool multi_rate)
+        : Made(multi_rate
+                   ? kels_test::made(F::init_rates_real, F::release, given.data(), length(given), 2, 0, 1, 0, nullptr)
+                   : kels_test::made(F::init_real, F::release, given.data(), length(given), nullptr),
+               given.size()) {}
 
-    void read(std::size_t n) {
-        taps.resize(n);
-        as_real.resize(n);
-        EXPECT_EQ(kelsFIRGetTaps32s_16s(context, taps.data(), &factor), kelStatusOk);
-        EXPECT_EQ(kelsFIRGetTaps32s_16s32f(context, as_real.data()), kelStatusOk);
+private:
+    static int length(const auto& given) { return static_cast<int>(given.size()); }
+    Made(Context made, std::size_t n) : context(std::move(made)), taps(n), as_real(n) {
+        EXPECT_EQ(F::get_taps(context.get(), taps.data(), &factor), kelStatusOk);
+        EXPECT_EQ(F::get_real(context.get(), as_real.data()), kelStatusOk);
     }
 };
 
@@ -45,7 +56,7 @@ using Reals = std::vector<Kel32f>;
 TEST(FirIntegerTaps, AreReducedUntilTheyFit) {
     for (bool multi_rate : {false, true}) {
         const auto expect = [&](const Ints& given, int factor, const Ints& kept, int kept_factor) {
-            const Made made(given, factor, multi_rate);
+            const Made<OfReal> made(given, factor, multi_rate);
             EXPECT_EQ(made.taps, kept);
             EXPECT_EQ(made.factor, kept_factor);
         };
@@ -57,7 +68,7 @@ TEST(FirIntegerTaps, AreReducedUntilTheyFit) {
         expect({-65533, 65532}, 0, {-32767, 32766}, 1);
         expect({INT_MIN, INT_MAX}, 0, {-16384, 16383}, 17);
         expect({0, 0}, 7, {0, 0}, 7);
-        const Made wrapped({32767}, INT_MAX, multi_rate);
+        const Made<OfReal> wrapped(Ints{32767}, INT_MAX, multi_rate);
         EXPECT_EQ(wrapped.factor, INT_MIN);
     }
 }
@@ -65,7 +76,7 @@ TEST(FirIntegerTaps, AreReducedUntilTheyFit) {
 TEST(FirIntegerTaps, AreFoundForRealOnes) {
     for (bool multi_rate : {false, true}) {
         const auto expect = [&](const Reals& given, const Ints& kept, int factor, const Reals& back) {
-            const Made made(given, multi_rate);
+            const Made<OfReal> made(given, multi_rate);
             EXPECT_EQ(made.taps, kept);
             EXPECT_EQ(made.factor, factor);
             EXPECT_EQ(made.as_real, back);
@@ -77,51 +88,30 @@ TEST(FirIntegerTaps, AreFoundForRealOnes) {
         expect({16383.5F, -1.25F, 1.5F}, {16384, -1, 2}, 0, {16384, -1, 2});
         expect({0x1p-140F}, {16384}, -154, {0x1p-12F}); // the factor counts modulo 128 when it is read back
     }
-    const Made odd(Reals{NAN, INFINITY, -INFINITY, 1}, false); // must come to an end
+    const Made<OfReal> odd(Reals{NAN, INFINITY, -INFINITY, 1}, false); // must come to an end
     EXPECT_EQ(odd.taps.size(), 4U);
 }
 
 TEST(FirIntegerTaps, ComplexOnesAreTheirParts) {
     for (bool multi_rate : {false, true}) {
-        KelFirContext* context = nullptr;
-        const Kel32fc real[] = {{0.5F, -0.25F}, {0.125F, 0}};
-        ASSERT_EQ(multi_rate ? kelsFIRMRInitAlloc32sc_16sc32fc(&context, real, 2, 3, 0, 2, 0, nullptr)
-                             : kelsFIRInitAlloc32sc_16sc32fc(&context, real, 2, nullptr),
-                  kelStatusOk);
-        Kel32sc kept[2];
-        Kel32fc back[2];
-        int factor = 0;
-        ASSERT_EQ(kelsFIRGetTaps32sc_16sc(context, kept, &factor), kelStatusOk);
-        ASSERT_EQ(kelsFIRGetTaps32sc_16sc32fc(context, back), kelStatusOk);
-        EXPECT_EQ(factor, -15);
-        EXPECT_EQ(kept[0].re, 16384);
-        EXPECT_EQ(kept[0].im, -8192);
-        EXPECT_EQ(kept[1].re, 4096);
-        for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(back[i].re, real[i].re);
-            EXPECT_EQ(back[i].im, real[i].im);
-        }
-        kelsFIRFree32sc_16sc(context);
-
-        const Kel32sc large[] = {{1, -65533}};
-        ASSERT_EQ(multi_rate ? kelsFIRMRInitAlloc32sc_16sc(&context, large, 1, 3, 2, 0, 1, 0, nullptr)
-                             : kelsFIRInitAlloc32sc_16sc(&context, large, 1, 3, nullptr),
-                  kelStatusOk);
-        ASSERT_EQ(kelsFIRGetTaps32sc_16sc(context, kept, &factor), kelStatusOk);
-        EXPECT_EQ(factor, 4);
-        EXPECT_EQ(kept[0].re, 0);
-        EXPECT_EQ(kept[0].im, -32767);
-        kelsFIRFree32sc_16sc(context);
+        const std::vector<Kel32fc> real = {{0.5F, -0.25F}, {0.125F, 0}};
+        const Made<OfComplex> found(real, multi_rate);
+        EXPECT_TRUE(same(found.taps, {{16384, -8192}, {4096, 0}}));
+        EXPECT_EQ(found.factor, -15);
+        EXPECT_TRUE(same(found.as_real, real));
+        const Made<OfComplex> reduced(std::vector<Kel32sc>{{1, -65533}}, 3, multi_rate);
+        EXPECT_TRUE(same(reduced.taps, {{0, -32767}}));
+        EXPECT_EQ(reduced.factor, 4);
     }
 }
 
 /// The one output of one tap.
 Kel16s output(int tap, int sample, int tapsFactor, int scaleFactor) {
-    const Made made(Ints{tap}, tapsFactor, false);
+    const Made<OfReal> made(Ints{tap}, tapsFactor, false);
     Kel16s one = 0, block = 0;
     const Kel16s x = static_cast<Kel16s>(sample);
-    EXPECT_EQ(kelsFIROne32s_16s_Sfs(x, &one, made.context, scaleFactor), kelStatusOk);
-    EXPECT_EQ(kelsFIR32s_16s_Sfs(&x, &block, 1, made.context, scaleFactor), kelStatusOk);
+    EXPECT_EQ(kelsFIROne32s_16s_Sfs(x, &one, made.context.get(), scaleFactor), kelStatusOk);
+    EXPECT_EQ(kelsFIR32s_16s_Sfs(&x, &block, 1, made.context.get(), scaleFactor), kelStatusOk);
     EXPECT_EQ(one, block);
     return one;
 }
@@ -144,55 +134,42 @@ TEST(FirIntegerTaps, SumsAreShiftedAndSaturated) {
     EXPECT_EQ(output(32766, -32768, 0, 31), 0) << "-0.4999";
 }
 
-TEST(FirIntegerTaps, SumsWrap) {
-    const std::vector<Kel32s> taps(4, 32766);
-    std::vector<Kel16s> x(40, 32767), y(40);
-    const Made made(taps, 0, false);
-    ASSERT_EQ(kelsFIR32s_16s_Sfs(x.data(), y.data(), 40, made.context, 16), kelStatusOk);
-    EXPECT_EQ(y[1], shifted<Kel16s>(2U * 32766 * 32767, -16));
-    for (std::size_t i = 3; i < 40; ++i) EXPECT_EQ(y[i], shifted<Kel16s>(4U * 32766 * 32767, -16));
-    EXPECT_LT(y[3], 0);
-}
-
-// Taps that come from real ones are converted before they are kept.
-TEST(FirIntegerTaps, CreationRefusesAndRunsOutOfMemory) {
+/// Taps that come from real ones are converted before they are kept.
+template <class F>
+void expect_creation_checked(std::vector<Check> of_rates) {
     Untouched memory;
     auto* const made = memory.array<KelFirContext*>(1);
-    const Kel32f* const real = memory.array<Kel32f>({1, 2, 3});
-    const Kel32fc* const complex = memory.array<Kel32fc>({{1, 2}, {3, 4}});
+    const auto* const taps = memory.array<typename F::Real>(3);
+    memory.expect_refusals(F::init_real, std::tuple(made, taps, 3), {null(0), null(1), size(2, kelStatusBadFirLength)});
+    of_rates.insert(of_rates.end(), {size(3, kelStatusBadMrFactor), size(5, kelStatusBadMrFactor),
+                                     index(4, 3, kelStatusBadMrPhase), index(6, 2, kelStatusBadMrPhase)});
+    memory.expect_refusals(F::init_rates_real, std::tuple(made, taps, 3, 3, 0, 2, 0), of_rates);
+    kels_test::expect_clean_failures(F::init_real, F::release, taps, 3, nullptr);
+    kels_test::expect_clean_failures(F::init_rates_real, F::release, taps, 3, 3, 1, 2, 1, nullptr);
+}
+
+TEST(FirIntegerTaps, CreationRefusesAndRunsOutOfMemory) {
     const Check length = size(2, kelStatusBadFirLength);
-    const std::vector<Check> rates = {size(3, kelStatusBadMrFactor), size(5, kelStatusBadMrFactor),
-                                      index(4, 3, kelStatusBadMrPhase), index(6, 2, kelStatusBadMrPhase)};
-    const auto behind = [&](std::vector<Check> first) {
-        first.insert(first.end(), rates.begin(), rates.end());
-        return first;
-    };
-    memory.expect_refusals(kelsFIRInitAlloc32s_16s32f, std::tuple(made, real, 3), {null(0), null(1), length});
-    memory.expect_refusals(kelsFIRInitAlloc32sc_16sc32fc, std::tuple(made, complex, 2), {null(0), null(1), length});
-    memory.expect_refusals(kelsFIRMRInitAlloc32s_16s32f, std::tuple(made, real, 3, 3, 0, 2, 0),
-                           behind({null(0), null(1), length}));
+    expect_creation_checked<OfReal>({null(0), null(1), length});
     // Whether there is a place for the result is seen late here.
-    memory.expect_refusals(kelsFIRMRInitAlloc32sc_16sc32fc, std::tuple(made, complex, 2, 3, 0, 2, 0),
-                           behind({null(1), length, null(0)}));
-    kels_test::expect_clean_failures(kelsFIRInitAlloc32s_16s32f, kelsFIRFree32s_16s, real, 3, nullptr);
-    kels_test::expect_clean_failures(kelsFIRMRInitAlloc32sc_16sc32fc, kelsFIRFree32sc_16sc, complex, 2, 3, 1, 2, 1,
-                                     nullptr);
+    expect_creation_checked<OfComplex>({null(1), length, null(0)});
+}
+
+template <class F, class Other>
+void expect_readers_checked() {
+    const Context own = make<F>(std::vector<typename F::Taps>(1));
+    std::vector<Context> others;
+    others.push_back(make<Other>(std::vector<typename Other::Taps>(1)));
+    Untouched memory;
+    memory.expect_checks(F::get_taps, std::tuple(own.get(), memory.array<typename F::Taps>(1), memory.array({7})),
+                         {null(0), null(1), null(2), foreign(0, others)});
+    memory.expect_checks(F::get_real, std::tuple(own.get(), memory.array<typename F::Real>(1)),
+                         {null(0), null(1), foreign(0, others)});
 }
 
 TEST(FirIntegerTaps, AreReadByTheirFamilyOnly) {
-    const Made own(Ints{1}, 0, false);
-    std::vector<Context> others;
-    others.push_back(make<Family_32sc_16sc>({{1, 2}}));
-    Untouched memory;
-    int* const factor = memory.array({7});
-    memory.expect_checks(kelsFIRGetTaps32s_16s, std::tuple(own.context, memory.array<Kel32s>(1), factor),
-                         {null(0), null(1), null(2), foreign(0, others)});
-    memory.expect_checks(kelsFIRGetTaps32s_16s32f, std::tuple(own.context, memory.array<Kel32f>(1)),
-                         {null(0), null(1), foreign(0, others)});
-    std::vector<Context> reals;
-    reals.push_back(make<Family_32s_16s>({1}));
-    memory.expect_checks(kelsFIRGetTaps32sc_16sc32fc, std::tuple(others[0].get(), memory.array<Kel32fc>(1)),
-                         {null(0), null(1), foreign(0, reals)});
+    expect_readers_checked<OfReal, OfComplex>();
+    expect_readers_checked<OfComplex, OfReal>();
 }
 
 } // namespace

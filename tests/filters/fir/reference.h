@@ -73,57 +73,42 @@ R shifted(std::uint32_t sum, int left) {
     return static_cast<R>(std::clamp<std::int32_t>(t, std::numeric_limits<R>::min(), std::numeric_limits<R>::max()));
 }
 
-/// Checks results of a family; of single samples it counts those that are not the sum, rounded once.
+/// Checks results of a family.
 template <class F>
 struct Comparison {
     using Sample = typename F::Sample;
     using R = Part<Sample>;
     int scaleFactor = 0, tapsFactor = 0;
-    long outputs = 0, missed_bits = 0;
+    Accuracy direct;
 
     void check(const Sample& got, const Sum& wanted, bool transformed = false) {
+        const long double scale = F::integer_samples ? scale_of(scaleFactor) : 1;
+        const long double noise = std::is_same_v<R, Kel32f> ? 0 : std::ldexp(wanted.magnitude * scale, -51);
         for (int i = 0; i < parts<Sample>; ++i) {
             const R value = reinterpret_cast<const R*>(&got)[i];
-            ++outputs;
             if constexpr (F::integer_taps)
-                ASSERT_EQ(value, shifted<R>(wanted.wrapped[i], tapsFactor - scaleFactor)) << "output " << outputs;
-            else if constexpr (F::integer_samples)
-                check_integer(value, wanted.part[i], wanted.magnitude, transformed);
+                ASSERT_EQ(value, shifted<R>(wanted.wrapped[i], tapsFactor - scaleFactor));
+            else if (transformed)
+                check_transformed(value, wanted.part[i] * scale, wanted.magnitude, scale);
             else
-                check_real(value, wanted.part[i], wanted.magnitude, transformed);
+                direct.check(value, wanted.part[i] * scale, noise);
         }
     }
 
-    void check_real(R value, long double exact, long double magnitude, bool transformed) {
-        const R rounded = static_cast<R>(exact);
-        const long double error = std::fabs(value - exact);
-        missed_bits += value != rounded;
-        const long double ulp = std::nextafter(std::fabs(rounded), INFINITY) - std::fabs(rounded);
-        if (transformed) { // noise of the transforms: against the level of the block, here of the sum
-            const long double noise = 16 * std::numeric_limits<Part<typename F::Taps>>::epsilon() * (magnitude + 1);
-            ASSERT_LE(error, noise + ulp) << "output " << outputs;
-        } else if (sizeof(R) == 4) {
-            ASSERT_LE(std::fabs(static_cast<long double>(value) - rounded), ulp) << "output " << outputs;
-        } else {
-            ASSERT_LE(error, std::ldexp(magnitude, -51)) << "output " << outputs;
-        }
+    static long double rounding([[maybe_unused]] R nearest) {
+        if constexpr (F::integer_samples)
+            return 0.5L;
+        else
+            return kels_test::ulp(nearest);
     }
-
-    void check_integer(R value, long double exact, long double magnitude, bool transformed) {
-        const long double scale = scale_of(scaleFactor), v = exact * scale;
-        const R rounded = away_from_zero<R>(v);
-        if (transformed) {
-            // The level of a block of samples, not the sum alone, makes the noise.
-            const long double level = magnitude + std::numeric_limits<R>::max();
-            const long double noise = 16 * std::numeric_limits<Part<typename F::Taps>>::epsilon() * level * scale;
-            constexpr long double least = std::numeric_limits<R>::min(), most = std::numeric_limits<R>::max();
-            ASSERT_LE(std::fabs(value - std::clamp(v, least, most)), 0.5L + noise) << "output " << outputs;
-        } else if (value != rounded) {
-            const long double from_boundary = std::fabs(std::fabs(v - std::floor(v)) - 0.5L);
-            ASSERT_LE(from_boundary, std::max(std::ldexp(std::fabs(v), -40), std::ldexp(magnitude * scale, -51)))
-                << "output " << outputs << ": " << +value << " for " << static_cast<double>(v);
-            ASSERT_LE(std::fabs(static_cast<long double>(value) - rounded), 1) << "output " << outputs;
-        }
+    /// The level of a block of samples, not the sum alone, makes the noise of transforms.
+    static void check_transformed(R value, long double exact, long double magnitude, long double scale) {
+        using Limits = std::numeric_limits<R>;
+        constexpr bool integer = F::integer_samples;
+        const long double level = magnitude + (integer ? Limits::max() : 1);
+        const long double noise = 16 * std::numeric_limits<Part<typename F::Taps>>::epsilon() * level * scale;
+        const long double nearest = integer ? std::clamp<long double>(exact, Limits::min(), Limits::max()) : exact;
+        ASSERT_LE(std::fabs(value - nearest), noise + rounding(static_cast<R>(nearest))) << value;
     }
 };
 

@@ -8,54 +8,18 @@ namespace iir_test {
 
 using namespace filter_test;
 
-template <class T, class S, auto init_, auto init_cascade_, auto... of_contexts>
-struct Iir : filter_test::Family<T, S, T, of_contexts...> {
-    static constexpr auto init = init_;
-    static constexpr auto init_cascade = init_cascade_;
-};
+#define KELS_IIR(taps, samples, ending, ending_in_place)                                                               \
+    struct Functions##taps##_##samples {                                                                               \
+        KELS_FILTER_FUNCTIONS(IIR, taps, samples, ending, ending_in_place)                                             \
+        static constexpr auto init_cascade = kelsIIRInitAlloc##taps##_BiQuad_##samples;                                \
+    };                                                                                                                 \
+    using Family##taps##_##samples = Family<Functions##taps##_##samples>;
+KELS_FILTERS(KELS_IIR)
+#undef KELS_IIR
 
-using Family_32f = Iir<Kel32f, Kel32f, kelsIIRInitAlloc_32f, kelsIIRInitAlloc_BiQuad_32f, kelsIIRFree_32f,
-                       kelsIIRGetDlyLine_32f, kelsIIRSetDlyLine_32f, kelsIIR_32f, kelsIIR_32f_I, kelsIIROne_32f>;
-using Family_32fc = Iir<Kel32fc, Kel32fc, kelsIIRInitAlloc_32fc, kelsIIRInitAlloc_BiQuad_32fc, kelsIIRFree_32fc,
-                        kelsIIRGetDlyLine_32fc, kelsIIRSetDlyLine_32fc, kelsIIR_32fc, kelsIIR_32fc_I, kelsIIROne_32fc>;
-using Family_32f_16s = Iir<Kel32f, Kel16s, kelsIIRInitAlloc32f_16s, kelsIIRInitAlloc32f_BiQuad_16s, kelsIIRFree32f_16s,
-                           kelsIIRGetDlyLine32f_16s, kelsIIRSetDlyLine32f_16s, kelsIIR32f_16s_Sfs, kelsIIR32f_16s_ISfs,
-                           kelsIIROne32f_16s_Sfs>;
-using Family_32fc_16sc = Iir<Kel32fc, Kel16sc, kelsIIRInitAlloc32fc_16sc, kelsIIRInitAlloc32fc_BiQuad_16sc,
-                             kelsIIRFree32fc_16sc, kelsIIRGetDlyLine32fc_16sc, kelsIIRSetDlyLine32fc_16sc,
-                             kelsIIR32fc_16sc_Sfs, kelsIIR32fc_16sc_ISfs, kelsIIROne32fc_16sc_Sfs>;
-using Family_32s_16s = Iir<Kel32s, Kel16s, kelsIIRInitAlloc32s_16s, kelsIIRInitAlloc32s_BiQuad_16s, kelsIIRFree32s_16s,
-                           kelsIIRGetDlyLine32s_16s, kelsIIRSetDlyLine32s_16s, kelsIIR32s_16s_Sfs, kelsIIR32s_16s_ISfs,
-                           kelsIIROne32s_16s_Sfs>;
-using Family_32sc_16sc = Iir<Kel32sc, Kel16sc, kelsIIRInitAlloc32sc_16sc, kelsIIRInitAlloc32sc_BiQuad_16sc,
-                             kelsIIRFree32sc_16sc, kelsIIRGetDlyLine32sc_16sc, kelsIIRSetDlyLine32sc_16sc,
-                             kelsIIR32sc_16sc_Sfs, kelsIIR32sc_16sc_ISfs, kelsIIROne32sc_16sc_Sfs>;
-using Family_64f = Iir<Kel64f, Kel64f, kelsIIRInitAlloc_64f, kelsIIRInitAlloc_BiQuad_64f, kelsIIRFree_64f,
-                       kelsIIRGetDlyLine_64f, kelsIIRSetDlyLine_64f, kelsIIR_64f, kelsIIR_64f_I, kelsIIROne_64f>;
-using Family_64fc = Iir<Kel64fc, Kel64fc, kelsIIRInitAlloc_64fc, kelsIIRInitAlloc_BiQuad_64fc, kelsIIRFree_64fc,
-                        kelsIIRGetDlyLine_64fc, kelsIIRSetDlyLine_64fc, kelsIIR_64fc, kelsIIR_64fc_I, kelsIIROne_64fc>;
-using Family_64f_32f =
-    Iir<Kel64f, Kel32f, kelsIIRInitAlloc64f_32f, kelsIIRInitAlloc64f_BiQuad_32f, kelsIIRFree64f_32f,
-        kelsIIRGetDlyLine64f_32f, kelsIIRSetDlyLine64f_32f, kelsIIR64f_32f, kelsIIR64f_32f_I, kelsIIROne64f_32f>;
-using Family_64fc_32fc = Iir<Kel64fc, Kel32fc, kelsIIRInitAlloc64fc_32fc, kelsIIRInitAlloc64fc_BiQuad_32fc,
-                             kelsIIRFree64fc_32fc, kelsIIRGetDlyLine64fc_32fc, kelsIIRSetDlyLine64fc_32fc,
-                             kelsIIR64fc_32fc, kelsIIR64fc_32fc_I, kelsIIROne64fc_32fc>;
-using Family_64f_32s = Iir<Kel64f, Kel32s, kelsIIRInitAlloc64f_32s, kelsIIRInitAlloc64f_BiQuad_32s, kelsIIRFree64f_32s,
-                           kelsIIRGetDlyLine64f_32s, kelsIIRSetDlyLine64f_32s, kelsIIR64f_32s_Sfs, kelsIIR64f_32s_ISfs,
-                           kelsIIROne64f_32s_Sfs>;
-using Family_64fc_32sc = Iir<Kel64fc, Kel32sc, kelsIIRInitAlloc64fc_32sc, kelsIIRInitAlloc64fc_BiQuad_32sc,
-                             kelsIIRFree64fc_32sc, kelsIIRGetDlyLine64fc_32sc, kelsIIRSetDlyLine64fc_32sc,
-                             kelsIIR64fc_32sc_Sfs, kelsIIR64fc_32sc_ISfs, kelsIIROne64fc_32sc_Sfs>;
-using Family_64f_16s = Iir<Kel64f, Kel16s, kelsIIRInitAlloc64f_16s, kelsIIRInitAlloc64f_BiQuad_16s, kelsIIRFree64f_16s,
-                           kelsIIRGetDlyLine64f_16s, kelsIIRSetDlyLine64f_16s, kelsIIR64f_16s_Sfs, kelsIIR64f_16s_ISfs,
-                           kelsIIROne64f_16s_Sfs>;
-using Family_64fc_16sc = Iir<Kel64fc, Kel16sc, kelsIIRInitAlloc64fc_16sc, kelsIIRInitAlloc64fc_BiQuad_16sc,
-                             kelsIIRFree64fc_16sc, kelsIIRGetDlyLine64fc_16sc, kelsIIRSetDlyLine64fc_16sc,
-                             kelsIIR64fc_16sc_Sfs, kelsIIR64fc_16sc_ISfs, kelsIIROne64fc_16sc_Sfs>;
-
-using Families = testing::Types<Family_32f, Family_32fc, Family_32f_16s, Family_32fc_16sc, Family_32s_16s,
-                                Family_32sc_16sc, Family_64f, Family_64fc, Family_64f_32f, Family_64fc_32fc,
-                                Family_64f_32s, Family_64fc_32sc, Family_64f_16s, Family_64fc_16sc>;
+using Families = testing::Types<Family_32f, Family_32fc, Family32f_16s, Family32fc_16sc, Family32s_16s, Family32sc_16sc,
+                                Family_64f, Family_64fc, Family64f_32f, Family64fc_32fc, Family64f_32s, Family64fc_32sc,
+                                Family64f_16s, Family64fc_16sc>;
 
 using Context = kels_test::Owned<KelIirContext>;
 

@@ -9,7 +9,7 @@ using namespace iir_test;
 
 template <class F>
 class IirInteger : public testing::Test {};
-using IntegerTaps = testing::Types<Family_32s_16s, Family_32sc_16sc>;
+using IntegerTaps = testing::Types<Family32s_16s, Family32sc_16sc>;
 TYPED_TEST_SUITE(IirInteger, IntegerTaps, FamilyNames);
 
 using Wide = Z<std::uint64_t>;
@@ -27,55 +27,27 @@ Wide quotient(const Wide& u, const Wide& a) {
 
 /// A filter of the rule beside the one that is tried.
 template <class F>
-class Rule {
-public:
-    using Taps = typename F::Taps;
+struct Rule : Reference<FixedArithmetic> {
     int factor;
 
-    Rule(bool is_cascade, const std::vector<Taps>& taps, int tapsFactor) : factor(tapsFactor), cascade(is_cascade) {
-        const auto tap = [&](std::size_t i) { return wide<std::uint64_t>(taps[i]); };
-        const auto over = [&](std::size_t i, std::size_t by) {
-            const FixedArithmetic up{-std::int64_t{factor}, 0};
-            stored().push_back(FixedArithmetic::stored(quotient<Taps>(up.input(tap(i)), tap(by))));
-        };
-        const std::size_t order = taps.size() / 2 - 1;
-        if (!cascade) {
-            for (std::size_t i = 0; i < taps.size(); ++i)
-                if (i != order + 1) over(i, order + 1);
-            registers().resize(order);
-            return;
-        }
-        Wide gain{static_cast<std::uint64_t>(shm(1, -factor)), 0};
-        stored().push_back({});
-        for (std::size_t s = 0; s < taps.size(); s += 6) {
-            gain = quotient<Taps>(gain * tap(s), tap(s + 3));
-            over(s + 4, s + 3), over(s + 5, s + 3), over(s + 1, s), over(s + 2, s);
-        }
-        stored()[0] = FixedArithmetic::stored(gain);
-        registers().resize(taps.size() / 3);
-    }
-
-    std::vector<Wide>& stored() { return cascade ? sections.taps : any_order.taps; }
-    std::vector<Wide>& registers() { return cascade ? sections.w : any_order.d; }
+    Rule(bool is_cascade, const std::vector<typename F::Taps>& taps, int tapsFactor)
+        : Reference(is_cascade, divided<Wide>(
+                                    is_cascade, taps, quotient<typename F::Taps>,
+                                    [&](const Wide& tap) {
+                                        return FixedArithmetic{-std::int64_t{tapsFactor}, 0}.input(tap);
+                                    },
+                                    FixedArithmetic::stored)),
+          factor(tapsFactor) {}
 
     std::vector<Wide> filter(Way way, const std::vector<Wide>& x, int scaleFactor) {
         if (!cascade && factor > scaleFactor) {
             const FixedArithmetic up{std::int64_t{factor} - scaleFactor, 0};
-            for (Wide& tap : stored()) tap = up.stored(up.input(tap));
+            for (Wide& tap : taps()) tap = up.stored(up.input(tap));
             factor = scaleFactor;
         }
         const bool narrow = way == one_by_one && !cascade && !F::complex;
-        const FixedArithmetic arithmetic{std::int64_t{factor} - scaleFactor, factor, narrow};
-        if (way != one_by_one) return cascade ? sections.block(arithmetic, x) : any_order.block(arithmetic, x);
-        std::vector<Wide> y;
-        for (const Wide& v : x) y.push_back(cascade ? sections.one(arithmetic, v) : any_order.one(arithmetic, v));
-        return y;
+        return filtered({std::int64_t{factor} - scaleFactor, factor, narrow}, way, x);
     }
-
-private:
-    bool cascade;
-    AnyOrder<FixedArithmetic> any_order;
-    Sections<FixedArithmetic> sections;
 };
 
 template <class T>
@@ -99,7 +71,7 @@ void follow_the_rule(bool cascade, int size, int factor, int tap_range, int samp
         if (cascade ? i % 3 == 0 : i == taps.size() / 2)
             values(taps)[i * parts<T>] = factor > 0 ? 1 : std::max(1, 3 << std::min(-factor, 29) >> 2);
     Rule<F> rule(cascade, taps, factor);
-    for (std::size_t i = 0; i < state.size(); ++i) rule.registers()[i] = wide<std::uint64_t>(state[i]);
+    rule.registers() = wide<std::uint64_t>(state);
     const Context context = make<F>(cascade, taps, factor, state);
     for (int call = 0; call < 60; ++call) {
         std::vector<T> x(static_cast<std::size_t>(1 + random.below(call % 10 == 9 ? 1500 : 20)));
@@ -107,9 +79,7 @@ void follow_the_rule(bool cascade, int size, int factor, int tap_range, int samp
             values(x)[i] = static_cast<Kel16s>(random.below(sample_range) - sample_range / 2);
         const Way way = static_cast<Way>(random.below(3));
         const int scale = factor + random.below(4) + (call > 30 ? -2 : 1);
-        std::vector<Wide> wide_x;
-        for (const T& v : x) wide_x.push_back(wide<std::uint64_t>(v));
-        const auto wanted = rule.filter(way, wide_x, scale);
+        const auto wanted = rule.filter(way, wide<std::uint64_t>(x), scale);
         const auto y = filtered<F>(way, x, context, scale);
         for (std::size_t i = 0; i < y.size(); ++i)
             ASSERT_TRUE(same(std::vector<T>{y[i]}, {saturated_both<T>(wanted[i])}))
@@ -144,7 +114,7 @@ TYPED_TEST(IirInteger, StreamsFollowTheRuleToTheBit) {
         }
 }
 
-using F = Family_32s_16s;
+using F = Family32s_16s;
 
 std::vector<Kel16s> impulse(int height, int scale, const std::vector<Kel32s>& taps, int factor, Way way = as_block) {
     return filtered<F>(way, {static_cast<Kel16s>(height), 0, 0, 0}, make<F>(false, taps, factor), scale);
@@ -238,10 +208,10 @@ TEST(IirInteger, RealTapsOfEveryFormAreMeant) {
                                      {1.5F, 0.2F}, {0.5F, -0.2F}, {-0.3F, 0.1F}};
     auto two_c = any_c;
     two_c.insert(two_c.end(), any_c.begin(), any_c.end());
-    resembles<Family_32s_16s, Family_64f_16s>(kelsIIRInitAlloc32s_16s32f, false, any);
-    resembles<Family_32s_16s, Family_64f_16s>(kelsIIRInitAlloc32s_BiQuad_16s32f, true, two);
-    resembles<Family_32sc_16sc, Family_64fc_16sc>(kelsIIRInitAlloc32sc_16sc32fc, false, any_c);
-    resembles<Family_32sc_16sc, Family_64fc_16sc>(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, true, two_c);
+    resembles<Family32s_16s, Family64f_16s>(kelsIIRInitAlloc32s_16s32f, false, any);
+    resembles<Family32s_16s, Family64f_16s>(kelsIIRInitAlloc32s_BiQuad_16s32f, true, two);
+    resembles<Family32sc_16sc, Family64fc_16sc>(kelsIIRInitAlloc32sc_16sc32fc, false, any_c);
+    resembles<Family32sc_16sc, Family64fc_16sc>(kelsIIRInitAlloc32sc_BiQuad_16sc32fc, true, two_c);
 }
 
 } // namespace

@@ -24,6 +24,13 @@ Z<R> wide(const T& x) {
         return {static_cast<R>(x), R{}};
 }
 
+template <class R, class T>
+std::vector<Z<R>> wide(const std::vector<T>& x) {
+    std::vector<Z<R>> all;
+    for (const T& v : x) all.push_back(wide<R>(v));
+    return all;
+}
+
 template <class T, class R>
 T narrow(const Z<R>& z) {
     if constexpr (parts<T> == 2)
@@ -37,33 +44,29 @@ long double size_of(const T& z) {
     return std::hypot(static_cast<long double>(z.re), static_cast<long double>(z.im));
 }
 
-/// What the division of a section or of both polynomials leaves, in the taps' type: b then a from a[1] on; or the gain
-/// and c1 to c4 of each section.
-template <class T>
-std::vector<T> divided(bool cascade, const std::vector<T>& taps) {
-    using L = long double;
-    const auto inverse = [](const T& z) {
-        const Z<L> w = wide<L>(z);
-        const L square = w.re * w.re + w.im * w.im;
-        return parts<T> == 2 ? Z<L>{w.re / square, -w.im / square} : Z<L>{1 / w.re, 0};
-    };
-    std::vector<T> stored;
+/// What the division of a section or of both polynomials leaves: b then a from a[1] on; or the gain and c1 to c4 of
+/// each section. `over` divides two numbers, `raised` is a dividend and `stored` a result, as the taps' arithmetic has
+/// them.
+template <class N, class T, class Over, class Raised, class Stored>
+std::vector<N> divided(bool cascade, const std::vector<T>& taps, Over over, Raised raised, Stored stored) {
+    const auto tap = [&](std::size_t i) { return wide<decltype(N::re)>(taps[i]); };
+    const auto quotient = [&](std::size_t i, std::size_t by) { return stored(over(raised(tap(i)), tap(by))); };
+    std::vector<N> quotients;
     if (!cascade) {
-        const std::size_t order = taps.size() / 2 - 1;
+        const std::size_t leading = taps.size() / 2;
         for (std::size_t i = 0; i < taps.size(); ++i)
-            if (i != order + 1) stored.push_back(narrow<T>(wide<L>(taps[i]) * inverse(taps[order + 1])));
-        return stored;
+            if (i != leading) quotients.push_back(quotient(i, leading));
+        return quotients;
     }
-    Z<L> gain{1, 0};
-    stored.push_back(T{});
+    N gain = raised(N{1, 0});
+    quotients.push_back({});
     for (std::size_t s = 0; s < taps.size(); s += 6) {
-        const T &b0 = taps[s], &a0 = taps[s + 3];
-        gain = gain * wide<L>(b0) * inverse(a0);
-        for (auto [tap, by] : {std::pair{s + 4, a0}, {s + 5, a0}, {s + 1, b0}, {s + 2, b0}})
-            stored.push_back(narrow<T>(wide<L>(taps[tap]) * inverse(by)));
+        gain = over(gain * tap(s), tap(s + 3));
+        quotients.insert(quotients.end(),
+                         {quotient(s + 4, s + 3), quotient(s + 5, s + 3), quotient(s + 1, s), quotient(s + 2, s)});
     }
-    stored[0] = narrow<T>(gain);
-    return stored;
+    quotients[0] = stored(gain);
+    return quotients;
 }
 
 /// Arithmetic of real taps: registers are rounded to their type where they are stored, or never.
@@ -182,6 +185,33 @@ struct Sections {
         }
         return t;
     }
+};
+
+/// A filter of any order or a cascade, of divided taps.
+template <class A>
+struct Reference {
+    using N = typename A::Number;
+
+    Reference(bool is_cascade, const std::vector<N>& stored) : cascade(is_cascade) {
+        taps() = stored;
+        registers().resize(stored.size() / 2);
+    }
+    std::vector<N>& taps() { return cascade ? sections.taps : any_order.taps; }
+    std::vector<N>& registers() { return cascade ? sections.w : any_order.d; }
+
+    std::vector<N> filtered(const A& of, Way way, const std::vector<N>& x) {
+        if (way != one_by_one) return cascade ? sections.block(of, x) : any_order.block(of, x);
+        std::vector<N> y;
+        for (const N& v : x) y.push_back(cascade ? sections.one(of, v) : any_order.one(of, v));
+        return y;
+    }
+
+protected:
+    bool cascade;
+
+private:
+    AnyOrder<A> any_order;
+    Sections<A> sections;
 };
 
 } // namespace iir_test

@@ -69,7 +69,6 @@ struct Arrays {
         ring.insert(ring.end(), half.begin(), half.end());
     }
     int len() const { return static_cast<int>(taps.size()); }
-    std::vector<Tap> natural() const { return {taps.rbegin(), taps.rend()}; }
 };
 
 template <class T>
@@ -95,7 +94,7 @@ bool within_rule(T got, long double output, long double slack) {
 // without a context: the same bits.
 TYPED_TEST(LmsTest, StreamsFollowTheRuleHoweverTheyAreCut) {
     using T = TypeParam;
-    const double size = Lms<T>::size;
+    constexpr double size = std::is_integral_v<T> ? 10000 : 1; // of samples
     constexpr int steps = 1200;
     int bits = 0, other_bits = 0;
     for (const int L : tap_counts) {
@@ -177,41 +176,23 @@ TYPED_TEST(LmsTest, LeavesTheModesAlone) {
     in_odd_modes([&] { adapted(context, std::vector<TypeParam>(100, 1), std::vector<TypeParam>(100, 2), 0.1F); });
 }
 
-TYPED_TEST(LmsTest, TheStepIsTwiceMu) {
-    using T = TypeParam;
-    const auto expect = [](Kel32f tap, Kel32f mu, T output, Kel32f changed) {
-        const Context context = make<T>({tap}, {0}, 0);
-        EXPECT_EQ(adapted<T>(context, {1}, {1}, mu)[0], output);
-        EXPECT_EQ(taps_of<T>(context, 1)[0], changed);
-    };
-    constexpr Kel32f most = std::numeric_limits<Kel32f>::max();
-    expect(0, 0.25F, 0, 0.5F);
-    expect(2, 0, 2, 2);
-    expect(0, most / 2, 0, most);
-}
-
 TEST(Lms16s, OutputsAreSaturatedAndCutWhileTheErrorIsNot) {
     const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
-    struct {
-        Kel32f tap;
-        Kel16s wanted;
-    } const literals[] = {{2.9F, 2},          {-2.9F, -2},         {40000, 32767}, {-40000, -32768},
-                          {32767.99F, 32767}, {-32768.5F, -32768}, {nan, 32767},   {0.99F, 0}};
-    for (const auto& literal : literals) {
-        const Context context = make<Kel16s>({literal.tap}, {0}, 0);
-        const Kel16s x = 1, r = 0;
-        Kel16s y = 99, direct_y = 99;
-        Kel32f tap = literal.tap;
-        Kel16s ring[2] = {};
-        int index = 0;
-        kelsFIRLMS32f_16s(&x, &r, &y, 1, 0.25F, context.get());
-        kelsFIRLMSOne_Direct32f_16s(x, r, &direct_y, &tap, 1, 0.25F, ring, &index);
-        EXPECT_EQ(y, literal.wanted) << literal.tap;
-        EXPECT_EQ(direct_y, literal.wanted) << literal.tap;
-        if (!std::isnan(literal.tap)) {
-            EXPECT_EQ(taps_of<Kel16s>(context, 1)[0], literal.tap / 2);
-            EXPECT_EQ(tap, literal.tap / 2);
+    const std::pair<Kel32f, Kel16s> outputs[] = {{2.9F, 2},        {-2.9F, -2},        {40000, 32767},
+                                                 {-40000, -32768}, {32767.99F, 32767}, {-32768.5F, -32768},
+                                                 {nan, 32767},     {0.99F, 0}};
+    for (const auto& [tap, wanted] : outputs) {
+        const Context context = make<Kel16s>({tap}, {0}, 0);
+        EXPECT_EQ(adapted<Kel16s>(context, {1}, {0}, 0.25F)[0], wanted) << tap;
+        if (tap == tap) {
+            EXPECT_EQ(taps_of<Kel16s>(context, 1)[0], tap / 2);
         }
+        Arrays<Kel16s> arrays({tap}, {0}, 0);
+        Kel16s y = 99;
+        EXPECT_EQ(
+            kelsFIRLMSOne_Direct32f_16s(1, 0, &y, arrays.taps.data(), 1, 0.25F, arrays.ring.data(), &arrays.index),
+            kelStatusOk);
+        EXPECT_EQ(y, wanted) << tap;
     }
 }
 
@@ -338,17 +319,6 @@ TEST(LmsQ15, Literals) {
         EXPECT_EQ(y, literal.wanted) << literal.tap;
         EXPECT_EQ(tap, literal.tap);
     }
-    Arrays<Kel16s, Kel32s> arrays({0, 0, 0, 0}, {0, 0, 0, 0}, 0);
-    Random random("q15 identification");
-    for (int i = 0; i < 4000; ++i) {
-        const auto x = static_cast<Kel16s>(random.below(20001) - 10000);
-        Kel16s y;
-        const auto r = static_cast<Kel16s>((x - arrays.ring[static_cast<std::size_t>((arrays.index + 3) % 4)]) / 2);
-        kelsFIRLMSOne_DirectQ15_16s(x, r, &y, arrays.taps.data(), 4, 8192, arrays.ring.data(), &arrays.index);
-    }
-    const std::vector<Kel32s> found = arrays.natural();
-    constexpr int system[] = {16384, -16384, 0, 0};
-    for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(found[k], system[k], 40) << k;
 }
 
 template <class T, class Tap, class Mu>

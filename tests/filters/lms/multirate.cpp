@@ -60,11 +60,7 @@ struct Model {
 template <class T>
 std::vector<T> noise(Random& random, int n, bool extremes) {
     std::vector<T> x(static_cast<std::size_t>(n));
-    using Part = std::conditional_t<sizeof(T) % 4 == 2 || std::is_same_v<T, Kel16sc>, Kel16s, Kel32s>;
-    Part edges[] = {std::numeric_limits<Part>::min(), std::numeric_limits<Part>::max(), -1, 0, 1};
-    std::vector<Part> parts(sizeof(T) / sizeof(Part) * x.size());
-    for (Part& v : parts) v = extremes ? edges[random.below(5)] : static_cast<Part>(random.bits());
-    std::memcpy(static_cast<void*>(x.data()), parts.data(), parts.size() * sizeof(Part));
+    fill_random(random, type_of<T>(), x.data(), x.size(), 0, 0, extremes ? 1 : 0);
     return x;
 }
 
@@ -168,35 +164,22 @@ TYPED_TEST(LmsMr, EveryCallIsThatOfTheModel) {
         }
 }
 
-/// A filter of one tap with a sample of 1 in it.
-auto of_one_tap(Kel32s tap, Kel32s mu) {
-    auto context = made(Real::make, Real::release, &tap, 1, nullptr, 0, 1, 0, mu);
-    EXPECT_EQ(Real::put(1, context.get()), kelStatusOk);
-    return context;
-}
-
+// A filter of one tap with a sample of 1 in it.
 TEST(LmsMrReal, Literals) {
-    const struct {
-        Kel32s tap, wanted;
-    } outputs[] = {{0x0001FFFF, 1}, {0xFFFF, 0}, {-1, -1}, {-65536, -1}, {INT_MIN, -32768}};
-    for (const auto& [tap, wanted] : outputs) {
-        const auto context = of_one_tap(tap, 0);
+    const auto expect = [](Kel32s tap, Kel32s output, Kel32s mu, Kel32s error, Kel32s updated) {
+        const auto owner = made(Real::make, Real::release, &tap, 1, nullptr, 0, 1, 0, mu);
         Kel32s y = 99, stored = 99;
-        EXPECT_EQ(Real::output(&y, context.get()), kelStatusOk);
-        EXPECT_EQ(y, wanted);
-        Real::get_taps(context.get(), &stored);
-        EXPECT_EQ(stored, tap);
-    }
-    const struct {
-        Kel32s mu, err, wanted;
-    } updates[] = {{16384, 3, 2}, {16384, -3, -1}, {INT_MAX, 2, 0}, {32768, 5, 5}};
-    for (const auto& [mu, err, wanted] : updates) {
-        const auto context = of_one_tap(0, mu);
-        EXPECT_EQ(Real::update(err, context.get()), kelStatusOk);
-        Kel32s tap = 99;
-        Real::get_taps(context.get(), &tap);
-        EXPECT_EQ(tap, wanted) << mu << ", " << err;
-    }
+        EXPECT_EQ(Real::put_and_output(1, &y, owner.get()), kelStatusOk);
+        EXPECT_EQ(y, output) << tap;
+        EXPECT_EQ(Real::update(error, owner.get()), kelStatusOk);
+        EXPECT_EQ(Real::get_taps(owner.get(), &stored), kelStatusOk);
+        EXPECT_EQ(stored, updated) << mu << ", " << error;
+    };
+    expect(0x0001FFFF, 1, 0, 0, 0x0001FFFF);
+    expect(0xFFFF, 0, 16384, 3, 0x10001);
+    expect(-1, -1, 16384, -3, -2);
+    expect(INT_MIN, -32768, INT_MAX, 2, INT_MIN);
+    expect(0, 0, 32768, 5, 5);
 }
 
 TYPED_TEST(LmsMr, CreationRefusesAndRunsOutOfMemory) {
@@ -213,7 +196,7 @@ TYPED_TEST(LmsMr, CreationRefusesAndRunsOutOfMemory) {
 
 TYPED_TEST(LmsMr, ContextsAreChecked) {
     using F = TypeParam;
-    using Other = std::conditional_t<F::parts == 1, Complex, Real>;
+    using Other = std::conditional_t<std::is_same_v<F, Real>, Complex, Real>;
     const auto owner = made(F::make, F::release, nullptr, 2, nullptr, 6, 3, 1, 0);
     std::vector<Owned<KelLmsMrContext>> others;
     others.push_back(made(Other::make, Other::release, nullptr, 2, nullptr, 0, 3, 1, 0));
