@@ -235,6 +235,41 @@ TYPED_TEST(FilterBankForm, GoesOnFromItsDelayLines) {
     });
 }
 
+// Known wavelets
+
+const Singles db4_low = {-0.010597401785F, 0.032883011667F, 0.030841381836F, -0.187034811719F,
+                         -0.027983769417F, 0.63088076793F,  0.714846570553F, 0.230377813309F};
+const Singles db4_high = {-0.230377813309F, 0.714846570553F, -0.63088076793F,  -0.027983769417F,
+                          0.187034811719F,  0.030841381836F, -0.032883011667F, -0.010597401785F};
+const Singles bior_low = {0.000000000000F, 0.037828455507F, -0.02384946502F,  -0.110624404418F, 0.377402855613F,
+                          0.852698679009F, 0.377402855613F, -0.110624404418F, -0.02384946502F,  0.037828455507F};
+const Singles bior_high = {-0.0F,           -0.064538882629F, 0.040689417609F,  0.418092273222F, -0.788485616406F,
+                           0.418092273222F, 0.040689417609F,  -0.064538882629F, -0.0F,           0.0F};
+
+/// The bank that undoes one: each band's filter is the other one's, every second sign turned.
+Bank inverse_of(const Bank& bank, int offset) {
+    Bank inverse{{bank.high.taps, offset}, {bank.low.taps, offset}};
+    for (std::size_t i = 0; i < inverse.low.taps.size(); ++i)
+        (i % 2 == 0 ? inverse.low.taps : inverse.high.taps)[i] *= -1;
+    return inverse;
+}
+
+TEST(FilterBank, Reconstructs) {
+    Random random("reconstruction");
+    const auto cut = [&] { return 1 + random.below(90); };
+    const Bank db4{{db4_low, -1}, {db4_high, -1}}, bior{{bior_low, -1}, {bior_high, -1}};
+    for (const Bank& bank : {db4, bior})
+        for (const int offset : {0, 2, 6, 301}) {
+            const Singles x = uniform<Kel32f>(random, 6000);
+            const Channels channels = analysed(made<Analysis<Kel32f>>(bank).get(), x, cut);
+            const Singles back =
+                synthesised<Kel32f>(made<Synthesis<Kel32f>>(inverse_of(bank, offset)).get(), channels, cut);
+            const std::size_t delay = bank.low.taps.size() - 2 + static_cast<std::size_t>(offset);
+            for (std::size_t m = 0; m < delay; ++m) ASSERT_NEAR(back[m], 0, 2e-6);
+            for (std::size_t m = delay; m < back.size(); ++m) ASSERT_NEAR(back[m], x[m - delay], 2e-6) << m;
+        }
+}
+
 // Literal values
 
 TEST(FilterBank, OfOneTap) {

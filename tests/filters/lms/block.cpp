@@ -176,6 +176,18 @@ TYPED_TEST(LmsTest, LeavesTheModesAlone) {
     in_odd_modes([&] { adapted(context, std::vector<TypeParam>(100, 1), std::vector<TypeParam>(100, 2), 0.1F); });
 }
 
+TYPED_TEST(LmsTest, FindsAnUnknownSystem) {
+    using T = TypeParam;
+    constexpr double size = std::is_integral_v<T> ? 10000 : 1;
+    Random random("identification");
+    const auto x = noise<T>(random, 3000, size);
+    auto halves = x; // of the differences of neighbours
+    for (std::size_t i = x.size(); --i > 0;) halves[i] = static_cast<T>((x[i] - x[i - 1]) / 2);
+    const Context context = make<T>(std::vector<Kel32f>(4), std::vector<T>(4), 0);
+    const auto y = adapted(context, x, halves, static_cast<Kel32f>(0.1 / (size * size)));
+    for (std::size_t i = x.size() - 100; i < x.size(); ++i) EXPECT_NEAR(y[i], halves[i], size / 2000) << i;
+}
+
 TEST(Lms16s, OutputsAreSaturatedAndCutWhileTheErrorIsNot) {
     const Kel32f nan = std::numeric_limits<Kel32f>::quiet_NaN();
     const std::pair<Kel32f, Kel16s> outputs[] = {{2.9F, 2},        {-2.9F, -2},        {40000, 32767},
@@ -318,6 +330,22 @@ TEST(LmsQ15, Literals) {
         EXPECT_EQ(kelsFIRLMSOne_DirectQ15_16s(literal.x, 0, &y, &tap, 1, 0, ring, &index), kelStatusOk);
         EXPECT_EQ(y, literal.wanted) << literal.tap;
         EXPECT_EQ(tap, literal.tap);
+    }
+}
+
+TEST(LmsQ15, FindsAnUnknownSystem) {
+    Kel32s taps[4] = {};
+    Kel16s ring[8] = {}, before = 0;
+    int index = 0;
+    Random random("q15 identification");
+    for (int i = 0; i < 4000; ++i) {
+        const auto x = static_cast<Kel16s>(random.below(20001) - 10000), half = static_cast<Kel16s>((x - before) / 2);
+        Kel16s y;
+        kelsFIRLMSOne_DirectQ15_16s(x, half, &y, taps, 4, 8192, ring, &index);
+        if (i >= 3900) {
+            EXPECT_NEAR(y, half, 20);
+        }
+        before = x;
     }
 }
 
