@@ -164,16 +164,27 @@ template <class V>
     }
 }
 
+template <class V>
+[[gnu::always_inline]] inline Complex<V> cartesian_at(const Element<V>* radius, const Element<V>* angle) {
+    if constexpr (has_quick_functions<V>) {
+        const auto quick = quick_products<V>(radius, angle);
+        if (any_lane(quick.doubtful | quick.small)) [[unlikely]] {
+            const V r = load<V>(radius), a = load<V>(angle);
+            if (any_lane(quick.doubtful | (quick.small & (r != 0) & (a != 0)))) // zeros are no matter of rounding
+                return out_of_line([](V x, V y) KELS_INLINE { return cartesian(x, y); }, r, a);
+        }
+        return {quick.of_cosine, quick.of_sine};
+    } else {
+        return cartesian(load<V>(radius), load<V>(angle));
+    }
+}
+
 /// write(i, points) takes lanes of results.
 template <class T, class Write>
 void map_cartesian(const T* radius, const T* angle, int len, const Write& write) {
     const DefaultModes modes(true);
     each_block<Word<T>>(
-        len,
-        [=](auto width, Index i) KELS_INLINE {
-            using V = Vec<T, width>;
-            return cartesian(load<V>(radius + i), load<V>(angle + i));
-        },
+        len, [=](auto width, Index i) KELS_INLINE { return cartesian_at<Vec<T, width>>(radius + i, angle + i); },
         [&](auto, Index i, auto z) KELS_INLINE { write(i, z); });
 }
 
