@@ -179,12 +179,43 @@ KelStatus magnitudes(JoinedPoints<Kel32s> p, Kel32s* dst, int len, int factor) {
 
 // Power spectra
 
+/// Whole registers of singles. Conversions that take their operands from memory need no shuffles of their own, so that
+/// separated parts go there first.
+template <class V>
+inline constexpr bool converts_from_memory = std::is_same_v<V, Vec<Kel32f, max_lanes<Kel32f>>>&& vector_bytes >= 32;
+
+template <class V>
+[[gnu::always_inline]] inline V powers_of_singles(const Kel32f* re, const Kel32f* im) {
+    using H = Vec<Kel32f, lanes<V> / 2>;
+    const auto powers = [=](int from) KELS_INLINE {
+        const auto x = convert<double>(load<H>(re + from)), y = convert<double>(load<H>(im + from));
+        return convert<Kel32f>(fma(x, x, y * y));
+    };
+    return both(powers(0), powers(lanes<H>));
+}
+
+template <class V>
+[[gnu::always_inline]] inline V powers_of_singles(SplitPoints<Kel32f> p, Index i) {
+    return powers_of_singles<V>(p.re + i, p.im + i);
+}
+template <class V>
+[[gnu::always_inline]] inline V powers_of_singles(JoinedPoints<Kel32f> p, Index i) {
+    alignas(sizeof(V)) Kel32f parts[2][lanes<V>];
+    const auto z = load_even_and_odd<V>(p.parts + 2 * i);
+    store(parts[0], z.even);
+    store(parts[1], z.odd);
+    settle(parts);
+    return powers_of_singles<V>(parts[0], parts[1]);
+}
+
 template <class Points, class R>
 KelStatus powers(Points p, R* dst, int len) {
     return points_call(p, dst, len, [=] {
         map_points(p, dst, len, [=](auto width, Index i) KELS_INLINE {
             if constexpr (std::is_same_v<typename Points::Element, Kel16s>) {
                 return magnitude(convert<Kel32f>(squared_moduli_at<width>(p, i))); // 2^31 has wrapped
+            } else if constexpr (converts_from_memory<Vec<typename Points::Element, width>>) {
+                return powers_of_singles<Vec<Kel32f, width>>(p, i);
             } else {
                 const auto z = parts_at<width>(p, i);
                 return in_doubles([](auto re, auto im) KELS_INLINE { return convert<R>(fma(re, re, im * im)); }, z.re,

@@ -149,6 +149,24 @@ template <class V>
     return with_sign_of(((exact - exact == 0) & (exact != 0)) ? exact : plain, factor.sign);
 }
 
+/// The same of a radius scaled by a power of two, where the steps, or the bits below the product, leave the range.
+template <class V>
+[[gnu::noinline]] V scaled_product(V radius, Unrounded<V> factor) {
+    const V size = magnitude(radius * (factor.head + factor.tail)), up = splat<V>(0x1p600), down = splat<V>(0x1p-600);
+    const auto large = magnitude(radius) > 0x1p900, small = size < 0x1p-900;
+    const V there = large ? down : (small ? up : splat<V>(1)), back = large ? up : (small ? down : splat<V>(1));
+    return product(radius * there, factor) * back;
+}
+
+template <class V>
+[[gnu::always_inline]] inline Complex<V> products(V radius, SineCosine<Unrounded<V>> factors) {
+    const Complex<V> z = {product(radius, factors.cosine), product(radius, factors.sine)};
+    const auto small = [](V part) KELS_INLINE { return (magnitude(part) < 0x1p-900) & (part != 0); };
+    if (any_lane(small(z.re) | small(z.im) | (magnitude(radius) > 0x1p900))) [[unlikely]]
+        return {scaled_product(radius, factors.cosine), scaled_product(radius, factors.sine)};
+    return z;
+}
+
 template <class V>
 [[gnu::always_inline]] inline Complex<V> cartesian(V radius, V angle) {
     if constexpr (lanes < V >> max_lanes<double>) {
@@ -159,8 +177,22 @@ template <class V>
         const auto f = sine_cosine<Grade::for_single>(convert<double>(angle));
         return {convert<Kel32f>(r * f.cosine), convert<Kel32f>(r * f.sine)};
     } else {
-        const auto f = unrounded_sine_cosine<Grade::for_double>(angle);
-        return {product(radius, f.cosine), product(radius, f.sine)};
+        return products(radius, unrounded_sine_cosine<Grade::for_double>(angle));
+    }
+}
+
+template <class V>
+[[gnu::always_inline]] inline Complex<V> cartesian_at(const Element<V>* radius, const Element<V>* angle) {
+    if constexpr (has_quick_functions<V>) {
+        const auto quick = quick_products<V>(radius, angle);
+        if (any_lane(quick.doubtful | quick.small)) [[unlikely]] {
+            const V r = load<V>(radius), a = load<V>(angle);
+            if (any_lane(quick.doubtful | (quick.small & (r != 0) & (a != 0)))) // zeros are no matter of rounding
+                return out_of_line([](V x, V y) KELS_INLINE { return cartesian(x, y); }, r, a);
+        }
+        return {quick.of_cosine, quick.of_sine};
+    } else {
+        return cartesian(load<V>(radius), load<V>(angle));
     }
 }
 
@@ -169,11 +201,7 @@ template <class T, class Write>
 void map_cartesian(const T* radius, const T* angle, int len, const Write& write) {
     const DefaultModes modes(true);
     each_block<Word<T>>(
-        len,
-        [=](auto width, Index i) KELS_INLINE {
-            using V = Vec<T, width>;
-            return cartesian(load<V>(radius + i), load<V>(angle + i));
-        },
+        len, [=](auto width, Index i) KELS_INLINE { return cartesian_at<Vec<T, width>>(radius + i, angle + i); },
         [&](auto, Index i, auto z) KELS_INLINE { write(i, z); });
 }
 

@@ -272,4 +272,45 @@ TEST(PolarToCartesian, AnglesOfAnySize) {
     }
 }
 
+// A point alone is formed in doubles at every level, points in a row by quicker steps where those are enough.
+TEST(PolarToCartesian, SinglesInARowAndAlone) {
+    constexpr int n = 1 << 16;
+    Random random("singles");
+    std::vector<Kel32f> radius(n), angle(n), re(n), im(n);
+    for (int i = 0; i < n; ++i) {
+        const int exponent = random.below(8) ? 0 : -149 + random.below(270);
+        radius[i] = random.below(8) ? static_cast<Kel32f>(std::ldexp(random.uniform(-1, 1), exponent)) : 0;
+        angle[i] = random.below(8) ? static_cast<Kel32f>(random.uniform(-10, 10))
+                                   : static_cast<Kel32f>(std::ldexp(random.uniform(-1, 1), -150 + random.below(175)));
+    }
+    ASSERT_EQ(kelsPolarToCart_32f(radius.data(), angle.data(), re.data(), im.data(), n), kelStatusOk);
+    for (int i = 0; i < n; ++i) {
+        Kel32f part[2] = {};
+        ASSERT_EQ(kelsPolarToCart_32f(&radius[i], &angle[i], &part[0], &part[1], 1), kelStatusOk);
+        ASSERT_EQ(std::bit_cast<std::uint32_t>(re[i]), std::bit_cast<std::uint32_t>(part[0]))
+            << radius[i] << " at " << angle[i];
+        ASSERT_EQ(std::bit_cast<std::uint32_t>(im[i]), std::bit_cast<std::uint32_t>(part[1]))
+            << radius[i] << " at " << angle[i];
+    }
+}
+
+// Radii with which a product or what it rounds away leaves the range, and angles with which it does.
+TEST(PolarToCartesian, RadiiOfAnySize) {
+    Random random("radii");
+    for (int i = 0; i < 20000; ++i) {
+        const int kind = i % 3;
+        const int exponent = kind == 0 ? -1074 + random.below(60) : kind == 1 ? 1022 - random.below(40) : 0;
+        const Kel64f radius = std::ldexp(random.uniform(1, 2), exponent);
+        const Kel64f angle = std::ldexp(random.uniform(-4, 4), kind == 2 ? -1074 + random.below(60) : 0);
+        Kel64f part[2] = {};
+        ASSERT_EQ(kelsPolarToCart_64f(&radius, &angle, &part[0], &part[1], 1), kelStatusOk);
+        const long double want[] = {radius * std::cos(static_cast<long double>(angle)),
+                                    radius * std::sin(static_cast<long double>(angle))};
+        for (int k = 0; k < 2; ++k) {
+            const long double place = std::ldexp(1.0L, std::max(std::ilogb(want[k]), -1022) - 52);
+            ASSERT_LE(std::fabs(part[k] - want[k]), place) << radius << " at " << angle << ", part " << k;
+        }
+    }
+}
+
 } // namespace
