@@ -95,7 +95,7 @@ bool runs_without_fault(const std::function<void()>& call) {
         return false;
     }
     armed = 1;
-    if constexpr (has_small_stack)
+    if (has_small_stack)
         run_on_small_stack(call);
     else
         call();
