@@ -34,7 +34,7 @@ struct ArgumentsOf<KelStatus (*)(A...)> {
 };
 /// What the i-th argument of a function points at.
 template <auto function, std::size_t i>
-using Pointed = typename ArgumentsOf<decltype(function)>::template Pointed<i>;
+using Pointed = typename ArgumentsOf<std::remove_const_t<decltype(function)>>::template Pointed<i>;
 
 /// Functions, and the types of their taps, samples and delay line.
 template <class Functions>
