@@ -31,7 +31,8 @@ constexpr auto extended = [](auto x) -> long double {
 };
 constexpr auto limited = each([](Kel64f x) {
     const Kel64f most = std::numeric_limits<Kel32f>::max();
-    return extended(std::fmax(-most, std::fmin(x, most)));
+    if (x < most && x > -most) return extended(x);
+    return extended(x <= -most ? -most : most); // a NaN, too, whatever kind it is
 });
 
 template <int Least, int Most>
