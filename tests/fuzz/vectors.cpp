@@ -8,6 +8,8 @@
 #include "kels/rate_change.h"
 #include "kels/search.h"
 
+#include <climits>
+
 namespace {
 
 using namespace kels_test;
@@ -179,8 +181,11 @@ void estimate(Input& in) {
     if (cut > 0) {
         EXPECT_EQ(function(source.data(), cut, &parts, shift, alpha), kelStatusOk);
     }
+    const bool saturated = parts == INT_MAX || parts == INT_MIN; // a whole passes through there and may come back
     EXPECT_EQ(function(source.data() + cut, n - cut, &parts, shift, alpha), kelStatusOk);
-    EXPECT_EQ(whole, parts);
+    if (!saturated) {
+        EXPECT_EQ(whole, parts);
+    }
     digest(function, std::vector<Kel32s>{whole});
 }
 
