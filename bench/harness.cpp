@@ -38,7 +38,7 @@ std::string object_file() {
 std::string level() {
     const std::string file = object_file(), mark = "x86-64-";
     const std::size_t at = file.rfind(mark + 'v');
-    return at == std::string::npos ? "base" : file.substr(at + mark.size(), 2);
+    return at == std::string::npos ? KELS_FIRST_LEVEL : file.substr(at + mark.size(), 2);
 }
 
 void Registration::name_peer(const char* peer) { all_peers().push_back(peer); }

@@ -152,7 +152,7 @@ void narrow() {
 
 const Registration sleef(
     [] {
-        if (__builtin_cpu_supports("avx512f")) wide();
+        if (level() == "v4" && __builtin_cpu_supports("avx512f")) wide();
         if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) narrow();
     },
     "SLEEF");
