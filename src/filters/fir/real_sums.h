@@ -406,9 +406,24 @@ auto RealSums<complex>::dot_of_fresh(const X* x, Taps taps, int count) -> Sum {
     return total;
 }
 
+/// Dot products whose windows are one sample apart: strips, started from zero as the sum of one segment is.
+template <bool complex>
+void add_neighbours(const Kel64f* x, const Kel64f* taps, int count, int dots, Kel64f* total,
+                    std::ptrdiff_t total_step) {
+    constexpr int width = RealSums<complex>::width, most = 512;
+    for (int done; dots > 0; dots -= done, x += done * width, total += done * total_step * width) {
+        done = std::min(dots, most / width);
+        alignas(64) Kel64f sums[most] = {};
+        RealSums<complex>::add_strips(x, taps, count, sums, done * width, 0);
+        for (int i = 0; i < done * width; ++i) total[i / width * total_step * width + i % width] += sums[i];
+    }
+}
+
 template <bool complex>
 void RealSums<complex>::add_dots(const Line* x, std::ptrdiff_t step, const Coefficient* taps, int count, int dots,
                                  Total* total, std::ptrdiff_t total_step, int /*pass*/) {
+    constexpr int least_strip = 12;
+    if (step == 1 && dots >= least_strip) return add_neighbours<complex>(x, taps, count, dots, total, total_step);
     for (int i = 0; i < dots; ++i)
         add_to(total + i * total_step * width, short_dot<width, false>(x + i * step * width, StoredTaps{taps}, count));
 }
