@@ -91,6 +91,16 @@ const Rows table = {
 
 const bool registered = add_rows("Extremes", table);
 
+TEST(Order, OfSubnormalsAloneIsWarnedOf) {
+    const Kel32f x[] = {0, std::numeric_limits<Kel32f>::denorm_min(), -std::numeric_limits<Kel32f>::min() / 2};
+    const Kel64f y[] = {std::numeric_limits<Kel64f>::denorm_min(), 0};
+    int order;
+    EXPECT_EQ(kelsMaxOrder_32f(x, 3, &order), kelStatusNanArg);
+    EXPECT_EQ(order, -126);
+    EXPECT_EQ(kelsMaxOrder_64f(y, 2, &order), kelStatusNanArg);
+    EXPECT_EQ(order, -1022);
+}
+
 TEST(PlaceOfExtreme, WithoutOneTheBitsDecide) {
     const Kel32f nan = std::nanf("");
     const Kel32f x[] = {-0.0F, 0.0F, nan, -nan};

@@ -30,7 +30,6 @@ public:
     void put_tap(std::ptrdiff_t i, const Taps& tap);
     void set_taps_factor(int factor) { taps_factor_ = factor; }
 
-    int state_size() const { return order_; }
     void get_state(Taps* out) const;
     /// Null for silence.
     void set_state(const Taps* state);
