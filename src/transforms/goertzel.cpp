@@ -221,12 +221,14 @@ Kel16s scaled(Kel64f value, int factor) {
 }
 
 KelStatus goertzel_scaled(const Kel16sc* src, int len, Kel16sc* val, Kel32f freq, int factor) {
+    const DefaultModes modes(true);
     return goertzel<PlainSums, 1>(src, len, val, &freq, [=](Complex<Kel64f> z) -> Kel16sc {
         return {scaled(static_cast<Kel32f>(z.re), factor), scaled(static_cast<Kel32f>(z.im), factor)};
     });
 }
 
 KelStatus goertzel_two_scaled(const Kel16sc* src, int len, Kel16sc* val, const Kel32f* freq, int factor) {
+    const DefaultModes modes(true);
     return goertzel<PlainSums, 2>(src, len, val, freq, [=](Complex<Kel64f> z) -> Kel16sc {
         return {scaled(z.re, factor), scaled(z.im, factor)};
     });

@@ -1,6 +1,7 @@
 // Goertzel evaluation against its definition, sample by sample in extended precision.
 
 #include "kels/goertzel.h"
+#include "support/control_state.h"
 #include "support/exact.h"
 #include "support/random_data.h"
 #include "support/refusals.h"
@@ -145,6 +146,23 @@ void expect_checks(KelStatus (*two)(const Sample*, int, Sample*, const Frequency
             expect_nulls_refused(two, x, 0, y, pair, scale...);
         }
     for (const Sample& z : y) EXPECT_EQ(std::memcmp(&z, &untouched, sizeof z), 0);
+}
+
+// Halfway between integers a caller's direction would decide, even of sums that are exact.
+TEST(Goertzel, TiesOf16BitsDoNotFeelTheCallersRounding) {
+    const Kel16sc x = {-3, 1};
+    const Kel32f frequencies[2] = {0, 0};
+    for (const std::uint32_t direction : {0x0000U, 0x2000U, 0x4000U, 0x6000U}) {
+        Kel16sc one = {}, both[2] = {};
+        ControlState{0x037F, 0x1F80 | direction}.load();
+        kelsGoertz_16sc_Sfs(&x, 1, &one, 0, 1);
+        kelsGoertzTwo_16sc_Sfs(&x, 1, both, frequencies, 1);
+        default_modes.load();
+        for (const Kel16sc& y : {one, both[0], both[1]}) {
+            EXPECT_EQ(y.re, -2) << std::hex << direction;
+            EXPECT_EQ(y.im, 1) << std::hex << direction;
+        }
+    }
 }
 
 TEST(GoertzelTwo, ChecksInOrderAndStoresNothing) {
