@@ -22,8 +22,8 @@
  *
  *  **Accuracy.** Sums are formed in double precision and rounded once: direct results of single-precision data are
  *  within 1 ulp, and have the same bits as extended precision on 99.9 % of data; double-precision results lie within
- *  2^-51 sum|terms|. Overlap-save has the rounding of the transforms: about 1e-7 or 1e-16 of the block's level; in
- *  single precision for single taps, else in double.
+ *  2^-51 sum|terms|, or 2^-50 where the terms are all equal. Overlap-save has the rounding of the transforms: about
+ *  1e-7 or 1e-16 of the block's level; in single precision for single taps, else in double.
  *
  *  **Integer samples.** The sum is multiplied by 2^-scaleFactor (the factor counts modulo 128, keeping its sign),
  *  rounded to nearest with ties away from zero, and saturated; a NaN becomes the largest value. Blocks longer than the
