@@ -9,6 +9,7 @@ elseif(CMAKE_SIZEOF_VOID_P EQUAL 8)
 else()
   set(KELS_LEVELS "base" CACHE STRING "Levels to build: 32-bit x86 has one")
 endif()
+list(GET KELS_LEVELS 0 KELS_FIRST_LEVEL) # the one in lib/
 
 set(KELS_FLAGS_base "")
 set(KELS_FLAGS_v3 -march=x86-64-v3)
@@ -62,11 +63,10 @@ endfunction()
 
 # kels_add_library(<sources...>): target `kels`, which programs link, and one more target for each further level.
 function(kels_add_library)
-  list(GET KELS_LEVELS 0 first)
-  kels_add_level(kels ${first} lib ${ARGN})
+  kels_add_level(kels ${KELS_FIRST_LEVEL} lib ${ARGN})
   add_library(kels::kels ALIAS kels)
   foreach(level IN LISTS KELS_LEVELS)
-    if(NOT level STREQUAL first)
+    if(NOT level STREQUAL KELS_FIRST_LEVEL)
       kels_add_level(kels-${level} ${level} lib/glibc-hwcaps/x86-64-${level} ${ARGN})
       add_dependencies(kels kels-${level})
     endif()

@@ -24,6 +24,7 @@
 #include <complex>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 namespace kels {
@@ -194,6 +195,7 @@ KelStatus goertzel(const Sample* src, int len, Sample* val, const Frequency* fre
     return vector_call({src, val, freq}, len, [&] {
         for (int i = 0; i < Count; ++i)
             if (!(freq[i] >= 0 && freq[i] < 1)) return kelStatusBadRelFreq;
+        const DefaultModes modes(std::is_integral_v<Part<Sample>>);
         Complex<Kel64f> results[Count];
         evaluate<Sums, Count>(src, len, freq, results);
         for (int i = 0; i < Count; ++i) val[i] = store(results[i]);
@@ -221,14 +223,12 @@ Kel16s scaled(Kel64f value, int factor) {
 }
 
 KelStatus goertzel_scaled(const Kel16sc* src, int len, Kel16sc* val, Kel32f freq, int factor) {
-    const DefaultModes modes(true);
     return goertzel<PlainSums, 1>(src, len, val, &freq, [=](Complex<Kel64f> z) -> Kel16sc {
         return {scaled(static_cast<Kel32f>(z.re), factor), scaled(static_cast<Kel32f>(z.im), factor)};
     });
 }
 
 KelStatus goertzel_two_scaled(const Kel16sc* src, int len, Kel16sc* val, const Kel32f* freq, int factor) {
-    const DefaultModes modes(true);
     return goertzel<PlainSums, 2>(src, len, val, freq, [=](Complex<Kel64f> z) -> Kel16sc {
         return {scaled(z.re, factor), scaled(z.im, factor)};
     });

@@ -413,7 +413,8 @@ void add_neighbours(const Kel64f* x, const Kel64f* taps, int count, int dots, Ke
     constexpr int width = RealSums<complex>::width, most = 512;
     for (int done; dots > 0; dots -= done, x += done * width, total += done * total_step * width) {
         done = std::min(dots, most / width);
-        alignas(64) Kel64f sums[most] = {};
+        alignas(64) Kel64f sums[most];
+        std::fill_n(sums, (done * width + places - 1) / places * places, 0.0); // whole vectors
         RealSums<complex>::add_strips(x, taps, count, sums, done * width, 0);
         for (int i = 0; i < done * width; ++i) total[i / width * total_step * width + i % width] += sums[i];
     }
