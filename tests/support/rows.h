@@ -155,8 +155,9 @@ struct Signature {
     static constexpr auto outputs = positions([](const Argument& a) { return a.is_output(); });
     static constexpr auto values = positions([](const Argument& a) { return a.is_value(); });
 
+    /// A value is returned in its place: on x87's stack a signalling NaN would become a quiet one.
     template <class T>
-    static T passed(void* slot) {
+    static decltype(auto) passed(void* slot) {
         if constexpr (std::is_pointer_v<T>)
             return static_cast<T>(slot);
         else
