@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace kels {
@@ -138,11 +139,14 @@ KelStatus mean(const Kel32fc* src, int len, Kel32fc* result) {
     });
 }
 
+/// A quotient that vanishes has the sign of the sum.
+Kel64f quotient(TwoDoubles total, int len) { return std::copysign((total / len).rounded(), total.high); }
+
 KelStatus mean(const Kel64f* src, int len, Kel64f* result) {
     return vector_call({src, result}, len, [=] {
         const RoundedToNearest modes;
         const TwoDoubles total = reduce<16, DoubleTotal>(len, src);
-        *result = total.in_range() ? (total / len).rounded() : extended_quotient(src, len, len);
+        *result = total.in_range() ? quotient(total, len) : extended_quotient(src, len, len);
     });
 }
 

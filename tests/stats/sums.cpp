@@ -189,6 +189,14 @@ TEST(Sum, DoublesMayLeaveTheirRangeOnTheWay) {
 
 // Means
 
+TEST(Mean, ThatVanishesHasTheSignOfTheSum) {
+    std::vector<Kel64f> x(10);
+    x[3] = -2 * std::numeric_limits<Kel64f>::denorm_min();
+    EXPECT_EQ(1 / reduce_with(kelsMean_64f, x), -std::numeric_limits<Kel64f>::infinity());
+    x[3] = -x[3];
+    EXPECT_EQ(1 / reduce_with(kelsMean_64f, x), std::numeric_limits<Kel64f>::infinity());
+}
+
 TEST(Mean, SmallSumsOfLargeFactors) {
     std::vector<Kel16s> x(1000);
     x[500] = 1;
