@@ -252,18 +252,21 @@ KelStatus tone(T* dst, int len, M magn, P frequency, P* phase, int hint = 0) {
 
 // Triangles
 
-/// u periods of a wave that falls while u < turn, and rises until u = 1.
+TwoDoubles half(TwoDoubles a) { return {a.high * 0.5, a.low * 0.5}; }
+
+/// u periods of a wave that falls while u < turn, and rises until u = 1. A slope is as steep as the other side is long,
+/// and enlarges what is lost of u, of which two doubles keep enough.
 struct Triangle {
     TwoDoubles turn, falling_middle, rising_middle;
     double falling, rising, magn, frequency;
     bool never_falls;
 
-    Triangle(double magnitude, double f, long double asymmetry) : magn(magnitude), frequency(f) {
-        const long double h1 = pi + asymmetry, h2 = pi - asymmetry;
+    Triangle(double magnitude, double f, double asymmetry) : magn(magnitude), frequency(f) {
+        const long double h1 = pi + static_cast<long double>(asymmetry), h2 = pi - static_cast<long double>(asymmetry);
         never_falls = h1 == 0;
-        turn = two_doubles(h1 / two_pi);
-        falling_middle = two_doubles(h1 / two_pi * 0.5L);
-        rising_middle = two_doubles((h1 / two_pi + 1) * 0.5L);
+        turn = two_doubles(pi, asymmetry) / two_pi;
+        falling_middle = half(turn);
+        rising_middle = half(turn + TwoDoubles{1});
         falling = static_cast<double>(-2 * two_pi / h1);
         rising = static_cast<double>(2 * two_pi / h2);
     }
@@ -290,7 +293,9 @@ struct Triangle {
 };
 
 /// x periods without the whole ones, in units of 2^-64: sums of them wrap by themselves.
-std::uint64_t fraction_of_period(long double x) { return static_cast<std::uint64_t>(x * 0x1p64L); }
+std::uint64_t fraction_of_period(TwoDoubles x) {
+    return static_cast<std::uint64_t>((static_cast<long double>(x.high) + x.low) * 0x1p64L);
+}
 
 /// Phases of samples side by side, each less than a period.
 template <class V>
@@ -320,7 +325,7 @@ struct FlatTriangle {
 
     explicit FlatTriangle(const Triangle& wave)
         : turn(1 + wave.turn.high), falling(wave.falling * wave.magn), rising(wave.rising * wave.magn), magn(wave.magn),
-          frequency(fraction_of_period(wave.frequency)) {}
+          frequency(fraction_of_period({wave.frequency})) {}
 
     static bool serves(const Triangle& wave) { return wave.falling >= -256 && wave.rising <= 256; }
 
@@ -332,9 +337,10 @@ struct FlatTriangle {
 };
 
 /// The phase of the imaginary part.
-long double companion_phase(long double phase, long double asymmetry) {
-    const long double moved = phase + ((pi + asymmetry) + two_pi) * 0.5L;
-    return moved < two_pi ? moved : moved - two_pi;
+TwoDoubles companion_phase(double phase, double asymmetry) {
+    const TwoDoubles moved = TwoDoubles{phase} + half(two_doubles(pi, asymmetry) + TwoDoubles{two_pi});
+    const TwoDoubles beyond = moved - TwoDoubles{two_pi};
+    return beyond.high < 0 ? moved : beyond;
 }
 
 /// Samples from re(n) and im(n), for lanes of n asked for in order.
@@ -353,15 +359,14 @@ template <class T, class Re, class Im>
 }
 
 template <class T>
-void fill_triangle(T* dst, int len, const Triangle& wave, long double re_phase, long double im_phase) {
-    const TwoDoubles re = two_doubles(re_phase), im = two_doubles(im_phase);
+void fill_triangle(T* dst, int len, const Triangle& wave, TwoDoubles re, TwoDoubles im) {
     fill_waves(
         dst, len, wave.magn, [&](auto n) KELS_INLINE { return wave.at(n, re); },
         [&](auto n) KELS_INLINE { return wave.at(n, im); });
 }
 
 template <class T>
-void fill_triangle(T* dst, int len, const FlatTriangle& wave, long double re_phase, long double im_phase) {
+void fill_triangle(T* dst, int len, const FlatTriangle& wave, TwoDoubles re_phase, TwoDoubles im_phase) {
     Phases<Vec<double>> re(fraction_of_period(re_phase), wave.frequency);
     Phases<Vec<double>> im(fraction_of_period(im_phase), wave.frequency);
     fill_waves(
@@ -379,10 +384,10 @@ KelStatus triangle(T* dst, int len, M magn, P frequency, P asymmetry, P* phase) 
     return vector_call({dst}, len, [=] {
         const ModesOfCreation modes;
         const P start = *phase, f = settled(frequency);
-        const long double asym = settled(asymmetry);
+        const double asym = settled(asymmetry);
         *phase = next_phase(start, f, len);
         const Triangle wave(settled(magn), f, asym);
-        const long double re = start / static_cast<long double>(two_pi), im = companion_phase(start, asym) / two_pi;
+        const TwoDoubles re = TwoDoubles{start} / two_pi, im = companion_phase(start, asym) / two_pi;
         if (std::is_same_v<P, Kel32f> && FlatTriangle::serves(wave))
             fill_triangle(dst, len, FlatTriangle(wave), re, im);
         else
