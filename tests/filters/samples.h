@@ -93,6 +93,7 @@ R away_from_zero(long double v) {
 /// by before it is rounded.
 struct Accuracy {
     long results = 0, missed_bits = 0;
+    long double beside_ties = 0; ///< how many results are expected to lie so close to a tie that noise moves them
 
     template <class R>
     void check(R got, long double exact, long double noise) {
@@ -106,6 +107,7 @@ struct Accuracy {
             ASSERT_LE(std::fabs(static_cast<long double>(got) - rounded), 1) << "result " << results;
         } else {
             const R rounded = static_cast<R>(exact);
+            if (noise > 0) beside_ties += std::min(1.0L, noise / kels_test::ulp(rounded));
             if (got == rounded || (std::isnan(got) && std::isnan(rounded))) return;
             ++missed_bits;
             const long double error = sizeof(R) == 4 ? static_cast<long double>(got) - rounded : got - exact;

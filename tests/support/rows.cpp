@@ -540,7 +540,8 @@ void matches_reference(const Row& row) {
         call.expect();
         ASSERT_TRUE(call.run());
     }
-    EXPECT_TRUE(!stores(row, Kind::f32) || tally.other_bits <= tally.compared / 1000)
+    // One of a thousand, and what chance may add where few are compared.
+    EXPECT_TRUE(!stores(row, Kind::f32) || tally.other_bits <= tally.compared / 1000 + 4)
         << tally.other_bits << " of " << tally.compared << " results";
 }
 

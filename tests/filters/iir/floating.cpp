@@ -86,6 +86,32 @@ private:
     }
 };
 
+template <class To, class From>
+std::vector<Z<To>> converted(const std::vector<Z<From>>& numbers) {
+    std::vector<Z<To>> all;
+    for (const auto& z : numbers) all.push_back({static_cast<To>(z.re), static_cast<To>(z.im)});
+    return all;
+}
+
+L largest_difference(const std::vector<Z<L>>& a, const std::vector<Z<L>>& b) {
+    L most = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) most = std::max(most, size_of(a[i] - b[i]));
+    return most;
+}
+
+/// The rule in plain doubles: what it loses, any filter may lose that does not round less.
+struct InDoubles : Reference<RealArithmetic<double, double>> {
+    InDoubles(bool is_cascade, const std::vector<Z<L>>& taps) : Reference(is_cascade, converted<double>(taps)) {}
+
+    L error(const std::vector<Z<L>>& state, const std::vector<Z<L>>& x, Way way, const std::vector<Z<L>>& exact,
+            const std::vector<Z<L>>& exact_state) {
+        registers() = converted<double>(state);
+        const auto y = filtered({}, way, converted<double>(x));
+        return std::max(largest_difference(converted<L>(y), exact),
+                        largest_difference(converted<L>(registers()), exact_state));
+    }
+};
+
 template <class T>
 void check_both(Accuracy& accuracy, const T& got, const Z<L>& exact, L noise, int scaleFactor = 0) {
     const auto* part = reinterpret_cast<const Part<T>*>(&got);
@@ -102,6 +128,7 @@ void follow_the_rule(bool cascade, int size) {
     Random random(name_of<F>() + (cascade ? " sections " : " order ") + std::to_string(size));
     const auto taps = stable_taps<Taps>(random, cascade, size);
     Rule<F> rule(cascade, taps);
+    InDoubles in_doubles(cascade, rule.taps());
     const std::size_t registers = rule.registers().size();
     auto state = noise<Taps>(random, static_cast<int>(registers));
     const Context context = make<F>(cascade, taps, 0, state);
@@ -123,18 +150,19 @@ void follow_the_rule(bool cascade, int size) {
         rule.registers() = exact_state;
         const auto exact = rule.filter(exact_x, way);
         L level = 1;
-        for (const auto& numbers : {exact_state, exact_x, exact})
+        for (const auto& numbers : {exact_state, exact_x, exact, rule.registers()})
             for (const auto& number : numbers) level = std::max(level, size_of(number));
         // A complex term that is not fused is rounded twice.
         constexpr int doubles = parts<typename F::Sample> == 2 ? -50 : -51;
-        const L noise_of_rule = std::ldexp(level * rule.amplification, F::single_taps ? -60 : doubles);
+        L noise_of_rule = std::ldexp(level * rule.amplification, F::single_taps ? -60 : doubles);
+        if (!F::single_taps) noise_of_rule += 4 * in_doubles.error(exact_state, exact_x, way, exact, rule.registers());
         for (std::size_t i = 0; i < count; ++i) check_both(results, y[i], exact[i], noise_of_rule, scale);
         for (std::size_t i = 0; i < registers; ++i) check_both(kept, state[i], rule.registers()[i], noise_of_rule);
         ASSERT_FALSE(testing::Test::HasFatalFailure())
             << (cascade ? "sections " : "order ") << size << " at " << done << " way " << way << " of " << count;
     }
     if (std::is_same_v<Part<T>, Kel32f>) {
-        EXPECT_LE(results.missed_bits, results.results / 1000 + 1);
+        EXPECT_LE(results.missed_bits, results.results / 1000 + 1 + std::ceil(results.beside_ties));
     }
     if (F::single_taps) {
         EXPECT_LE(kept.missed_bits, kept.results / 1000 + 1);
