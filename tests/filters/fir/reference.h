@@ -79,11 +79,12 @@ struct Comparison {
     using Sample = typename F::Sample;
     using R = Part<Sample>;
     int scaleFactor = 0, tapsFactor = 0;
+    int bits_of_doubles = -51; ///< of the sum of the terms' magnitudes, the most that a direct sum is off
     Accuracy direct;
 
     void check(const Sample& got, const Sum& wanted, bool transformed = false) {
         const long double scale = F::integer_samples ? scale_of(scaleFactor) : 1;
-        const long double noise = std::is_same_v<R, Kel32f> ? 0 : std::ldexp(wanted.magnitude * scale, -51);
+        const long double noise = std::is_same_v<R, Kel32f> ? 0 : std::ldexp(wanted.magnitude * scale, bits_of_doubles);
         for (int i = 0; i < parts<Sample>; ++i) {
             const R value = reinterpret_cast<const R*>(&got)[i];
             if constexpr (F::integer_taps)
