@@ -7,7 +7,7 @@ namespace bench {
 namespace {
 
 const Registration faces([] {
-    contend_vectors("arithmetic", "kelsAdd_32f", "C++ face", [](const Kel32f* a, const Kel32f* b, Kel32f* d, int n) {
+    contend_vectors("arithmetic", "kelsAdd_32f", "kels in C++", [](const Kel32f* a, const Kel32f* b, Kel32f* d, int n) {
         const std::size_t size = n;
         kels::add(std::span(a, size), std::span(b, size), std::span(d, size));
     });

@@ -66,7 +66,7 @@ void fixed_point() {
                 kelsFFTFwd_CToC_16sc_Sfs(source.get(), result.get(), planned.plan(), order, planned.buffer());
             };
         });
-        contend(work, "in single", [=] {
+        contend(work, "kels in single", [=] {
             return [planned = Planned(complex_single, order), source = noise<Kel32fc>(points),
                     result = zeros<Kel32fc>(points)] {
                 kelsFFTFwd_CToC_32fc(source.get(), result.get(), planned.plan(), planned.buffer());

@@ -7,7 +7,7 @@ namespace {
 template <class Call, class Sum>
 void beside_sum(const char* function, Call call, Sum sum) {
     contend_vectors("logic", function, ours, call);
-    contend_vectors("logic", function, "sum", sum);
+    contend_vectors("logic", function, "kelsAdd", sum);
 }
 
 const auto sum_8u = [](const Kel8u* a, const Kel8u* b, Kel8u* d, int n) { kelsAdd_8u_Sfs(a, b, d, n, 0); };

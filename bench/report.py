@@ -76,8 +76,12 @@ def table(rows):
 
 
 def best_peer(contenders):
-    """(name, its time as a multiple of ours) or None."""
-    peers = {who: time / contenders[OURS][0] for who, (time, _) in contenders.items() if who != OURS and OURS in contenders}
+    """(name, its time as a multiple of ours) or None. What begins with our name is a measure, not a peer."""
+    peers = {
+        who: time / contenders[OURS][0]
+        for who, (time, _) in contenders.items()
+        if not who.startswith(OURS) and OURS in contenders
+    }
     return min(peers.items(), key=lambda peer: peer[1], default=None)
 
 

@@ -108,10 +108,10 @@ void print_standing(const std::vector<Table>& tables) {
     for (const Table& table : tables)
         for (const Line& line : table.lines) {
             const auto mine = line.nanoseconds.find(ours);
-            if (mine == line.nanoseconds.end() || line.nanoseconds.size() < 2) continue;
             double best = 0;
             for (const auto& [who, time] : line.nanoseconds)
-                if (who != ours && (best == 0 || time < best)) best = time;
+                if (is_peer(who) && (best == 0 || time < best)) best = time;
+            if (mine == line.nanoseconds.end() || best == 0) continue;
             const double ratio = best / mine->second;
             if (rows++ == 0 || ratio < worst) {
                 worst = ratio;

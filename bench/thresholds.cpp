@@ -15,12 +15,12 @@ void alone(const char* function, KelStatus (*call)(const T*, T*, int, Values...)
 
 template <class T>
 void beside_sum(const char* function, KelStatus (*sum)(const T*, const T*, T*, int)) {
-    contend_vectors("thresholds", function, "sum", [=](const T* x, T* d, int n) { sum(x, x, d, n); });
+    contend_vectors("thresholds", function, "kelsAdd", [=](const T* x, T* d, int n) { sum(x, x, d, n); });
 }
 
 template <class T>
 void beside_copy(const char* function, KelStatus (*copy)(const T*, T*, int)) {
-    contend_vectors("thresholds", function, "copy", [=](const T* x, T* d, int n) { copy(x, d, n); });
+    contend_vectors("thresholds", function, "kelsCopy", [=](const T* x, T* d, int n) { copy(x, d, n); });
 }
 
 const Registration thresholds([] {
@@ -38,7 +38,8 @@ const Registration thresholds([] {
     beside_sum("kelsThreshold_LT_64f", kelsAdd_64f);
     contend_vectors("thresholds", "kelsThreshold_LT_64f_I", ours,
                     [](Kel64f* d, int n) { kelsThreshold_LT_64f_I(d, n, 0.25); });
-    contend_vectors("thresholds", "kelsThreshold_LT_64f_I", "sum", [](Kel64f* d, int n) { kelsAdd_64f_I(d, d, n); });
+    contend_vectors("thresholds", "kelsThreshold_LT_64f_I", "kelsAdd",
+                    [](Kel64f* d, int n) { kelsAdd_64f_I(d, d, n); });
     // Noise has no magnitude below 1 but zeros.
     alone("kelsThreshold_LT_16sc 1", kelsThreshold_LT_16sc, 1);
     beside_copy("kelsThreshold_LT_16sc 1", kelsCopy_16sc);
@@ -52,7 +53,7 @@ const Registration thresholds([] {
     alone("kelsThreshold_GTVal_32fc", kelsThreshold_GTVal_32fc, 0.5F, Kel32fc{1, 2});
     alone("kelsThreshold_GTVal_64fc", kelsThreshold_GTVal_64fc, 0.5, Kel64fc{1, 2});
     alone("kelsThreshold_LTInv_32f", kelsThreshold_LTInv_32f, 0.25F);
-    contend_vectors("thresholds", "kelsThreshold_LTInv_32f", "quotient",
+    contend_vectors("thresholds", "kelsThreshold_LTInv_32f", "kelsDiv",
                     [](const Kel32f* x, Kel32f* d, int n) { kelsDiv_32f(x, x, d, n); });
     alone("kelsThreshold_LTInv_64f", kelsThreshold_LTInv_64f, 0.25);
     alone("kelsThreshold_LTInv_32fc", kelsThreshold_LTInv_32fc, 0.25F);
