@@ -46,10 +46,10 @@ KelStatus limit_to(const Kel64f* src, Kel32f* dst, int len) {
     return vector_call({src, dst}, len, [=] {
         const RoundedByCaller modes;
         const auto limited = [](auto x) KELS_INLINE {
-            using V = decltype(x);
-            const V largest = splat<V>(std::numeric_limits<Kel32f>::max());
-            const V below = x < largest ? x : largest;
-            return convert<Kel32f>(below > -largest ? below : -largest);
+            const auto y = convert<Kel32f>(x);
+            using V = std::remove_const_t<decltype(y)>;
+            const V largest = splat<V>(std::numeric_limits<Kel32f>::max()), below = y < largest ? y : largest;
+            return below > -largest ? below : -largest;
         };
         map_blocks(dst, len, limited, src);
     });
