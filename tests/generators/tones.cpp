@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <type_traits>
 #include <vector>
@@ -63,13 +62,15 @@ std::vector<Real> tone_model(int len, Real magn, P frequency, P phase, int from 
     return y;
 }
 
-/// Of 113 bits: a steep side enlarges the error of a phase.
-using Quad = __float128;
-
-Real triangle_at(int n, Real magn, double frequency, Quad asym, Quad phase) {
-    const Quad h1 = pi + asym, h2 = pi - asym, periods = static_cast<Quad>(frequency) * n + phase / two_pi;
-    const Quad angle = (periods - static_cast<Quad>(static_cast<std::int64_t>(periods))) * two_pi;
-    return static_cast<Real>(angle < h1 ? magn * (1 - 2 * angle / h1) : magn * (2 * (angle - h1) / h2 - 1));
+/// The phase is the sum of two numbers: a steep side enlarges what one would lose.
+Real triangle_at(int n, Real magn, Real frequency, Real asym, Real phase) {
+    const Real h1 = pi + asym, h2 = pi - asym, periods = frequency * n;
+    const Real part = periods - std::floor(periods), turns = phase / two_pi, sum = part + turns;
+    const Real lost = (std::max(part, turns) - sum) + std::min(part, turns) + std::fma(frequency, Real(n), -periods) +
+                      std::fma(-turns, Real(two_pi), phase) / two_pi;
+    const Real rest = sum - std::floor(sum), angle = rest * two_pi;
+    const Real low = std::fma(rest, Real(two_pi), -angle) + lost * two_pi;
+    return angle < h1 ? magn * (((h1 - 2 * angle) - 2 * low) / h1) : magn * ((2 * (angle - h1) - h2 + 2 * low) / h2);
 }
 
 // Fixed point
@@ -122,7 +123,7 @@ constexpr auto tone =
 
 constexpr auto triangle =
     whole([]<class T, class P>(const P* start, T* dst, P* after, int len, auto magn, P frequency, P asym) {
-        const Quad phase = *start, skew = asym, moved = phase + ((pi + skew) + two_pi) / 2;
+        const Real phase = *start, skew = asym, moved = phase + ((pi + skew) + two_pi) / 2;
         std::vector<Real> y;
         for (int n = 0; n < len; ++n) {
             y.push_back(triangle_at(n, magn, frequency, skew, phase));
