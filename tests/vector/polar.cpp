@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cfenv>
 #include <climits>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -270,6 +271,14 @@ TEST(PolarToCartesian, AnglesOfAnySize) {
         ASSERT_LE(std::fabs(re - want_re), std::fabs(want_re) * 0x1p-52) << radius << " at " << angle;
         ASSERT_LE(std::fabs(im - want_im), std::fabs(want_im) * 0x1p-52) << radius << " at " << angle;
     }
+}
+
+// The quarters of an angle are counted in its bits.
+TEST(PolarToCartesian, AngleOfOnesThroughout) {
+    const Kel64f radius = 1, angle = std::bit_cast<Kel64f>(~std::uint64_t{0});
+    Kel64f re = 0, im = 0;
+    ASSERT_EQ(kelsPolarToCart_64f(&radius, &angle, &re, &im, 1), kelStatusOk);
+    EXPECT_TRUE(std::isnan(re) && std::isnan(im));
 }
 
 // A point alone is formed in doubles at every level, points in a row by quicker steps where those are enough.

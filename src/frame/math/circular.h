@@ -121,8 +121,9 @@ template <Grade G, class V>
     const auto odd = (a.quarters & splat<B>(1)) != 0;
     const auto signs = [](B quarters)
                            KELS_INLINE { return bits_as<V>((quarters << splat<B>(62)) & splat<B>(INT64_MIN)); };
+    // That of a cosine is bit 1 of quarters + 1, and of -quarters, which does not overflow from any NaN's bits.
     return {{odd ? c.head : s.head, odd ? c.tail : s.tail, with_sign_of(signs(a.quarters), x)},
-            {odd ? s.head : c.head, odd ? s.tail : c.tail, signs(a.quarters + splat<B>(1))}};
+            {odd ? s.head : c.head, odd ? s.tail : c.tail, signs(-a.quarters)}};
 }
 
 /// Sine and cosine of angles in radians. An infinite angle has NaNs.
