@@ -9,9 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cfenv>
 #include <climits>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
