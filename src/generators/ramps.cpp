@@ -11,10 +11,10 @@
 #include "frame/error_free.h"
 #include "frame/expanded.h"
 #include "frame/math/circular.h"
+#include "frame/math/harmonic.h"
 #include "frame/memory.h"
 #include "frame/modes.h"
 #include "frame/numeric.h"
-#include "generators/harmonic.h"
 #include "kels/statistics.h"
 
 #include <algorithm>

@@ -8,9 +8,9 @@
 
 #include "frame/blocks.h"
 #include "frame/calling_frame.h"
+#include "frame/math/harmonic.h"
 #include "frame/modes.h"
 #include "frame/numeric.h"
-#include "generators/harmonic.h"
 
 #include <algorithm>
 #include <bit>

@@ -15,6 +15,7 @@
 
 #include "frame/calling_frame.h"
 #include "frame/complex_vector.h"
+#include "frame/math/harmonic.h"
 #include "frame/modes.h"
 #include "frame/numeric.h"
 #include "frame/two_doubles.h"
@@ -34,7 +35,18 @@ constexpr int stretch = 16;
 using V = Vec<Kel64f, stretch>;
 using Extended = std::complex<long double>;
 
-// Turns
+long double angle_of(long double freq) { return static_cast<long double>(6.283185307179586) * freq; }
+
+/// What turns the lanes: every one by a stretch of samples, and in the end each by those that remain to it.
+template <class Turn>
+struct Turns {
+    Turn by_stretch, by_remaining;
+};
+
+/// std::complex looks for infinities.
+Extended product(Extended a, Extended b) {
+    return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
+}
 
 Extended turn(long double angle) {
     long double c, s;
@@ -42,74 +54,42 @@ Extended turn(long double angle) {
     return {c, s};
 }
 
-/// std::complex looks for infinities.
-Extended product(Extended a, Extended b) {
-    return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
-}
-
-long double angle_of(long double freq) { return static_cast<long double>(6.283185307179586) * freq; }
-
-/// Powers 0 to `stretch` of a turn. Where every bit counts, those that are powers of two are turns by an angle that is
-/// exact, else they are squares.
-struct Powers {
-    Extended power[stretch + 1];
-
-    Powers(long double angle, bool accurate) {
-        power[0] = 1;
-        for (int m = 1; m <= stretch; ++m) {
-            const int low = m & -m;
-            if (low != m)
-                power[m] = product(power[m - low], power[low]);
-            else
-                power[m] = m == 1 || accurate ? turn(angle * m) : product(power[m / 2], power[m / 2]);
-        }
-    }
-};
-
-/// What turns the lanes: real and imaginary parts, and where every bit counts what these lack.
-struct LaneTurns {
-    V c, s, c_low{}, s_low{};
-
-    LaneTurns(const Powers& powers, bool accurate, const int (&exponent)[stretch]) {
-        Kel64f part[4][stretch];
-        for (int lane = 0; lane < stretch; ++lane) {
-            const Extended z = powers.power[exponent[lane]];
-            part[0][lane] = static_cast<Kel64f>(z.real());
-            part[1][lane] = static_cast<Kel64f>(z.imag());
-            if (!accurate) continue;
-            part[2][lane] = static_cast<Kel64f>(z.real() - part[0][lane]);
-            part[3][lane] = static_cast<Kel64f>(z.imag() - part[1][lane]);
-        }
-        c = load<V>(part[0]);
-        s = load<V>(part[1]);
-        if (!accurate) return;
-        c_low = load<V>(part[2]);
-        s_low = load<V>(part[3]);
-    }
-    /// The same turn in every lane.
-    LaneTurns(Extended z)
-        : c(splat<V>(static_cast<Kel64f>(z.real()))), s(splat<V>(static_cast<Kel64f>(z.imag()))),
-          c_low(splat<V>(static_cast<Kel64f>(z.real() - c[0]))), s_low(splat<V>(static_cast<Kel64f>(z.imag() - s[0]))) {
-    }
-};
-
 // Sums of lanes
 
 struct PlainSums {
-    static constexpr bool accurate = false;
+    using Turn = SineCosine<V>;
     Complex<V> z{};
 
-    [[gnu::always_inline]] void turn_and_add(const LaneTurns& by, Complex<V> x) {
-        z = {(z.re * by.c - z.im * by.s) + x.re, (z.re * by.s + z.im * by.c) + x.im};
+    /// A whole stretch remains to the first lane.
+    static Turns<Turn> turns(long double angle, const Kel64f (&remaining)[stretch]) {
+        const RoundedToNearest modes;
+        const Turn each = Harmonic(settled(angle), 0).at<Grade::same_everywhere>(load<V>(remaining));
+        const V sines = settled(each.sine), cosines = settled(each.cosine);
+        return {{splat<V>(sines[0]), splat<V>(cosines[0])}, {sines, cosines}};
+    }
+    [[gnu::always_inline]] void turn_and_add(const Turn& by, Complex<V> x) {
+        z = {(z.re * by.cosine - z.im * by.sine) + x.re, (z.re * by.sine + z.im * by.cosine) + x.im};
     }
     Complex<Kel64f> total() const { return {sum_of_lanes(z.re), sum_of_lanes(z.im)}; }
 };
 
 struct CompensatedSums {
-    static constexpr bool accurate = true;
+    struct Turn {
+        V c, s, c_low, s_low; ///< cosines and sines, and what these lack
+    };
     Complex<V> high{}, low{};
 
-    [[gnu::always_inline]] void turn_and_add(const LaneTurns& by, Complex<V> x) {
+    /// Those by powers of two are turns by an angle that is exact.
+    static Turns<Turn> turns(long double angle, const Kel64f (&remaining)[stretch]) {
+        Extended power[stretch + 1];
+        for (int m = 1; m <= stretch; ++m) {
+            const int low = m & -m;
+            power[m] = low == m ? turn(angle * m) : product(power[m - low], power[low]);
+        }
+        return {lanes_of([&](int) { return power[stretch]; }),
+                lanes_of([&](int lane) { return power[static_cast<int>(remaining[lane])]; })};
+    }
+    [[gnu::always_inline]] void turn_and_add(const Turn& by, Complex<V> x) {
         V re, im, re_low, im_low;
         step(by.c, by.c_low, -by.s, -by.s_low, x.re, re, re_low);
         step(by.s, by.s_low, by.c, by.c_low, x.im, im, im_low);
@@ -119,6 +99,18 @@ struct CompensatedSums {
     Complex<Kel64f> total() const { return {total(high.re, low.re), total(high.im, low.im)}; }
 
 private:
+    template <class F>
+    static Turn lanes_of(const F& turn_of_lane) {
+        Kel64f part[4][stretch];
+        for (int lane = 0; lane < stretch; ++lane) {
+            const Extended z = turn_of_lane(lane);
+            part[0][lane] = static_cast<Kel64f>(z.real());
+            part[1][lane] = static_cast<Kel64f>(z.imag());
+            part[2][lane] = static_cast<Kel64f>(z.real() - part[0][lane]);
+            part[3][lane] = static_cast<Kel64f>(z.imag() - part[1][lane]);
+        }
+        return {load<V>(part[0]), load<V>(part[1]), load<V>(part[2]), load<V>(part[3])};
+    }
     /// high.re a + high.im b + x as the sum of two.
     [[gnu::always_inline]] void step(V a, V a_low, V b, V b_low, V x, V& result, V& result_low) const {
         const V p = high.re * a, q = high.im * b, pq = p + q, sum = pq + x;
@@ -164,26 +156,26 @@ template <class Sums, int Count, class Sample, class Frequency>
 void evaluate(const Sample* src, int len, const Frequency* freq, Complex<Kel64f>* results) {
     const ExtendedPrecision modes;
     const auto with = [&]<std::size_t... F>(std::index_sequence<F...>) KELS_INLINE {
-        const Powers powers[] = {Powers(angle_of(freq[F]), Sums::accurate)...};
-        const LaneTurns turns[] = {LaneTurns(powers[F].power[stretch])...};
+        Kel64f remaining[stretch];
+        for (int lane = 0; lane < stretch; ++lane) remaining[lane] = stretch - lane_order<Parts<Sample>>(lane);
+        const Turns<typename Sums::Turn> turns[] = {Sums::turns(angle_of(freq[F]), remaining)...};
         Sums sums[Count];
 
         Sample first[stretch] = {};
         const std::ptrdiff_t ahead = len % stretch;
         std::copy_n(src, ahead, first + stretch - ahead);
         const Complex<V> x = read(first);
-        (sums[F].turn_and_add(turns[F], x), ...);
+        (sums[F].turn_and_add(turns[F].by_stretch, x), ...);
         for (std::ptrdiff_t i = ahead; i < len; i += stretch) {
             const Complex<V> block = read(src + i);
-            (sums[F].turn_and_add(turns[F], block), ...);
+            (sums[F].turn_and_add(turns[F].by_stretch, block), ...);
         }
 
-        int remaining[stretch];
-        for (int lane = 0; lane < stretch; ++lane) remaining[lane] = stretch - lane_order<Parts<Sample>>(lane);
-        (sums[F].turn_and_add(LaneTurns(powers[F], Sums::accurate, remaining), Complex<V>{}), ...);
+        (sums[F].turn_and_add(turns[F].by_remaining, Complex<V>{}), ...);
         ((results[F] = sums[F].total()), ...);
         if constexpr (std::is_same_v<Sample, Kel64fc>)
-            ((in_range(results[F]) || (results[F] = sum_in_extended_precision(src, len, powers[F].power[1]), true)),
+            ((in_range(results[F]) ||
+              (results[F] = sum_in_extended_precision(src, len, turn(angle_of(freq[F]))), true)),
              ...);
     };
     with(std::make_index_sequence<Count>{});

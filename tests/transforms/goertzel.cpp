@@ -169,6 +169,20 @@ TEST(Goertzel, TiesOf16BitsDoNotFeelTheCallersRounding) {
     in_odd_modes(evaluate, expect_ties_away);
 }
 
+// Turns are reduced by exact steps, which a caller's direction would disturb.
+TEST(Goertzel, LongSumsFeelTheCallersRoundingLittle) {
+    constexpr int n = 20000;
+    const std::vector<Kel32fc> x = noise<Kel32fc>(n);
+    Kel32fc value;
+    const auto evaluate = [&] { kelsGoertz_32fc(x.data(), n, &value, 0.123F); };
+    evaluate();
+    const Kel32fc nearest = value;
+    in_odd_modes(evaluate, [&] {
+        EXPECT_NEAR(value.re, nearest.re, static_cast<double>(2 * ulp(nearest.re)));
+        EXPECT_NEAR(value.im, nearest.im, static_cast<double>(2 * ulp(nearest.im)));
+    });
+}
+
 TEST(GoertzelTwo, ChecksInOrderAndStoresNothing) {
     expect_checks(kelsGoertzTwo_16sc_Sfs, 1);
     expect_checks(kelsGoertzTwo_32fc);
