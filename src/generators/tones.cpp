@@ -26,11 +26,17 @@ constexpr double pi = 3.141592653589793, two_pi = 6.283185307179586;
 
 // Phase
 
+/// Of a number from 0 to 2^63. The C library's function takes longer than some samples.
+long double floor_of(long double x) {
+    const long double shifter = 0x1p63L, nearest = (x + shifter) - shifter;
+    return nearest > x ? nearest - 1 : nearest;
+}
+
 /// The phase of the sample behind the last one.
 template <class P>
 P next_phase(P phase, P frequency, int len) {
     const long double q = frequency * static_cast<long double>(two_pi) * len + phase;
-    const long double reduced = q + std::floor(0.15915494309189535 * q) * -static_cast<long double>(two_pi);
+    const long double reduced = q + floor_of(0.15915494309189535 * q) * -static_cast<long double>(two_pi);
     return static_cast<P>(reduced < 0 || reduced >= two_pi ? 0 : reduced);
 }
 
