@@ -18,10 +18,11 @@ namespace {
 
 constexpr int sign_bit = 0x80, code_bits = 0x7F, fraction_bits = 4, fraction_mask = 15;
 
-/// The number of steps at or below x.
-template <int... Steps, class V>
-[[gnu::always_inline]] inline V steps_up_to(V x) {
-    return static_cast<V>(((x >= Steps ? splat<V>(1) : V{}) + ...));
+/// How far x is above a code, up to another one.
+template <int From, int To, class V>
+[[gnu::always_inline]] inline V rise(V x) {
+    const V above = x > From ? x : splat<V>(From), limited = above < To ? above : splat<V>(To);
+    return static_cast<V>(limited - From);
 }
 
 /// Exponent and upper fraction of 16-bit lanes above 0, as an unscaled code.
@@ -75,8 +76,10 @@ struct ALaw {
     /// The code in mu-law.
     template <class V>
     [[gnu::always_inline]] static V recode(V code) {
-        const V shift = code < 8 ? static_cast<V>(code + 1) : splat<V>(8);
-        return static_cast<V>(code + shift - steps_up_to<25, 27, 29, 31, 45, 47, 63, 79>(code));
+        const V next = static_cast<V>(code + 1), shift = next < 8 ? next : splat<V>(8);
+        const V twice = static_cast<V>(rise<23, 31>(code) + rise<43, 47>(code));
+        const V down = static_cast<V>((twice >> splat<V>(1)) + rise<62, 63>(code) + rise<78, 79>(code));
+        return static_cast<V>(code + shift - down);
     }
 };
 
@@ -111,8 +114,9 @@ struct MuLaw {
     /// The code in A-law.
     template <class V>
     [[gnu::always_inline]] static V recode(V code) {
-        const V shift = code < 16 ? static_cast<V>(static_cast<V>(code + 1) >> splat<V>(1)) : splat<V>(8);
-        return static_cast<V>(code - shift + steps_up_to<33, 34, 35, 36, 48, 49, 64, 80>(code));
+        const V half = static_cast<V>(static_cast<V>(code + 1) >> splat<V>(1)), shift = half < 8 ? half : splat<V>(8);
+        const V up = static_cast<V>(rise<32, 36>(code) + rise<47, 49>(code) + rise<63, 64>(code) + rise<79, 80>(code));
+        return static_cast<V>(code - shift + up);
     }
 };
 
@@ -120,10 +124,9 @@ template <class From, class To>
 KelStatus recode(const Kel8u* src, Kel8u* dst, int len) {
     return vector_call({src, dst}, len, [=] {
         const auto recoded = [](auto x) KELS_INLINE {
-            using Signed = Vec<Kel8s, lanes<decltype(x)>>;
-            const auto code = bits_as<Signed>(x);
-            const auto other = From::recode(static_cast<Signed>((code ^ From::inversion) & code_bits));
-            return bits_as<decltype(x)>(static_cast<Signed>(other ^ To::inversion ^ (code & ~code_bits)));
+            using V = decltype(x);
+            const V other = From::recode(static_cast<V>((x ^ From::inversion) & code_bits));
+            return static_cast<V>(other ^ To::inversion ^ (x & sign_bit));
         };
         map_blocks(dst, len, recoded, src);
     });
