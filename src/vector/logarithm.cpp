@@ -142,12 +142,17 @@ constexpr Kel32s rounded_from[] = {1,       2,        5,        13,        34,  
                                    1809,    4915,     13360,    36316,     98716,     268338,   729417, 1982760,
                                    5389699, 14650720, 39824785, 108254988, 294267567, 799902178};
 
-/// How many of the thresholds x has reached.
+/// How many of the thresholds x has reached. Registers of 64 bytes are compared into masks, from which lanes take a
+/// while; so they are counted by halves, which are not.
 template <class V, std::size_t N>
 [[gnu::always_inline]] inline V steps_reached(V x, const Kel16s (&thresholds)[N]) {
-    V steps{};
-    for (const Kel16s threshold : thresholds) steps += x >= threshold ? splat<V>(1) : V{};
-    return steps;
+    if constexpr (sizeof(V) == 64) {
+        return both(steps_reached(half<0>(x), thresholds), steps_reached(half<1>(x), thresholds));
+    } else {
+        V steps{};
+        for (const Kel16s threshold : thresholds) steps += x >= threshold ? splat<V>(1) : V{};
+        return steps;
+    }
 }
 
 /// Of 16-bit elements, the results for a factor of -1, 0 ... 4: all that there are.
