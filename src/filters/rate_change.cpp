@@ -88,6 +88,7 @@ void spread(const U* src, U* dst, std::ptrdiff_t count, int factor, int phase) {
         n = std::min(most, count - first);
         U* piece = dst + first * factor;
         std::memset(piece, 0, sizeof(U) * static_cast<std::size_t>(n * factor));
+        KELS_ONE_BY_ONE
         for (std::ptrdiff_t k = 0; k < n; ++k) move(src + first + k, piece + k * factor + phase);
     }
 }

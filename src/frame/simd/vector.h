@@ -16,6 +16,13 @@
 #define KELS_ROLLED _Pragma("GCC unroll 1")
 #endif
 
+/// Before a loop over places far from each other, which the instructions that gather and scatter visit more slowly.
+#if defined(__clang__)
+#define KELS_ONE_BY_ONE _Pragma("clang loop vectorize(disable)")
+#else
+#define KELS_ONE_BY_ONE
+#endif
+
 namespace kels {
 
 /// Bytes of the widest vector of this level.
