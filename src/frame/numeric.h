@@ -111,6 +111,12 @@ template <class R, class V>
 [[gnu::always_inline]] inline Vec<R, lanes<V>> saturate(V t) {
     using From = std::numeric_limits<Element<V>>;
     using To = std::numeric_limits<R>;
+    if constexpr (lanes<V> >= 2 * max_lanes<Element<V>>) {
+        using Half = Vec<Element<V>, lanes<V> / 2>;
+        if constexpr (packs<R, Half>) return pack_limited<R>(half<0>(t), half<1>(t));
+        if constexpr (packs<std::int16_t, Half> && sizeof(R) == 1) return saturate<R>(saturate<std::int16_t>(t));
+        if constexpr (sizeof(Half) > vector_bytes) return both(saturate<R>(half<0>(t)), saturate<R>(half<1>(t)));
+    }
     if constexpr (To::digits < From::digits) t = t > To::max() ? splat<V>(To::max()) : t;
     if constexpr (To::min() > From::min()) t = t < To::min() ? splat<V>(To::min()) : t;
     return convert<R>(t);

@@ -38,7 +38,7 @@ struct Saturated {
     template <class V>
     [[gnu::always_inline]] V sum(V x0, V x1) const {
         if constexpr (sizeof(Element<V>) <= 2) {
-            return saturate<Element<V>>(static_cast<Wide<V>>(convert<Twice<V>>(x0) + convert<Twice<V>>(x1)));
+            return add_limited(x0, x1);
         } else {
             const V wrapped = bits_as<V>(bits_as<Unsigned<V>>(x0) + bits_as<Unsigned<V>>(x1));
             return unless_overflowed((x0 ^ wrapped) & (x1 ^ wrapped), wrapped, x1);
@@ -47,7 +47,7 @@ struct Saturated {
     template <class V>
     [[gnu::always_inline]] V difference(V x0, V x1) const {
         if constexpr (sizeof(Element<V>) <= 2) {
-            return saturate<Element<V>>(static_cast<Wide<V>>(convert<Twice<V>>(x1) - convert<Twice<V>>(x0)));
+            return subtract_limited(x1, x0);
         } else {
             const V wrapped = bits_as<V>(bits_as<Unsigned<V>>(x1) - bits_as<Unsigned<V>>(x0));
             return unless_overflowed((x1 ^ x0) & (x1 ^ wrapped), wrapped, x1);
@@ -55,11 +55,6 @@ struct Saturated {
     }
 
 private:
-    template <class V>
-    using Twice = Signed<2 * digits<Element<V>>>;
-    template <class V>
-    using Wide = Vec<Twice<V>, lanes<V>>;
-
     /// The limit has the sign of x1.
     template <class V>
     [[gnu::always_inline]] static V unless_overflowed(V sign, V wrapped, V x1) {

@@ -189,33 +189,54 @@ template <class V>
     return bits_as<V>(bits_as<Bits>(a) & splat<Bits>(std::numeric_limits<Element<Bits>>::max()));
 }
 
-/// Signed 8- or 16-bit lanes, limited to their type.
-template <class V>
-[[gnu::always_inline]] inline V add_limited(V a, V b) {
+/// a + b or a - b of signed 8- or 16-bit lanes, limited to their type.
+template <bool Minus, class V>
+[[gnu::always_inline]] inline V limited(V a, V b) {
     constexpr bool bytes = sizeof(Element<V>) == 1;
     static_assert(std::is_signed_v<Element<V>> && sizeof(Element<V>) <= 2);
     if constexpr (lanes<V> == 1) {
         using Limits = std::numeric_limits<V>;
-        const int sum = a + b;
+        const int sum = Minus ? a - b : a + b;
         return static_cast<V>(sum > Limits::max() ? Limits::max() : sum < Limits::min() ? Limits::min() : sum);
     } else if constexpr (sizeof(V) > vector_bytes) {
-        return both(add_limited(half<0>(a), half<0>(b)), add_limited(half<1>(a), half<1>(b)));
+        return both(limited<Minus>(half<0>(a), half<0>(b)), limited<Minus>(half<1>(a), half<1>(b)));
     }
 #if defined(__AVX512BW__)
     else if constexpr (sizeof(V) == 64) {
-        return (V)(bytes ? _mm512_adds_epi8((__m512i)a, (__m512i)b) : _mm512_adds_epi16((__m512i)a, (__m512i)b));
+        const auto x = (__m512i)a, y = (__m512i)b;
+        if constexpr (Minus)
+            return (V)(bytes ? _mm512_subs_epi8(x, y) : _mm512_subs_epi16(x, y));
+        else
+            return (V)(bytes ? _mm512_adds_epi8(x, y) : _mm512_adds_epi16(x, y));
     }
 #endif
 #if defined(__AVX2__)
     else if constexpr (sizeof(V) == 32) {
-        return (V)(bytes ? _mm256_adds_epi8((__m256i)a, (__m256i)b) : _mm256_adds_epi16((__m256i)a, (__m256i)b));
+        const auto x = (__m256i)a, y = (__m256i)b;
+        if constexpr (Minus)
+            return (V)(bytes ? _mm256_subs_epi8(x, y) : _mm256_subs_epi16(x, y));
+        else
+            return (V)(bytes ? _mm256_adds_epi8(x, y) : _mm256_adds_epi16(x, y));
     }
 #endif
     else if constexpr (sizeof(V) == 16) {
-        return (V)(bytes ? _mm_adds_epi8((__m128i)a, (__m128i)b) : _mm_adds_epi16((__m128i)a, (__m128i)b));
+        const auto x = (__m128i)a, y = (__m128i)b;
+        if constexpr (Minus)
+            return (V)(bytes ? _mm_subs_epi8(x, y) : _mm_subs_epi16(x, y));
+        else
+            return (V)(bytes ? _mm_adds_epi8(x, y) : _mm_adds_epi16(x, y));
     } else { // a part of one register: the rest is zeros
-        return half<0>(add_limited(both(a, V{}), both(b, V{})));
+        return half<0>(limited<Minus>(both(a, V{}), both(b, V{})));
     }
+}
+
+template <class V>
+[[gnu::always_inline]] inline V add_limited(V a, V b) {
+    return limited<false>(a, b);
+}
+template <class V>
+[[gnu::always_inline]] inline V subtract_limited(V a, V b) {
+    return limited<true>(a, b);
 }
 
 /// Products of 16-bit lanes, added up in pairs. Only the sum 2^31 of four lowest values wraps.

@@ -1,6 +1,7 @@
 // Lanes of one type to lanes of another.
 #pragma once
 
+#include "frame/simd/shuffle.h"
 #include "frame/simd/vector.h"
 
 #include <cstdint>
@@ -77,6 +78,31 @@ template <bool TowardZero, class V>
 #endif
     else // a part of one register: the rest is zeros
         return half<0>(to_integer<TowardZero>(both(a, V{})));
+}
+
+/// Whether `pack_limited` makes one register of R of two registers of V.
+template <class R, class V>
+inline constexpr bool packs =
+#if defined(__AVX512BW__)
+    sizeof(V) == 64 && sizeof(R) <= 2 && 2 * sizeof(R) == sizeof(Element<V>) && std::is_signed_v<Element<V>>;
+#else
+    false; // compilers do it by themselves
+#endif
+
+/// Lanes of a, then of b, limited to R.
+template <class R, class V>
+[[gnu::always_inline]] inline Vec<R, 2 * lanes<V>> pack_limited([[maybe_unused]] V a, [[maybe_unused]] V b) {
+    static_assert(packs<R, V>);
+    using P = Vec<R, 2 * lanes<V>>;
+    P packed{};
+#if defined(__AVX512BW__)
+    const auto x = (__m512i)a, y = (__m512i)b;
+    if constexpr (sizeof(R) == 2)
+        packed = (P)(std::is_signed_v<R> ? _mm512_packs_epi32(x, y) : _mm512_packus_epi32(x, y));
+    else
+        packed = (P)(std::is_signed_v<R> ? _mm512_packs_epi16(x, y) : _mm512_packus_epi16(x, y));
+#endif
+    return in_order(packed);
 }
 
 /// 32-bit lanes limited to 16 bits, those of a and b by turns.

@@ -67,12 +67,28 @@ template <class V>
     return half<0>(shuffle<[](int i) { return (2 * i + 1) % lanes<V>; }>(a, a));
 }
 
-/// Every other one of 8- or 16-bit lanes of registers or of their halves, from the first on.
+/// The halves of every 16 bytes, of which the first belong to one vector and the second to another, brought together.
+template <class V>
+[[gnu::always_inline]] inline V in_order(V groups) {
+    using Halves = Vec<std::int64_t, 8>;
+    const auto x = bits_as<Halves>(groups);
+    return bits_as<V>(shuffle<[](int i) { return i % 4 * 2 + i / 4; }>(x, x));
+}
+
+/// Every other one of 8- or 16-bit lanes of registers or of their halves, from the first on. Where registers have 64
+/// bytes, they are packed as they are.
 template <class V>
 [[gnu::always_inline]] inline V pack_low_halves(V a, V b) {
     constexpr bool bytes = sizeof(Element<V>) == 1;
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64) {
+        const __m512i mask = bytes ? _mm512_set1_epi16(0xFF) : _mm512_set1_epi32(0xFFFF);
+        const __m512i x = (__m512i)a & mask, y = (__m512i)b & mask;
+        return in_order((V)(bytes ? _mm512_packus_epi16(x, y) : _mm512_packus_epi32(x, y)));
+    } else
+#endif
 #if defined(__AVX2__)
-    if constexpr (sizeof(V) == 32) {
+        if constexpr (sizeof(V) == 32) {
         const __m256i mask = bytes ? _mm256_set1_epi16(0xFF) : _mm256_set1_epi32(0xFFFF);
         const __m256i x = (__m256i)a & mask, y = (__m256i)b & mask;
         return (V)(bytes ? _mm256_packus_epi16(x, y) : _mm256_packus_epi32(x, y));
@@ -93,8 +109,16 @@ template <class V>
 template <class V>
 [[gnu::always_inline]] inline V pack_high_halves(V a, V b) {
     constexpr bool bytes = sizeof(Element<V>) == 1;
+#if defined(__AVX512BW__)
+    if constexpr (sizeof(V) == 64) {
+        const auto high = [](V x) KELS_INLINE {
+            return bytes ? _mm512_srai_epi16((__m512i)x, 8) : _mm512_srai_epi32((__m512i)x, 16);
+        };
+        return in_order((V)(bytes ? _mm512_packs_epi16(high(a), high(b)) : _mm512_packs_epi32(high(a), high(b))));
+    } else
+#endif
 #if defined(__AVX2__)
-    if constexpr (sizeof(V) == 32) {
+        if constexpr (sizeof(V) == 32) {
         const auto high = [](V x) KELS_INLINE {
             return bytes ? _mm256_srai_epi16((__m256i)x, 8) : _mm256_srai_epi32((__m256i)x, 16);
         };
@@ -107,6 +131,13 @@ template <class V>
         };
         return (V)(bytes ? _mm_packs_epi16(high(a), high(b)) : _mm_packs_epi32(high(a), high(b)));
     }
+}
+
+/// Lanes of a and b by turns, from the first or the second half of every 16 bytes.
+template <int Half, class V>
+[[gnu::always_inline]] inline V interleave_groups(V a, V b) {
+    constexpr int n = 16 / static_cast<int>(sizeof(Element<V>));
+    return shuffle<[](int i) { return i / n * n + Half * n / 2 + i % n / 2 + i % 2 * lanes<V>; }>(a, b);
 }
 
 template <class V>
@@ -142,6 +173,9 @@ template <class V>
         } else {
             return {pack_low_halves(a, b), pack_high_halves(a, b)};
         }
+    } else if constexpr (sizeof(V) == 64 && sizeof(Element<V>) == 1) {
+        const V a = load<V>(p), b = load<V>(p + lanes<V>);
+        return {pack_low_halves(a, b), pack_high_halves(a, b)};
     } else {
         const auto x = load<Vec<Element<V>, 2 * lanes<V>>>(p);
         return {even_lanes(x), odd_lanes(x)};
@@ -151,6 +185,13 @@ template <class V>
 /// Lanes of both by turns.
 template <class V>
 [[gnu::always_inline]] inline auto zip(V a, V b) {
+    if constexpr (sizeof(V) == 64 && sizeof(Element<V>) == 1) { // groups of 16 bytes, which are put in order as words
+        using Words = Vec<std::int64_t, 8>;
+        const auto low = bits_as<Words>(interleave_groups<0>(a, b)), high = bits_as<Words>(interleave_groups<1>(a, b));
+        const auto first = shuffle<[](int i) { return i / 4 * 2 + i % 2 + i / 2 % 2 * 8; }>(low, high);
+        const auto second = shuffle<[](int i) { return 4 + i / 4 * 2 + i % 2 + i / 2 % 2 * 8; }>(low, high);
+        return both(bits_as<V>(first), bits_as<V>(second));
+    }
     const auto v = both(a, b);
     return shuffle<[](int i) { return i / 2 + i % 2 * lanes<V>; }>(v, v);
 }
@@ -165,13 +206,8 @@ template <class V>
 /// 16-bit lanes of low and high bytes that have been dealt, in the natural order.
 template <class V>
 [[gnu::always_inline]] inline auto widened(V low, V high) {
-    const auto joined = [=](auto second) KELS_INLINE {
-        return shuffle<[](int i) { return i / 16 * 16 + i % 16 / 2 + decltype(second)::value * 8 + i % 2 * lanes<V>; }>(
-            low, high);
-    };
     using H = Vec<std::int16_t, lanes<V> / 2>;
-    return both(bits_as<H>(joined(std::integral_constant<int, 0>{})),
-                bits_as<H>(joined(std::integral_constant<int, 1>{})));
+    return both(bits_as<H>(interleave_groups<0>(low, high)), bits_as<H>(interleave_groups<1>(low, high)));
 }
 
 } // namespace kels
