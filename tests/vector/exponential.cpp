@@ -258,6 +258,13 @@ TEST(Logarithm, EveryStep) {
         }
 }
 
+// Its exponent, rounded up, is the first that fills the bits of one.
+TEST(Logarithm, OfTheLargestNumberAlone) {
+    Kel64f x = std::numeric_limits<Kel64f>::max();
+    ASSERT_EQ(kelsLn_64f_I(&x, 1), kelStatusOk);
+    EXPECT_NEAR(x, 0x1.62e42fefa39efp+9, 0x1p-43);
+}
+
 TEST(Logarithm, FirstOffenderDecides) {
     std::vector<Kel32f> far(5000, 2.0F), logarithms(5000);
     far[4999] = 0;

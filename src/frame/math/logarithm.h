@@ -42,11 +42,12 @@ template <class V, class F>
 [[gnu::always_inline]] inline auto with_parts(V x, const F& f) {
     using B = Bits<V>;
     using Unsigned = Vec<std::uint64_t, lanes<V>>;
-    constexpr std::int64_t exponent = std::int64_t{0xFFF} << fraction_bits, bias = std::int64_t{1024} << fraction_bits;
+    constexpr std::int64_t exponent = std::int64_t{0xFFF} << fraction_bits;
+    constexpr std::uint64_t bias = std::uint64_t{1024} << fraction_bits;
     const B above = bits_as<B>(x) - splat<B>(root_half);
     const V m = bits_as<V>(bits_as<B>(x) - (above & splat<B>(exponent)));
-    // k + 1024 becomes the last bits of 2^52: there is no conversion of 64-bit integers at most levels.
-    const Unsigned biased = (Unsigned)(above + splat<B>(bias)) >> splat<Unsigned>(fraction_bits);
+    // k + 1024, which may be 2048, becomes the last bits of 2^52: most levels convert no 64-bit integers.
+    const Unsigned biased = (bits_as<Unsigned>(above) + splat<Unsigned>(bias)) >> splat<Unsigned>(fraction_bits);
     const V k = bits_as<V>((B)biased | splat<B>(0x4330000000000000)) - (0x1p52 + 1024);
     return f(m, k);
 }
