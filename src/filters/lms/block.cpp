@@ -56,7 +56,7 @@ Kel64f sum_of_window(const Context& context, const Kel64f* window, Kel64f error)
         LmsLanes tap = load<LmsLanes>(taps + i), met = ahead;
         if constexpr (adapts) {
             ahead = load<LmsLanes>(window + i + lms_lanes);
-            tap = rounded_to_single(adapted(tap, keep(met), error));
+            tap = keep(rounded_to_single(adapted(tap, keep(met), error))); // an infinite error makes NaNs of zeros
             store(taps + i, tap);
             met = shuffle<[](int lane) { return lane + 1; }>(met, ahead);
         } else {

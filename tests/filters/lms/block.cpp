@@ -208,6 +208,17 @@ TEST(Lms16s, OutputsAreSaturatedAndCutWhileTheErrorIsNot) {
     }
 }
 
+// What stands beside the taps, to fill vectors, stays out of the sum.
+TEST(Lms32f, AnInfiniteErrorMakesInfiniteTaps) {
+    for (std::size_t count = 1; count <= 40; ++count) {
+        const std::vector<Kel32f> zeros(count), ones(count, 1.0F), x = {1, 1}, reference = {HUGE_VALF, 0};
+        const Context context = make(zeros, ones, 0);
+        std::vector<Kel32f> y(2);
+        EXPECT_EQ(kelsFIRLMS_32f(x.data(), reference.data(), y.data(), 2, 0.5F, context.get()), kelStatusOk);
+        EXPECT_EQ(y, (std::vector<Kel32f>{0, HUGE_VALF})) << count;
+    }
+}
+
 // What precedes the window is not met, whatever it holds: the oldest sample of a line has no influence.
 TEST(Lms32f, AForgottenSampleStaysForgotten) {
     for (const int L : {1, 3, 16, 20}) {
